@@ -1,0 +1,46 @@
+// The arguments of a tool, taken apart one by one.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Wrong usage; the tool prints the message and "--help" as the way out, and ends with exit code 2.
+class UsageError : public std::runtime_error {
+public:
+    explicit UsageError(std::wstring message);
+    const std::wstring& Message() const { return message_; }
+
+private:
+    std::wstring message_;
+};
+
+// Walks over "--name value", "--name=value" and plain arguments in the order given; "--" ends the options.
+class CommandLine {
+public:
+    CommandLine(int count, wchar_t** arguments);
+
+    // The next argument: an option's name with its dashes, or a plain argument. Empty at the end.
+    std::optional<std::wstring> Next();
+    // True when the argument just given was an option ("--" was not seen before it).
+    bool IsOption() const { return isOption_; }
+    // The value of the option just given. Throws UsageError when it is missing.
+    std::wstring Value();
+
+private:
+    std::vector<std::wstring> arguments_;
+    std::size_t position_ = 0;
+    std::wstring option_;
+    std::optional<std::wstring> attachedValue_;
+    bool isOption_ = false;
+    bool optionsEnded_ = false;
+};
+
+// A whole number within [low, high]. Throws UsageError that names the option.
+unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high);
+
+} // namespace vantrel::tools
