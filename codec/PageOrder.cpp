@@ -1,0 +1,49 @@
+#include "codec/PageOrder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+namespace vantrel {
+
+namespace {
+
+// Flips an 8 x 8 bit matrix along its antidiagonal, swapping blocks of 1, 2 and 4 in turn (H. S. Warren,
+// Hacker's Delight, 7-3). With row r in byte 7 - r, leftmost pixel in the highest bit, byte c of the result
+// is column c and its bit r row r.
+std::uint64_t FlipBits(std::uint64_t rows) {
+    std::uint64_t swap = (rows ^ rows << 9) & 0xAA00AA00AA00AA00;
+    rows ^= swap ^ swap >> 9;
+    swap = (rows ^ rows << 18) & 0xCCCC0000CCCC0000;
+    rows ^= swap ^ swap >> 18;
+    swap = (rows ^ rows << 36) & 0xF0F0F0F000000000;
+    return rows ^ swap ^ swap >> 36;
+}
+
+} // namespace
+
+ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint16_t height) {
+    const std::size_t rowBytes = (width + 7u) / 8u;
+    if (rowBits.size() < rowBytes * height)
+        throw std::out_of_range("invalid vector<T> subscript");
+
+    ByteBuffer pages;
+    pages.resize((height + 7u) / 8u * std::size_t{width});
+    const std::uint8_t* row = rowBits.data();
+    std::uint8_t* page = pages.data();
+    for (unsigned y = 0; y < height; y += 8) {
+        const unsigned bandRows = std::min(8u, height - y);
+        for (unsigned x = 0; x < width; x += 8) {
+            std::uint64_t block = 0;
+            for (unsigned r = 0; r < bandRows; ++r)
+                block |= std::uint64_t{row[r * rowBytes + x / 8]} << 8 * (7 - r);
+            const std::uint64_t columns = FlipBits(block);
+            std::memcpy(page + x, &columns, std::min(8u, width - x));
+        }
+        row += bandRows * rowBytes;
+        page += width;
+    }
+    return pages;
+}
+
+} // namespace vantrel

@@ -1,0 +1,34 @@
+// The module's front door: what the loader, COM and registration tools call.
+
+#include "module/ClassFactory.h"
+#include "module/ClassTable.h"
+#include "module/ModuleState.h"
+
+#include <new>
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        vantrel::g_moduleInstance = instance;
+        DisableThreadLibraryCalls(instance);
+    }
+    return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
+    if (!object)
+        return E_POINTER;
+    *object = nullptr;
+    const vantrel::ClassRow* const row = vantrel::FindClass(classId);
+    if (!row)
+        return CLASS_E_CLASSNOTAVAILABLE;
+    auto* const factory = new (std::nothrow) vantrel::ClassFactory(row->create);
+    if (!factory)
+        return E_OUTOFMEMORY;
+    const HRESULT result = factory->QueryInterface(iid, object);
+    factory->Release();
+    return result;
+}
+
+STDAPI DllCanUnloadNow() {
+    return vantrel::g_moduleCount == 0 ? S_OK : S_FALSE;
+}

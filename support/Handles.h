@@ -1,0 +1,34 @@
+// Move-only owners of Windows handles: one line per kind of handle says how it is closed.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace vantrel {
+
+template <auto close>
+struct HandleCloser {
+    template <class Handle>
+    void operator()(Handle handle) const noexcept {
+        close(handle);
+    }
+};
+
+// Null means none; APIs that answer INVALID_HANDLE_VALUE are mapped where they are called.
+template <class Handle, auto close>
+using UniqueHandle = std::unique_ptr<std::remove_pointer_t<Handle>, HandleCloser<close>>;
+
+inline void ReleaseScreenDc(HDC dc) {
+    ReleaseDC(nullptr, dc);
+}
+
+using UniqueFile = UniqueHandle<HANDLE, CloseHandle>;
+using UniqueFindFile = UniqueHandle<HANDLE, FindClose>;
+using UniqueBitmap = UniqueHandle<HBITMAP, DeleteObject>;
+using UniqueBrush = UniqueHandle<HBRUSH, DeleteObject>;
+using UniqueDc = UniqueHandle<HDC, DeleteDC>;
+using UniqueScreenDc = UniqueHandle<HDC, ReleaseScreenDc>;
+
+} // namespace vantrel

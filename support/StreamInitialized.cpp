@@ -1,0 +1,17 @@
+#include "support/StreamInitialized.h"
+
+namespace vantrel {
+
+HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) {
+    if (!stream)
+        return E_POINTER;
+    if (stream_)
+        return E_UNEXPECTED;
+    void* held = nullptr;
+    const HRESULT result = stream->QueryInterface(IID_IStream, &held);
+    if (SUCCEEDED(result))
+        stream_.Attach(static_cast<IStream*>(held));
+    return result;
+}
+
+} // namespace vantrel

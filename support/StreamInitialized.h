@@ -1,0 +1,26 @@
+// The IInitializeWithStream half of a handler that is given its file as a stream.
+#pragma once
+
+#include <windows.h>
+
+#include <propsys.h>
+#include <wrl/client.h>
+
+namespace vantrel {
+
+class StreamInitialized : public IInitializeWithStream {
+public:
+    // Takes one reference to the stream. E_UNEXPECTED when one is held already, which then stays.
+    HRESULT STDMETHODCALLTYPE Initialize(IStream* stream, DWORD mode) final;
+
+protected:
+    ~StreamInitialized() = default;
+
+    // Null until Initialize has succeeded.
+    IStream* Stream() const { return stream_.Get(); }
+
+private:
+    Microsoft::WRL::ComPtr<IStream> stream_;
+};
+
+} // namespace vantrel
