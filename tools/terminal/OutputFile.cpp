@@ -24,8 +24,9 @@ std::set<std::filesystem::path> g_liveFiles;
                                             std::error_code(static_cast<int>(error), std::system_category()));
 }
 
-// Runs on a thread of its own. It keeps the lock, so that no file is committed any more, and gives a writer that
-// still has its file open a moment to close it. Ends the process itself: Wine's own way ends it with exit code 0.
+// Runs on a thread of its own. It keeps the lock, so that no file is committed any more, and gives a writer
+// that still has its file open a moment to close it. Ends the process itself: Wine's own way ends it with
+// exit code 0.
 BOOL WINAPI DeleteLiveFiles(DWORD) {
     g_liveMutex.lock();
     constexpr int attempts = 100;

@@ -1,0 +1,136 @@
+#include "tools/pack/PackOptions.h"
+
+#include "tools/terminal/CommandLine.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cwctype>
+
+namespace vantrel::tools {
+
+namespace {
+
+zmi::PixelMode ParseMode(const std::wstring& text) {
+    if (text == L"1")
+        return zmi::PixelMode::Mono;
+    if (text == L"8")
+        return zmi::PixelMode::Indexed;
+    if (text == L"565")
+        return zmi::PixelMode::Rgb565;
+    throw UsageError(L"--mode is 1, 8 or 565, not \"" + text + L"\"");
+}
+
+Color ParseColor(const std::wstring& text) {
+    const std::wstring_view digits = text.starts_with(L'#') ? std::wstring_view(text).substr(1) : text;
+    std::uint32_t value = 0;
+    bool valid = digits.size() == 6;
+    for (const wchar_t digit : digits) {
+        const auto place = std::wstring_view(L"0123456789abcdef").find(static_cast<wchar_t>(towlower(digit)));
+        valid = valid && place != std::wstring_view::npos;
+        value = value << 4 | static_cast<std::uint32_t>(place & 15);
+    }
+    if (!valid)
+        throw UsageError(L"--transparent wants a colour as RRGGBB, ff00ff for example, not \"" + text +
+                         L"\"");
+    return {.blue = static_cast<std::uint8_t>(value),
+            .green = static_cast<std::uint8_t>(value >> 8),
+            .red = static_cast<std::uint8_t>(value >> 16),
+            .alpha = 255};
+}
+
+std::string ToAnsiTitle(const std::wstring& text) {
+    if (text.empty())
+        return {};
+    // UTF-8 as the ANSI code page accepts neither this flag nor the question, and has no need of them.
+    const bool utf8 = GetACP() == CP_UTF8;
+    std::array<char, 4 * 260> buffer{};
+    BOOL replaced = FALSE;
+    const int size =
+        WideCharToMultiByte(CP_ACP, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text.data(),
+                            static_cast<int>(text.size()), buffer.data(), static_cast<int>(buffer.size()),
+                            nullptr, utf8 ? nullptr : &replaced);
+    if (static_cast<std::size_t>(size) > zmi::longestTitle ||
+        (size == 0 && GetLastError() == ERROR_INSUFFICIENT_BUFFER))
+        throw UsageError(L"--title has more than " + std::to_wstring(zmi::longestTitle) +
+                         L" bytes in this system's ANSI code page: \"" + text + L"\"");
+    if (size == 0 || replaced)
+        throw UsageError(L"--title has characters that this system's ANSI code page (" +
+                         std::to_wstring(GetACP()) + L") lacks: \"" + text + L"\"");
+    return {buffer.data(), static_cast<std::size_t>(size)};
+}
+
+} // namespace
+
+const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI file.
+
+  zmi-pack [options] INPUT... OUTPUT.zmi
+  zmi-pack --blank [--title TEXT] OUTPUT.zmi
+
+INPUT is any picture that Windows reads (PNG, JPEG, BMP, GIF, TIFF, ...). Several
+inputs, and inputs with several frames, give a file with that many frames.
+
+  --mode 1|8|565        black and white, 256 colours, or 16-bit colour (default)
+  --title TEXT          the picture's title, at most 33 bytes in the ANSI code page
+  --transparent RRGGBB  marks this colour, and what is transparent in an input, as
+                        transparent (not with --mode 1); else white lies behind
+  --no-dither           takes each pixel's nearest colour, without mixing
+  --blank               the blank default picture, which needs no input
+  --help, --version
+
+  zmi-pack cat.jpg cat.zmi
+  zmi-pack --mode 8 --title "A walk" step1.png step2.png step3.png walk.zmi
+  zmi-pack --transparent ff00ff logo.png logo.zmi
+
+Exit code: 0 done, 1 an input or the output failed, 2 wrong usage.)";
+
+PackOptions ParsePackOptions(int count, wchar_t** arguments) {
+    PackOptions options;
+    bool blank = false;
+    bool pictureOptions = false;
+    CommandLine line(count, arguments);
+    while (const auto argument = line.Next()) {
+        if (!line.IsOption()) {
+            options.inputs.emplace_back(*argument);
+        } else if (*argument == L"--help" || *argument == L"-h") {
+            options.task = PackTask::Help;
+        } else if (*argument == L"--version") {
+            options.task = PackTask::Version;
+        } else if (*argument == L"--blank") {
+            blank = true;
+        } else if (*argument == L"--title") {
+            options.title = ToAnsiTitle(line.Value());
+        } else if (*argument == L"--mode") {
+            options.mode = ParseMode(line.Value());
+            pictureOptions = true;
+        } else if (*argument == L"--transparent") {
+            options.transparent = ParseColor(line.Value());
+            pictureOptions = true;
+        } else if (*argument == L"--no-dither") {
+            options.dither = false;
+            pictureOptions = true;
+        } else {
+            throw UsageError(L"unknown option " + *argument);
+        }
+    }
+    if (options.task != PackTask::Pack)
+        return options;
+
+    if (options.inputs.empty())
+        throw UsageError(blank ? L"no output given" : L"no input and no output given");
+    options.output = std::move(options.inputs.back());
+    options.inputs.pop_back();
+    // A forgotten output would otherwise cost the user the last of the inputs.
+    if (CompareStringOrdinal(options.output.extension().c_str(), -1, L".zmi", -1, TRUE) != CSTR_EQUAL)
+        throw UsageError(L"the output comes last and its name ends in .zmi, not \"" +
+                         options.output.wstring() + L"\"");
+    if (blank && (!options.inputs.empty() || pictureOptions))
+        throw UsageError(L"--blank takes no input and, beside --title, no option");
+    if (!blank && options.inputs.empty())
+        throw UsageError(L"no input given for " + options.output.wstring());
+    if (options.transparent && options.mode == zmi::PixelMode::Mono)
+        throw UsageError(L"--transparent has no meaning with --mode 1");
+    return options;
+}
+
+} // namespace vantrel::tools

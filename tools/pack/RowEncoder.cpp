@@ -1,0 +1,121 @@
+#include "tools/pack/RowEncoder.h"
+
+#include <algorithm>
+
+namespace vantrel::tools {
+
+namespace {
+
+std::uint8_t OverWhite(unsigned channel, unsigned alpha) {
+    return static_cast<std::uint8_t>((channel * alpha + 255 * (255 - alpha) + 127) / 255);
+}
+
+Color ToGray(Color color) {
+    const auto gray =
+        static_cast<std::uint8_t>((color.red * 299 + color.green * 587 + color.blue * 114) / 1000);
+    return {.blue = gray, .green = gray, .red = gray, .alpha = 255};
+}
+
+std::uint8_t AddError(int channel, int sixteenths) {
+    return static_cast<std::uint8_t>(std::clamp(channel + sixteenths / 16, 0, 255));
+}
+
+} // namespace
+
+std::size_t RowBytes(zmi::PixelMode mode, std::uint16_t width) {
+    switch (mode) {
+    case zmi::PixelMode::Mono:
+        return (width + std::size_t{7}) / 8;
+    case zmi::PixelMode::Indexed:
+        return width;
+    default:
+        return width * std::size_t{2};
+    }
+}
+
+void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent) {
+    for (Color& pixel : pixels) {
+        if (!transparent)
+            pixel = {.blue = OverWhite(pixel.blue, pixel.alpha),
+                     .green = OverWhite(pixel.green, pixel.alpha),
+                     .red = OverWhite(pixel.red, pixel.alpha),
+                     .alpha = 255};
+        else if (pixel.alpha < 128)
+            pixel = *transparent;
+        pixel.alpha = 255;
+    }
+}
+
+RowEncoder::RowEncoder(zmi::PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither)
+    : mode_(mode), table_(table), transparent_(transparent), dither_(dither) {
+    Color shown{};
+    if (transparent_)
+        transparentKey_ = Choose(*transparent_, shown);
+}
+
+void RowEncoder::StartFrame(std::uint16_t width) {
+    thisRow_.assign(width + std::size_t{2}, Error{});
+    nextRow_ = thisRow_;
+}
+
+void RowEncoder::Encode(std::span<const Color> row, std::vector<std::byte>& bytes) {
+    std::ranges::fill(nextRow_, Error{});
+    unsigned packed = 0;
+    for (std::size_t x = 0; x < row.size(); ++x) {
+        std::uint32_t value = transparentKey_;
+        if (!transparent_ || row[x] != *transparent_) {
+            const Color source = mode_ == zmi::PixelMode::Mono ? ToGray(row[x]) : row[x];
+            const Error& error = thisRow_[x + 1];
+            const Color wanted = {.blue = AddError(source.blue, error[0]),
+                                  .green = AddError(source.green, error[1]),
+                                  .red = AddError(source.red, error[2]),
+                                  .alpha = 255};
+            Color shown{};
+            value = Choose(wanted, shown);
+            if (dither_) {
+                const Error missed = {wanted.blue - shown.blue, wanted.green - shown.green,
+                                      wanted.red - shown.red};
+                for (std::size_t c = 0; c < missed.size(); ++c) {
+                    thisRow_[x + 2][c] += 7 * missed[c];
+                    nextRow_[x][c] += 3 * missed[c];
+                    nextRow_[x + 1][c] += 5 * missed[c];
+                    nextRow_[x + 2][c] += missed[c];
+                }
+            }
+        }
+
+        if (mode_ == zmi::PixelMode::Mono) {
+            packed |= value << (7 - x % 8);
+            if (x % 8 == 7 || x + 1 == row.size()) {
+                bytes.push_back(static_cast<std::byte>(packed));
+                packed = 0;
+            }
+            continue;
+        }
+        bytes.push_back(static_cast<std::byte>(value));
+        if (mode_ == zmi::PixelMode::Rgb565)
+            bytes.push_back(static_cast<std::byte>(value >> 8));
+    }
+    std::swap(thisRow_, nextRow_);
+}
+
+std::uint16_t RowEncoder::Choose(Color color, Color& shown) {
+    const std::uint16_t rgb565 = ToRgb565(color);
+    switch (mode_) {
+    case zmi::PixelMode::Mono: {
+        const bool black = color.green < 128;
+        shown = FromRgb565(black ? 0 : 0xFFFF);
+        return black ? 1 : 0;
+    }
+    case zmi::PixelMode::Indexed: {
+        const std::uint8_t index = table_->NearestIndex(rgb565);
+        shown = FromRgb565(table_->Entries()[index]);
+        return index;
+    }
+    default:
+        shown = FromRgb565(rgb565);
+        return rgb565;
+    }
+}
+
+} // namespace vantrel::tools

@@ -1,0 +1,55 @@
+// From a row of colours to the bytes of that row in a ZMI file.
+#pragma once
+
+#include "tools/pack/ColorTable.h"
+#include "tools/pack/Rgb565.h"
+#include "tools/pack/ZmiFormat.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Bytes of one row of a frame.
+std::size_t RowBytes(zmi::PixelMode mode, std::uint16_t width);
+
+// Makes pixels opaque: those below half opacity become the transparent colour when there is one, the others
+// keep their colour; without a transparent colour all are laid over white.
+void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent);
+
+// Takes the rows of one frame after the other, top to bottom, and spreads what each pixel's colour misses
+// over its neighbours (Floyd and Steinberg's weights). This last step of the conversion is not left to WIC
+// because Wine's format converter knows neither 16bppBGR565 nor BlackWhite and does not dither; so both
+// systems make the same file.
+class RowEncoder {
+public:
+    // The table must be given in indexed mode and outlive the encoder; it is not looked at in the other
+    // modes.
+    RowEncoder(zmi::PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither);
+
+    void StartFrame(std::uint16_t width);
+    // Opaque pixels in; the row's bytes are appended.
+    void Encode(std::span<const Color> row, std::vector<std::byte>& bytes);
+
+    // The transparent colour in the format's own terms: 16-bit colour or index; 0 when there is none.
+    std::uint32_t TransparentKey() const { return transparentKey_; }
+
+private:
+    using Error = std::array<int, 3>; // blue, green, red, in sixteenths
+
+    std::uint16_t Choose(Color color, Color& shown);
+
+    zmi::PixelMode mode_;
+    ColorTable* table_;
+    std::optional<Color> transparent_;
+    std::uint32_t transparentKey_ = 0;
+    bool dither_;
+    std::vector<Error> thisRow_; // one more at either end than the row has pixels
+    std::vector<Error> nextRow_;
+};
+
+} // namespace vantrel::tools

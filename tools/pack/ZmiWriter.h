@@ -1,0 +1,54 @@
+// Lays a ZMI file down, from front to back: headers and tables first, then the rows of each frame, then the
+// trailer.
+#pragma once
+
+#include "tools/pack/ZmiFormat.h"
+#include "tools/terminal/OutputFile.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+struct FrameSize {
+    std::uint16_t width = 0; // pixels
+    std::uint16_t height = 0;
+};
+
+// What a file holds beside its pixels.
+struct ZmiContent {
+    std::string title; // in the ANSI code page, at most zmi::longestTitle bytes
+    zmi::PixelMode mode = zmi::PixelMode::Rgb565;
+    std::vector<FrameSize> frames; // none makes the blank default picture
+    std::optional<std::array<std::uint16_t, zmi::colorTableEntries>> colorTable; // for indexed mode
+    std::optional<std::uint32_t> transparentKey;                                 // 16-bit colour or index
+};
+
+// The length of the whole file in bytes. Throws PackError when it is 2 GiB or more or has more than 65,535
+// frames: readers take positions in the file for signed 32-bit numbers and count frames in 16 bits.
+std::uint32_t ZmiFileSize(const ZmiContent& content);
+
+// One table is shared by all frames of an indexed picture: the format's readers do not pair later frames with
+// tables of their own in the order in which those stand.
+class ZmiWriter {
+public:
+    // Writes all that stands before the pixels. Throws as ZmiFileSize does, and
+    // std::filesystem::filesystem_error.
+    ZmiWriter(OutputFile& output, const ZmiContent& content);
+
+    // Bytes of whole rows, frame after frame. Throws std::filesystem::filesystem_error.
+    void WriteRows(std::span<const std::byte> rows);
+    // Writes the trailer. Throws PackError when there were more or fewer rows than announced.
+    void Finish();
+
+private:
+    OutputFile& output_;
+    std::uint64_t bytesLeft_;
+};
+
+} // namespace vantrel::tools
