@@ -1,0 +1,47 @@
+// A byte source in memory that counts what is read from it and can fail at a chosen call.
+#pragma once
+
+#include "codec/ByteSource.h"
+#include "tests/builder/ZmiBuilder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantrel::tests {
+
+class MemorySource final : public ByteSource {
+public:
+    explicit MemorySource(Bytes bytes) : bytes_(std::move(bytes)), reads_(bytes_.size()) {}
+
+    // Calls count from 1, Size among them. A failing read leaves half of what was asked for in the buffer.
+    std::size_t failingCall = 0;
+    // What Size answers instead of the truth.
+    std::optional<std::uint64_t> claimedSize{};
+
+    std::uint64_t Size() override { return Fails() ? 0 : claimedSize.value_or(bytes_.size()); }
+
+    bool ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) override {
+        const bool fails = Fails();
+        if (offset < 0 || static_cast<std::uint64_t>(offset) > bytes_.size())
+            return false;
+        const auto begin = static_cast<std::size_t>(offset);
+        const std::size_t done = std::min<std::size_t>(fails ? count / 2 : count, bytes_.size() - begin);
+        std::copy_n(bytes_.data() + begin, done, static_cast<std::uint8_t*>(buffer));
+        for (std::size_t i = 0; i < done; ++i)
+            ++reads_[begin + i];
+        return !fails && done == count;
+    }
+
+    std::size_t Calls() const { return calls_; }
+    // How often each byte has been read.
+    const std::vector<unsigned>& Reads() const { return reads_; }
+
+private:
+    bool Fails() { return ++calls_ == failingCall; }
+
+    Bytes bytes_;
+    std::vector<unsigned> reads_;
+    std::size_t calls_ = 0;
+};
+
+} // namespace vantrel::tests

@@ -1,0 +1,162 @@
+#include "tests/builder/ZmiBuilder.h"
+
+#include <algorithm>
+
+namespace vantrel::tests {
+
+namespace {
+
+constexpr char magic[] = "zpix-zmi";
+constexpr char trailer[] = {'z', 'p', 'i', 'x'};
+
+void Append(Bytes& bytes, std::size_t count, std::uint32_t seed) {
+    for (std::size_t i = 0; i < count; ++i)
+        bytes.push_back(PatternByte(seed, i));
+}
+
+void Append(Bytes& bytes, const Colours& colours) {
+    for (const std::uint16_t colour : colours) {
+        bytes.push_back(static_cast<std::uint8_t>(colour & 255));
+        bytes.push_back(static_cast<std::uint8_t>(colour >> 8));
+    }
+}
+
+std::uint32_t Rgb(std::uint16_t colour) {
+    const auto channel = [colour](unsigned lowest, unsigned bits) -> std::uint32_t {
+        const unsigned most = (1u << bits) - 1;
+        const unsigned value = (colour >> lowest) & most;
+        return value == most ? 255 : value << (8 - bits);
+    };
+    return channel(11, 5) * 0x10000 + channel(5, 6) * 0x100 + channel(0, 5);
+}
+
+} // namespace
+
+std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field) {
+    std::uint32_t value = 0;
+    for (std::size_t i = field.width; i-- > 0;)
+        value = value << 8 | bytes.at(base + field.offset + i);
+    return value;
+}
+
+void SetField(Bytes& bytes, std::size_t base, Field field, std::uint32_t value) {
+    for (std::size_t i = 0; i < field.width; ++i)
+        bytes.at(base + field.offset + i) = static_cast<std::uint8_t>(value >> 8 * i);
+}
+
+std::uint8_t PatternByte(std::uint32_t seed, std::size_t i) {
+    std::uint64_t mixed = (i + 1) * 0x9E3779B97F4A7C15u + seed * 0xD1B54A32D192ED03u;
+    mixed = (mixed ^ mixed >> 31) * 0xBF58476D1CE4E5B9u;
+    return static_cast<std::uint8_t>(mixed >> 56);
+}
+
+Colours PatternColours(std::uint32_t seed) {
+    Colours colours;
+    for (std::size_t i = 0; i < colours.size(); ++i)
+        colours[i] = static_cast<std::uint16_t>(PatternByte(seed, 2 * i) << 8 | PatternByte(seed, 2 * i + 1));
+    return colours;
+}
+
+std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height) {
+    const std::size_t rowBytes = mode == 0 ? (width + 7) / 8 : mode == 2 ? width * 2 : width;
+    return rowBytes * height;
+}
+
+std::uint8_t ZmiBuilder::Flags() const {
+    return static_cast<std::uint8_t>(mode << 3 | (HasFrameTable() ? 0x01 : 0) | (transparentKey ? 0x20 : 0));
+}
+
+std::uint8_t ZmiBuilder::PixelByte(std::size_t frame, std::size_t i) const {
+    const auto& pixels = frames[frame].pixels;
+    return pixels ? pixels->at(i) : PatternByte(static_cast<std::uint32_t>(frame) + 100, i);
+}
+
+std::size_t ZmiBuilder::PixelsAt(std::size_t frame) const {
+    std::size_t at = HasFrameTable() ? RecordAt(frames.size()) : FrameTableAt();
+    for (std::size_t i = 0; i <= frame; ++i) {
+        if (frames[i].palette)
+            at += sizeof(Colours);
+        if (i < frame && !(sharePixels && i > 0))
+            at += PixelBytes(mode, frames[i].width, frames[i].height);
+    }
+    return at;
+}
+
+Bytes ZmiBuilder::Build() const {
+    const auto number = [](std::size_t value) { return static_cast<std::uint32_t>(value); };
+    Bytes file(magic, magic + sizeof magic);
+    Append(file, file_header::size - file.size() + gap, 1);
+
+    Append(file, image_header::size, 2);
+    for (std::size_t i = 0; i < 34; ++i)
+        file[PayloadAt() + i] = i < title.size() ? static_cast<std::uint8_t>(title[i]) : 0;
+    if (mode == 1)
+        Append(file, palette);
+    SetField(file, PayloadAt(), image_header::paletteOffset, mode == 1 ? number(PaletteAt()) : 0xFFFFFFFF);
+    SetField(file, PayloadAt(), image_header::flags, Flags());
+    if (transparentKey)
+        SetField(file, PayloadAt(), image_header::transparentKey, *transparentKey);
+    if (!frames.empty()) {
+        SetField(file, PayloadAt(), image_header::width, frames[0].width);
+        SetField(file, PayloadAt(), image_header::height, frames[0].height);
+    }
+
+    const bool blank = frames.empty() && !HasFrameTable();
+    SetField(file, PayloadAt(), image_header::pixelOffset,
+             blank             ? 0
+             : HasFrameTable() ? number(FrameTableAt())
+                               : number(PixelsAt(0)));
+    if (HasFrameTable()) {
+        Append(file, frame_table::size + frames.size() * frame_record::size, 3);
+        SetField(file, FrameTableAt(), frame_table::frameCount, number(frames.size()));
+    }
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const ZmiFrame& frame = frames[i];
+        if (frame.palette)
+            Append(file, *frame.palette);
+        const std::size_t at = file.size();
+        if (!sharePixels || i == 0)
+            for (std::size_t k = 0; k < PixelBytes(mode, frame.width, frame.height); ++k)
+                file.push_back(PixelByte(i, k));
+        if (!HasFrameTable())
+            continue;
+        const std::size_t record = RecordAt(i);
+        SetField(file, record, frame_record::dataOffset, number(sharePixels ? PixelsAt(0) : at));
+        SetField(file, record, frame_record::paletteOffset,
+                 number(frame.palette ? at - sizeof(Colours) : PaletteAt()));
+        SetField(file, record, frame_record::transparentKey, frame.transparentKey);
+        SetField(file, record, frame_record::flags, frame.flags.value_or(Flags()));
+        SetField(file, record, frame_record::width, frame.width);
+        SetField(file, record, frame_record::height, frame.height);
+    }
+    Append(file, rest, 4);
+
+    SetField(file, 0, file_header::version, 1);
+    SetField(file, 0, file_header::headerSize, file_header::size);
+    SetField(file, 0, file_header::kind, 1);
+    SetField(file, 0, file_header::dataOffset, number(PayloadAt()));
+    SetField(file, 0, file_header::dataSize, number(file.size() - PayloadAt()));
+    file.insert(file.end(), std::begin(trailer), std::end(trailer));
+    file.insert(file.end(), behindTrailer.begin(), behindTrailer.end());
+    return file;
+}
+
+std::uint32_t ZmiBuilder::ExpectedPixel(unsigned x, unsigned y, std::size_t frame) const {
+    if (frames.empty())
+        return 0xFFFFFF;
+    const std::size_t width = frames[frame].width;
+    const std::size_t index = y * width + x;
+    switch (mode) {
+    case 0: {
+        const std::uint8_t eight = PixelByte(frame, y * ((width + 7) / 8) + x / 8);
+        return (eight & 0x80 >> x % 8) != 0 ? 0x000000 : 0xFFFFFF;
+    }
+    case 1:
+        return Rgb(palette[PixelByte(frame, index)]);
+    default:
+        return Rgb(
+            static_cast<std::uint16_t>(PixelByte(frame, index * 2) | PixelByte(frame, index * 2 + 1) << 8));
+    }
+}
+
+} // namespace vantrel::tests

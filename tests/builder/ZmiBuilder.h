@@ -1,0 +1,96 @@
+// The maker of ZMI files for tests, and what each pixel of them must look like; shares nothing with the
+// decoder.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::tests {
+
+using Bytes = std::vector<std::uint8_t>;
+using Colours = std::array<std::uint16_t, 256>;
+
+// A little-endian number at an offset inside a structure.
+struct Field {
+    std::size_t offset;
+    std::size_t width;
+};
+
+namespace file_header {
+inline constexpr std::size_t size = 112;
+inline constexpr Field version{9, 4}, headerSize{13, 4}, kind{17, 1}, dataOffset{18, 4}, dataSize{22, 4};
+} // namespace file_header
+namespace image_header {
+inline constexpr std::size_t size = 55;
+inline constexpr Field pixelOffset{34, 4}, paletteOffset{38, 4}, extra{42, 4}, transparentKey{46, 4},
+    flags{50, 1}, width{51, 2}, height{53, 2};
+} // namespace image_header
+namespace frame_table {
+inline constexpr std::size_t size = 8;
+inline constexpr Field tableWord{0, 4}, frameCount{4, 2}, tableExtra{6, 2};
+} // namespace frame_table
+namespace frame_record {
+inline constexpr std::size_t size = 27;
+inline constexpr Field dataOffset{0, 4}, paletteOffset{4, 4}, extra0{8, 4}, transparentKey{12, 4},
+    flags{16, 1}, width{17, 2}, height{19, 2};
+} // namespace frame_record
+
+// `base` is where the structure begins.
+std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field);
+void SetField(Bytes& bytes, std::size_t base, Field field, std::uint32_t value);
+
+// Number i of an endless run that looks random and is the same every time.
+std::uint8_t PatternByte(std::uint32_t seed, std::size_t i);
+Colours PatternColours(std::uint32_t seed);
+
+// The bytes that a frame's pixels take in a file of that mode.
+std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height);
+
+struct ZmiFrame {
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+    std::optional<Bytes> pixels{};       // as they stand in the file; without, a pattern of its own
+    std::optional<Colours> palette{};    // mode 1: a table of its own instead of the file's
+    std::optional<std::uint8_t> flags{}; // instead of the file's
+    std::uint32_t transparentKey = 0;
+};
+
+// Say what the file holds, then Build it. Whatever no reader interprets is filled with pattern bytes.
+struct ZmiBuilder {
+    unsigned mode = 2;
+    std::vector<ZmiFrame> frames{}; // none: without a frame table the blank default, with one an empty table
+    std::string title{};            // cut off at 34 bytes
+    bool frameTable = false;        // more than one frame always has one
+    Colours palette = PatternColours(0);
+    std::optional<std::uint32_t> transparentKey{};
+    std::size_t gap = 0;      // bytes between the file header and the payload
+    bool sharePixels = false; // every record names the first frame's pixels
+    std::size_t rest = 0;     // payload bytes behind the last pixels that nothing refers to
+    Bytes behindTrailer{};
+
+    Bytes Build() const;
+
+    // 0x00RRGGBB of a frame's pixel, (0, 0) at the top left. Modes 0 to 2, frames with the file's mode and
+    // table.
+    std::uint32_t ExpectedPixel(unsigned x, unsigned y, std::size_t frame = 0) const;
+
+    // Where things stand in the built file.
+    std::size_t PayloadAt() const { return file_header::size + gap; }
+    std::size_t PaletteAt() const { return PayloadAt() + image_header::size; }
+    std::size_t FrameTableAt() const { return PaletteAt() + (mode == 1 ? sizeof(Colours) : 0); }
+    std::size_t RecordAt(std::size_t frame) const {
+        return FrameTableAt() + frame_table::size + frame * frame_record::size;
+    }
+    std::size_t PixelsAt(std::size_t frame) const; // after the frame's own table, if it has one
+    bool HasFrameTable() const { return frameTable || frames.size() > 1; }
+
+private:
+    std::uint8_t Flags() const;
+    std::uint8_t PixelByte(std::size_t frame, std::size_t i) const;
+};
+
+} // namespace vantrel::tests

@@ -1,0 +1,98 @@
+// The replacement of a function that a loaded module imports, for as long as the hook lives.
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <utility>
+
+namespace vantrel::tests {
+
+// Calls visit(library name, function name, address slot) for every import by name; stops at true.
+template <class Visit>
+bool VisitImports(HMODULE module, Visit visit) {
+    auto* const base = reinterpret_cast<std::uint8_t*>(module);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY& table = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    const auto* library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress);
+    for (; library->Name; ++library) {
+        const auto* name = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + library->OriginalFirstThunk);
+        auto* slot = reinterpret_cast<void**>(base + library->FirstThunk);
+        for (; name->u1.AddressOfData; ++name, ++slot) {
+            if (IMAGE_SNAP_BY_ORDINAL64(name->u1.Ordinal))
+                continue;
+            const auto* const entry =
+                reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
+            if (visit(reinterpret_cast<const char*>(base + library->Name),
+                      reinterpret_cast<const char*>(entry->Name), slot))
+                return true;
+        }
+    }
+    return false;
+}
+
+template <std::size_t size>
+struct FunctionName {
+    constexpr FunctionName(const char (&name)[size]) { std::copy_n(name, size, text); }
+    char text[size];
+};
+
+// Undoes what it did when it goes away.
+class ImportPatch {
+public:
+    virtual ~ImportPatch() = default;
+};
+
+template <FunctionName name, class Signature>
+class ImportHook;
+
+// ImportHook<"CreateFileW", HANDLE(...)>: one at a time of each kind. The replacement gets the original
+// function before the arguments. Of a function that the module doesn't import nothing is replaced.
+template <FunctionName name, class Result, class... Arguments>
+class ImportHook<name, Result(Arguments...)> final : public ImportPatch {
+public:
+    using Function = Result (*)(Arguments...);
+    using Replacement = std::function<Result(Function original, Arguments...)>;
+
+    ImportHook(HMODULE module, Replacement replacement) : replacement_(std::move(replacement)) {
+        VisitImports(module, [&](const char*, const char* imported, void** slot) {
+            if (std::strcmp(imported, name.text) == 0)
+                slot_ = slot;
+            return slot_ != nullptr;
+        });
+        if (!slot_)
+            return;
+        original_ = reinterpret_cast<Function>(*slot_);
+        current_ = this;
+        Write(reinterpret_cast<void*>(&Call));
+    }
+    ImportHook(const ImportHook&) = delete;
+    ImportHook& operator=(const ImportHook&) = delete;
+    ~ImportHook() override {
+        if (slot_)
+            Write(reinterpret_cast<void*>(original_));
+    }
+
+private:
+    static Result Call(Arguments... arguments) {
+        return current_->replacement_(current_->original_, arguments...);
+    }
+    void Write(void* address) {
+        DWORD protection = 0;
+        VirtualProtect(slot_, sizeof *slot_, PAGE_READWRITE, &protection);
+        *slot_ = address;
+        VirtualProtect(slot_, sizeof *slot_, protection, &protection);
+    }
+
+    static inline ImportHook* current_ = nullptr;
+    Replacement replacement_;
+    void** slot_ = nullptr;
+    Function original_ = nullptr;
+};
+
+} // namespace vantrel::tests

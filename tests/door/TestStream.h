@@ -1,0 +1,123 @@
+// A stream in memory that counts its calls and references and, on demand, breaks its promises.
+#pragma once
+
+#include <windows.h>
+
+#include <objidl.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace vantrel::tests {
+
+enum class StreamFault {
+    None,
+    Fails,        // with E_FAIL
+    ReadsShort,   // one byte too few, with S_OK
+    ReadsNothing, // from that call on for ever, with S_OK
+    ReadsTooMuch, // reports one byte more than was asked for
+    Moves,        // does its work, then the position is somewhere else
+};
+
+// Lives where its test puts it; what is left of References() after a test is the test's own one.
+class TestStream final : public IStream {
+public:
+    explicit TestStream(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
+
+    // The call of that number, Stat, Seek and Read counted together from 1, meets the fault.
+    void BreakAt(unsigned call, StreamFault fault) {
+        calls_ = 0;
+        faultAt_ = call;
+        fault_ = fault;
+    }
+    void ClaimSize(std::uint64_t size) { claimedSize_ = size; }
+
+    unsigned Calls() const { return calls_; }
+    ULONG References() const { return references_; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        *object = nullptr;
+        if (!IsEqualIID(iid, IID_IUnknown) && !IsEqualIID(iid, IID_ISequentialStream) &&
+            !IsEqualIID(iid, IID_IStream))
+            return E_NOINTERFACE;
+        *object = static_cast<IStream*>(this);
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references_; }
+
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
+        const StreamFault fault = NextFault();
+        ULONG served = 0;
+        if (fault != StreamFault::Fails && fault != StreamFault::ReadsNothing && position_ < bytes_.size()) {
+            served = static_cast<ULONG>(std::min<std::uint64_t>(count, bytes_.size() - position_));
+            if (fault == StreamFault::ReadsShort && served > 0)
+                --served;
+            std::memcpy(buffer, bytes_.data() + position_, served);
+            position_ += served;
+        }
+        if (done)
+            *done = fault == StreamFault::ReadsTooMuch ? count + 1 : served;
+        return Finish(fault);
+    }
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* reached) override {
+        const StreamFault fault = NextFault();
+        const std::int64_t base = origin == STREAM_SEEK_SET   ? 0
+                                  : origin == STREAM_SEEK_CUR ? static_cast<std::int64_t>(position_)
+                                                              : static_cast<std::int64_t>(bytes_.size());
+        if (base + distance.QuadPart < 0)
+            return STG_E_INVALIDFUNCTION;
+        if (fault != StreamFault::Fails)
+            position_ = static_cast<std::uint64_t>(base + distance.QuadPart);
+        if (reached)
+            reached->QuadPart = position_;
+        return fault == StreamFault::Moves ? S_OK : Finish(fault);
+    }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD) override {
+        const StreamFault fault = NextFault();
+        *stat = {};
+        stat->type = STGTY_STREAM;
+        stat->cbSize.QuadPart = claimedSize_.value_or(bytes_.size());
+        return Finish(fault);
+    }
+
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return STG_E_ACCESSDENIED; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return STG_E_ACCESSDENIED; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+
+private:
+    StreamFault NextFault() {
+        ++calls_;
+        const bool due = fault_ == StreamFault::ReadsNothing ? calls_ >= faultAt_ : calls_ == faultAt_;
+        return faultAt_ > 0 && due ? fault_ : StreamFault::None;
+    }
+    HRESULT Finish(StreamFault fault) {
+        if (fault == StreamFault::Moves)
+            position_ += 7;
+        return fault == StreamFault::Fails ? E_FAIL : S_OK;
+    }
+
+    std::vector<std::uint8_t> bytes_;
+    std::uint64_t position_ = 3; // a host need not hand a stream over at its beginning
+    std::optional<std::uint64_t> claimedSize_;
+    unsigned calls_ = 0;
+    unsigned faultAt_ = 0;
+    StreamFault fault_ = StreamFault::None;
+    ULONG references_ = 1;
+};
+
+} // namespace vantrel::tests
