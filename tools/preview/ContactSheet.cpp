@@ -1,0 +1,160 @@
+#include "tools/preview/ContactSheet.h"
+
+#include "tools/preview/IconHost.h"
+#include "tools/preview/PngFile.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel::tools {
+
+namespace {
+
+constexpr std::size_t mostFiles = 1000;
+constexpr std::size_t mostLargeCards = 48;
+constexpr unsigned largeEdge = 256;
+constexpr unsigned compactEdge = 160;
+
+constexpr LONG margin = 32;
+constexpr LONG gap = 24;
+constexpr LONG padding = 16;
+constexpr LONG headingHeight = 76;
+constexpr LONG titleHeight = 22;
+constexpr LONG lineHeight = 19;
+constexpr LONG iconRowHeight = 44;
+constexpr LONG belowThumbnail = 12;
+constexpr LONG aboveIcons = 12;
+
+constexpr COLORREF pageColour = RGB(238, 240, 243);
+constexpr COLORREF cardColour = RGB(255, 255, 255);
+constexpr COLORREF edgeColour = RGB(218, 222, 228);
+constexpr COLORREF wellColour = RGB(246, 247, 249);
+constexpr COLORREF failedColour = RGB(252, 241, 239);
+constexpr COLORREF inkColour = RGB(28, 33, 40);
+constexpr COLORREF greyColour = RGB(98, 108, 120);
+constexpr COLORREF alarmColour = RGB(176, 42, 30);
+
+LONG CardWidth(unsigned edge) {
+    return static_cast<LONG>(edge) + 2 * padding;
+}
+
+LONG CardHeight(unsigned edge) {
+    return 2 * padding + static_cast<LONG>(edge) + belowThumbnail + titleHeight + 2 * lineHeight +
+           aboveIcons + iconRowHeight;
+}
+
+// Somewhat wider than high, as screens and pages are.
+LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
+    constexpr double widthToHeight = 1.3;
+    const double square =
+        std::sqrt(static_cast<double>(fileCount) * widthToHeight * CardHeight(edge) / CardWidth(edge));
+    return std::clamp(std::lround(square), 1L, static_cast<long>(fileCount));
+}
+
+std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view request) {
+    const HandlerResult* result = report.Find(kind, request);
+    return result ? result->text : L"";
+}
+
+// "640 x 480 · 16 bit · column 640 x 480", without what no handler told.
+std::wstring Facts(const FileReport& report) {
+    std::wstring facts;
+    const auto append = [&](const std::wstring& before, const std::wstring& value,
+                            const std::wstring& after) {
+        if (!value.empty())
+            facts += (facts.empty() ? L"" : L" \u00B7 ") + before + value + after;
+    };
+    append(L"", Value(report, HandlerKind::Properties, L"dimensions"), L"");
+    append(L"", Value(report, HandlerKind::Properties, L"bit depth"), L" bit");
+    append(L"column ", Value(report, HandlerKind::Column, L"dimensions"), L"");
+    return facts;
+}
+
+} // namespace
+
+ContactSheet::ContactSheet(std::size_t fileCount)
+    : edge_(fileCount > mostLargeCards ? compactEdge : largeEdge), columns_(ColumnsFor(fileCount, edge_)) {
+    if (fileCount > mostFiles)
+        throw Failure(L"a sheet holds at most " + std::to_wstring(mostFiles) + L" files, not " +
+                      std::to_wstring(fileCount));
+    const LONG rows = (static_cast<LONG>(fileCount) + columns_ - 1) / columns_;
+    canvas_ = std::make_unique<Canvas>(
+        static_cast<unsigned>(2 * margin + columns_ * CardWidth(edge_) + (columns_ - 1) * gap),
+        static_cast<unsigned>(headingHeight + rows * CardHeight(edge_) + (rows - 1) * gap + margin),
+        pageColour);
+    DrawHeading(fileCount);
+}
+
+void ContactSheet::DrawHeading(std::size_t fileCount) {
+    const LONG right = static_cast<LONG>(canvas_->Width()) - margin;
+    canvas_->Text({margin, 18, right, 48}, L"ZMI pictures in the Shell", TextStyle::Heading, inkColour,
+                  DT_SINGLELINE | DT_VCENTER);
+    canvas_->Text({margin, 48, right, 66},
+                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") +
+                      L" \u00B7 thumbnails at " + std::to_wstring(edge_) +
+                      L" px \u00B7 icons at 32 and 16 px",
+                  TextStyle::Body, greyColour, DT_SINGLELINE | DT_VCENTER);
+}
+
+void ContactSheet::Add(const FileReport& report) {
+    const LONG left = margin + added_ % columns_ * (CardWidth(edge_) + gap);
+    const LONG top = headingHeight + added_ / columns_ * (CardHeight(edge_) + gap);
+    ++added_;
+    const RECT card{left, top, left + CardWidth(edge_), top + CardHeight(edge_)};
+    canvas_->Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColour);
+    canvas_->Fill(card, cardColour);
+
+    const LONG edge = static_cast<LONG>(edge_);
+    const RECT well{left + padding, top + padding, left + padding + edge, top + padding + edge};
+    const HandlerResult* thumbnail = report.Find(HandlerKind::Thumbnail, std::to_wstring(edge_));
+    canvas_->Fill(well, thumbnail ? wellColour : failedColour);
+    if (thumbnail) {
+        canvas_->Draw(thumbnail->picture, well);
+    } else {
+        canvas_->Text({well.left + 12, well.top + 12, well.right - 12, well.bottom - 12}, report.Reason(),
+                      TextStyle::Body, alarmColour, DT_WORDBREAK | DT_EDITCONTROL);
+    }
+
+    RECT line{well.left, well.bottom + belowThumbnail, well.right,
+              well.bottom + belowThumbnail + titleHeight};
+    const auto write = [&](const std::wstring& text, TextStyle style, COLORREF colour) {
+        canvas_->Text(line, text, style, colour, DT_SINGLELINE | DT_VCENTER);
+        line = {line.left, line.bottom, line.right, line.bottom + lineHeight};
+    };
+    const std::wstring title = Value(report, HandlerKind::Properties, L"title");
+    write(title.empty() ? L"(no title)" : title, TextStyle::Title, title.empty() ? greyColour : inkColour);
+    write(report.file.path.filename().wstring(), TextStyle::Body, inkColour);
+    write(Facts(report), TextStyle::Body, greyColour);
+
+    LONG x = well.left;
+    const LONG middle = card.bottom - padding - iconRowHeight / 2;
+    DrawIcon(report, IconHost::largeEdge, x, middle);
+    DrawIcon(report, IconHost::smallEdge, x, middle);
+    if (thumbnail && edge_ == largeEdge)
+        canvas_->Text({x, middle - 10, well.right, middle + 10}, thumbnail->picture.Dimensions() + L" px",
+                      TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+}
+
+void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle) {
+    constexpr LONG border = 6;
+    constexpr LONG labelWidth = 34;
+    const LONG half = static_cast<LONG>(edge) / 2 + border;
+    const RECT tile{x, middle - half, x + 2 * half, middle + half};
+    canvas_->Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColour);
+    const HandlerResult* icon = report.Find(HandlerKind::Icon, std::to_wstring(edge));
+    if (icon) {
+        canvas_->Checkerboard(tile);
+        canvas_->Draw(icon->picture, tile);
+    } else {
+        canvas_->Fill(tile, failedColour);
+    }
+    canvas_->Text({tile.right + 7, middle - 10, tile.right + 7 + labelWidth, middle + 10},
+                  std::to_wstring(edge) + L" px", TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER);
+    x = tile.right + 7 + labelWidth + 8;
+}
+
+void ContactSheet::Save(const std::filesystem::path& file) const {
+    WritePng(file, canvas_->Width(), canvas_->Height(), true, canvas_->Pixels());
+}
+
+} // namespace vantrel::tools

@@ -1,0 +1,28 @@
+// A picture as a host got it, taken out of GDI's hands.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Rows from top to bottom, one 0xAARRGGBB word per pixel, colours not multiplied by their alpha.
+struct Picture {
+    unsigned width = 0;
+    unsigned height = 0;
+    bool isOpaque = true; // the alpha bytes carry no meaning
+    std::vector<std::uint32_t> pixels;
+
+    std::wstring Dimensions() const { return std::to_wstring(width) + L" x " + std::to_wstring(height); }
+};
+
+// Both take the handle over, destroy it in every case, and throw Failure. Thumbnails and extracted images are
+// opaque whatever their alpha bytes hold.
+Picture TakePicture(HBITMAP bitmap);
+// Icons show through their alpha, or through their mask when all of their alpha is 0.
+Picture TakePicture(HICON icon);
+
+} // namespace vantrel::tools

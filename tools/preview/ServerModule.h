@@ -1,0 +1,28 @@
+// An in-process COM server, loaded by its path.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+
+namespace vantrel::tools {
+
+// Stays loaded until destroyed, so it must outlive the objects that it made.
+class ServerModule {
+public:
+    // Throws Failure when the DLL does not load.
+    explicit ServerModule(const std::filesystem::path& path);
+    ~ServerModule();
+    ServerModule(const ServerModule&) = delete;
+    ServerModule& operator=(const ServerModule&) = delete;
+
+    bool Exports(const char* name) const { return GetProcAddress(module_, name) != nullptr; }
+
+    // Makes an object through the DLL's class factory; the caller owns the reference. Throws Failure.
+    void Create(REFCLSID classId, REFIID interfaceId, void** object) const;
+
+private:
+    HMODULE module_;
+};
+
+} // namespace vantrel::tools

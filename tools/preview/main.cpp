@@ -1,0 +1,233 @@
+// zmi-preview: shows what a host of the Shell gets from the installed library.
+#include "tools/preview/ColumnHost.h"
+#include "tools/preview/ComApartment.h"
+#include "tools/preview/ContactSheet.h"
+#include "tools/preview/Doctor.h"
+#include "tools/preview/ExtractImageHost.h"
+#include "tools/preview/IconHost.h"
+#include "tools/preview/PngFile.h"
+#include "tools/preview/PropertyHost.h"
+#include "tools/preview/Report.h"
+#include "tools/preview/ThumbnailHost.h"
+#include "tools/preview/ZmiFileCheck.h"
+#include "tools/terminal/CommandLine.h"
+#include "tools/terminal/Console.h"
+#include "tools/terminal/LongPath.h"
+
+#include <algorithm>
+#include <memory>
+#include <set>
+
+namespace vantrel::tools {
+
+namespace {
+
+constexpr int exitFine = 0;
+constexpr int exitFailed = 1;
+constexpr int exitUsage = 2;
+
+constexpr const wchar_t* help = LR"(zmi-preview shows what the Shell gets from the installed ZMI library.
+
+Usage: zmi-preview [options] FILE|FOLDER...
+       zmi-preview --doctor [--json] [FILE|FOLDER...]
+
+A folder stands for the .zmi files in it. Every handler is asked as its host asks it: thumbnail,
+properties, extract-image, icons and column. Pictures become PNG files named after the file:
+NAME-256.png, NAME-icon-32.png, NAME-extract.png.
+
+  --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
+  --out FOLDER   where the PNG files go (default: the current folder)
+  --sheet FILE   one PNG page with a card per file; single PNG files then only with --out
+  --dll FILE     use this library, registered or not, instead of asking the registry
+  --json         one JSON document on stdout instead of lines
+  --doctor       find out why there are no thumbnails, and how to cure it
+  --help         this text
+  --version      the version
+
+Exit codes: 0 fine; 1 a file has no picture or something failed; 2 wrong usage.
+
+Examples:
+  zmi-preview sunset.zmi
+  zmi-preview --sizes 512 --out previews C:\Pictures
+  zmi-preview --sheet page.png C:\Pictures
+  zmi-preview --doctor sunset.zmi)";
+
+struct Options {
+    std::vector<unsigned> sizes = {256, 96, 32};
+    std::optional<std::filesystem::path> out;
+    std::optional<std::filesystem::path> sheet;
+    std::optional<std::filesystem::path> dll;
+    bool json = false;
+    bool doctor = false;
+    bool help = false;
+    bool version = false;
+    std::vector<std::wstring> inputs;
+};
+
+std::vector<unsigned> ParseSizes(const std::wstring& list) {
+    constexpr unsigned largest = 4096;
+    std::vector<unsigned> sizes;
+    for (std::size_t begin = 0; begin <= list.size();) {
+        const std::size_t end = std::min(list.find(L',', begin), list.size());
+        const unsigned size = ParseNumber(L"--sizes", list.substr(begin, end - begin), 1, largest);
+        if (std::find(sizes.begin(), sizes.end(), size) == sizes.end())
+            sizes.push_back(size);
+        begin = end + 1;
+    }
+    return sizes;
+}
+
+Options Parse(int count, wchar_t** arguments) {
+    Options options;
+    CommandLine line(count, arguments);
+    while (const auto argument = line.Next()) {
+        if (!line.IsOption())
+            options.inputs.push_back(*argument);
+        else if (*argument == L"--sizes")
+            options.sizes = ParseSizes(line.Value());
+        else if (*argument == L"--out")
+            options.out = line.Value();
+        else if (*argument == L"--sheet")
+            options.sheet = line.Value();
+        else if (*argument == L"--dll")
+            options.dll = LongPath(line.Value());
+        else if (*argument == L"--json")
+            options.json = true;
+        else if (*argument == L"--doctor")
+            options.doctor = true;
+        else if (*argument == L"--help" || *argument == L"-h")
+            options.help = true;
+        else if (*argument == L"--version")
+            options.version = true;
+        else
+            throw UsageError(L"unknown option " + *argument);
+    }
+    if (options.doctor && (options.sheet || options.out))
+        throw UsageError(L"--doctor writes no pictures");
+    if (options.inputs.empty() && !options.doctor && !options.help && !options.version)
+        throw UsageError(L"no file given");
+    return options;
+}
+
+// Writes a file's pictures into one folder. Files of the same name from different folders get a number.
+class PictureFolder {
+public:
+    explicit PictureFolder(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+    void Write(FileReport& report) {
+        const std::wstring stem = report.file.path.stem().wstring();
+        std::wstring unique = stem;
+        for (unsigned number = 2; !taken_.insert(unique).second; ++number)
+            unique = stem + L"-" + std::to_wstring(number);
+        for (HandlerResult& result : report.results) {
+            if (result.picture.pixels.empty())
+                continue;
+            const std::filesystem::path file = folder_ / (unique + L"-" + result.pngSuffix + L".png");
+            WritePng(file, result.picture);
+            result.png = file.wstring();
+        }
+    }
+
+private:
+    struct IgnoreCase {
+        bool operator()(const std::wstring& left, const std::wstring& right) const {
+            return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
+        }
+    };
+
+    std::filesystem::path folder_;
+    std::set<std::wstring, IgnoreCase> taken_;
+};
+
+int Preview(const Options& options) {
+    const std::vector<InputFile> files = FindInputFiles(options.inputs);
+    std::optional<ContactSheet> sheet;
+    std::vector<unsigned> sizes = options.sizes;
+    if (options.sheet) {
+        sheet.emplace(files.size());
+        if (!options.out)
+            sizes.clear();
+        if (std::find(sizes.begin(), sizes.end(), sheet->ThumbnailEdge()) == sizes.end())
+            sizes.push_back(sheet->ThumbnailEdge());
+    }
+
+    HandlerRegistry registry(options.dll);
+    std::vector<std::unique_ptr<HandlerHost>> hosts;
+    hosts.push_back(std::make_unique<ThumbnailHost>(registry, sizes));
+    hosts.push_back(std::make_unique<PropertyHost>(registry));
+    hosts.push_back(std::make_unique<ExtractImageHost>(registry));
+    hosts.push_back(std::make_unique<IconHost>(registry));
+    hosts.push_back(std::make_unique<ColumnHost>(registry));
+
+    PictureFolder folder(options.out.value_or(L""));
+    std::vector<FileReport> reports;
+    {
+        Progress progress(files.size());
+        for (const InputFile& file : files) {
+            progress.Step(file.shown);
+            FileReport& report = reports.emplace_back();
+            report.file = file;
+            if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES)
+                for (const auto& host : hosts)
+                    host->Ask(file, report.results);
+            if (report.results.empty() || !report.Ok())
+                report.fault = FindFault(file.path);
+            if (!options.sheet || options.out)
+                folder.Write(report);
+            if (sheet)
+                sheet->Add(report);
+            for (HandlerResult& result : report.results)
+                result.picture.pixels = {};
+        }
+    }
+    if (sheet)
+        sheet->Save(*options.sheet);
+    if (options.json)
+        PrintJson(reports);
+    else
+        PrintReports(reports);
+    if (sheet && !options.json)
+        PrintLine(L"sheet -> " + options.sheet->wstring());
+    return std::all_of(reports.begin(), reports.end(), [](const auto& report) { return report.Ok(); })
+               ? exitFine
+               : exitFailed;
+}
+
+int Run(int count, wchar_t** arguments) {
+    const Options options = Parse(count, arguments);
+    if (options.help) {
+        PrintLine(help);
+        return exitFine;
+    }
+    if (options.version) {
+        PrintLine(L"zmi-preview " VANTREL_VERSION);
+        return exitFine;
+    }
+    const ComApartment apartment;
+    if (!options.doctor)
+        return Preview(options);
+    Doctor doctor(options.dll);
+    return PrintFindings(doctor.Examine(FindInputFiles(options.inputs)), options.json) ? exitFine
+                                                                                       : exitFailed;
+}
+
+} // namespace
+
+} // namespace vantrel::tools
+
+int wmain(int count, wchar_t** arguments) {
+    using namespace vantrel::tools;
+    try {
+        return Run(count, arguments);
+    } catch (const UsageError& error) {
+        PrintError(L"zmi-preview: " + error.Message() + L" (zmi-preview --help shows how)");
+        return exitUsage;
+    } catch (const Failure& failure) {
+        PrintError(L"zmi-preview: " + failure.Message());
+    } catch (const std::filesystem::filesystem_error& error) {
+        PrintError(L"zmi-preview: " + DescribeFileError(error));
+    } catch (const std::exception& error) {
+        PrintError(L"zmi-preview: " + std::filesystem::path(error.what()).wstring());
+    }
+    return exitFailed;
+}
