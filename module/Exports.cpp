@@ -3,6 +3,8 @@
 #include "module/ClassFactory.h"
 #include "module/ClassTable.h"
 #include "module/ModuleState.h"
+#include "module/Registration.h"
+#include "support/Boundary.h"
 
 #include <new>
 
@@ -18,10 +20,10 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
     if (!object)
         return E_POINTER;
     *object = nullptr;
-    const vantrel::ClassRow* const row = vantrel::FindClass(classId);
-    if (!row)
+    const vantrel::CreateInstanceFn create = vantrel::FindCreator(classId);
+    if (!create)
         return CLASS_E_CLASSNOTAVAILABLE;
-    auto* const factory = new (std::nothrow) vantrel::ClassFactory(row->create);
+    auto* const factory = new (std::nothrow) vantrel::ClassFactory(create);
     if (!factory)
         return E_OUTOFMEMORY;
     const HRESULT result = factory->QueryInterface(iid, object);
@@ -31,4 +33,17 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
 
 STDAPI DllCanUnloadNow() {
     return vantrel::g_moduleCount == 0 ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() {
+    return vantrel::GuardBoundary(E_FAIL, [] { return vantrel::RegisterModule(); });
+}
+
+STDAPI DllUnregisterServer() {
+    // Always S_OK: unregistration reports nothing.
+    vantrel::GuardBoundary(E_FAIL, [] {
+        vantrel::UnregisterModule();
+        return S_OK;
+    });
+    return S_OK;
 }

@@ -24,6 +24,8 @@ inline void ReleaseScreenDc(HDC dc) {
     ReleaseDC(nullptr, dc);
 }
 
+using UniqueModule = UniqueHandle<HMODULE, FreeLibrary>;
+using UniqueLocalMemory = UniqueHandle<HLOCAL, LocalFree>;
 using UniqueFile = UniqueHandle<HANDLE, CloseHandle>;
 using UniqueFindFile = UniqueHandle<HANDLE, FindClose>;
 using UniqueBitmap = UniqueHandle<HBITMAP, DeleteObject>;

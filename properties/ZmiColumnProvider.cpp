@@ -1,0 +1,53 @@
+#include "properties/ZmiColumnProvider.h"
+
+#include "properties/ImageFacts.h"
+#include "render/RenderImage.h"
+#include "support/Boundary.h"
+
+#include <commctrl.h>
+
+namespace vantrel {
+
+namespace {
+
+bool IsServed(const SHCOLUMNID& column, const SHCOLUMNDATA& item) {
+    return IsEqualPropertyKey(column, dimensionsKey) &&
+           (item.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_OFFLINE)) == 0 &&
+           item.pwszExt && lstrcmpiW(item.pwszExt, L".zmi") == 0;
+}
+
+} // namespace
+
+HRESULT ZmiColumnProvider::Initialize(LPCSHCOLUMNINIT) {
+    return S_OK;
+}
+
+HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) {
+    if (index != 0)
+        return S_FALSE;
+    if (!info)
+        return E_POINTER;
+    info->scid = dimensionsKey;
+    // Deliberate: hosts expect this declaration, although the values come as VT_BSTR.
+    info->vt = VT_LPSTR;
+    info->fmt = LVCFMT_LEFT;
+    info->cChars = 32;
+    info->csFlags = SHCOLSTATE_TYPE_STR | SHCOLSTATE_SLOW;
+    return S_OK;
+}
+
+HRESULT ZmiColumnProvider::GetItemData(LPCSHCOLUMNID column, LPCSHCOLUMNDATA item, VARIANT* value) {
+    if (!column || !item || !value)
+        return E_POINTER;
+    return GuardBoundary(S_FALSE, [&] {
+        std::uint32_t dimensions[2];
+        if (!IsServed(*column, *item) || !RenderImage({.path = item->wszFile, .dimensions = dimensions}))
+            return S_FALSE;
+        VariantHolder holder;
+        AssignDimensions(holder, dimensions);
+        holder.DetachTo(value);
+        return S_OK;
+    });
+}
+
+} // namespace vantrel

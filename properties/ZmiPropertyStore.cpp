@@ -1,0 +1,73 @@
+#include "properties/ZmiPropertyStore.h"
+
+#include "properties/ImageFacts.h"
+#include "render/RenderImage.h"
+#include "support/Boundary.h"
+
+#include <iterator>
+
+namespace vantrel {
+
+namespace {
+
+constexpr PROPERTYKEY servedKeys[] = {titleKey, dimensionsKey, bitDepthKey};
+
+} // namespace
+
+HRESULT ZmiPropertyStore::GetCount(DWORD* count) {
+    if (!count)
+        return E_POINTER;
+    *count = std::size(servedKeys);
+    return S_OK;
+}
+
+HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) {
+    if (!key)
+        return E_POINTER;
+    // Deliberate: beyond the last key the call succeeds, too, and leaves the caller's key alone.
+    if (index < std::size(servedKeys))
+        *key = servedKeys[index];
+    return S_OK;
+}
+
+HRESULT ZmiPropertyStore::GetValue(REFPROPERTYKEY key, PROPVARIANT* value) {
+    if (!value)
+        return E_POINTER;
+    return GuardBoundary(S_FALSE, [&] { return ReadValue(key, *value); });
+}
+
+HRESULT ZmiPropertyStore::ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) const {
+    std::uint32_t dimensions[2];
+    TextBuffer title;
+    std::uint32_t bitsPerPixel;
+    // Before the key is looked at: a file that can't be read answers S_FALSE for every key.
+    if (!RenderImage(
+            {.stream = Stream(), .dimensions = dimensions, .text = &title, .bitsPerPixel = &bitsPerPixel}))
+        return S_FALSE;
+
+    VariantHolder holder;
+    if (IsEqualPropertyKey(key, titleKey))
+        holder.AssignText(title.Buffer());
+    else if (IsEqualPropertyKey(key, dimensionsKey))
+        AssignDimensions(holder, dimensions);
+    else if (IsEqualPropertyKey(key, bitDepthKey))
+        holder.AssignInteger(static_cast<std::int32_t>(bitsPerPixel));
+    else
+        return E_UNEXPECTED;
+    holder.DetachTo(&value);
+    return S_OK;
+}
+
+HRESULT ZmiPropertyStore::SetValue(REFPROPERTYKEY, REFPROPVARIANT) {
+    return E_UNEXPECTED;
+}
+
+HRESULT ZmiPropertyStore::Commit() {
+    return E_UNEXPECTED;
+}
+
+HRESULT ZmiPropertyStore::IsPropertyWritable(REFPROPERTYKEY) {
+    return S_FALSE;
+}
+
+} // namespace vantrel

@@ -1,0 +1,30 @@
+// The icon handler: an icon for each file, drawn from its own picture.
+#pragma once
+
+#include "support/ComObject.h"
+#include "support/PersistedPath.h"
+
+#include <shlobj.h>
+
+namespace vantrel {
+
+class IconHandler final : public ComObject<IconHandler, IExtractIconW, PersistedPath> {
+public:
+    static constexpr InterfaceRow<IconHandler> interfaces[] = {
+        {&IID_IUnknown, AsBase<IExtractIconW>},
+        {&IID_IExtractIconW, AsBase<IExtractIconW>},
+        {&IID_IPersistFile, AsBase<IPersistFile>},
+        // Deliberate: the column provider's identifier, too, gets the icon interface here.
+        {&IID_IColumnProvider, AsBase<IExtractIconW>},
+    };
+
+    // Only sets the result flags: there is no icon file, and nothing is to be cached.
+    HRESULT STDMETHODCALLTYPE GetIconLocation(UINT flags, LPWSTR iconFile, UINT bufferLength, int* index,
+                                              UINT* resultFlags) override;
+    // iconSize holds the large icon's edge in its low and the small one's in its high 16 bits; a null icon is
+    // not wanted. When only the small one fails the result is E_FAIL and the large one stays with the caller.
+    HRESULT STDMETHODCALLTYPE Extract(LPCWSTR file, UINT index, HICON* largeIcon, HICON* smallIcon,
+                                      UINT iconSize) override;
+};
+
+} // namespace vantrel

@@ -1,0 +1,19 @@
+// One string value of the registry, as registration writes it.
+#pragma once
+
+#include <windows.h>
+
+namespace vantrel {
+
+struct RegistrationEntry {
+    HKEY root;
+    const wchar_t* subKey;
+    const wchar_t* valueName; // null: the key's default value
+    const wchar_t* data;
+};
+
+// Creates the key where needed and writes the value as REG_SZ, its terminator included. The first Win32
+// error, folded to an HRESULT, or S_OK.
+HRESULT WriteStringValue(const RegistrationEntry& entry);
+
+} // namespace vantrel
