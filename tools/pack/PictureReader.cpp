@@ -49,7 +49,11 @@ void PictureFrame::ReadRows(unsigned firstRow, std::span<Color> rows) const {
 
 PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path)
     : factory_(std::move(factory)), name_(path.wstring()) {
-    Check(factory_->CreateDecoderFromFilename(LongPath(path).c_str(), nullptr, GENERIC_READ,
+    const std::filesystem::path file = LongPath(path);
+    const DWORD attributes = GetFileAttributesW(file.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        throw PackError(name_ + L": this is a folder, not a picture");
+    Check(factory_->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
                                               WICDecodeMetadataCacheOnDemand, decoder_.Put()),
           name_);
     Check(decoder_->GetFrameCount(&frameCount_), name_);

@@ -54,12 +54,12 @@ void Put(OutputFile& output, const T& structure) {
 std::uint32_t ZmiFileSize(const ZmiContent& content) {
     constexpr std::size_t mostFrames = std::numeric_limits<std::uint16_t>::max();
     if (content.frames.size() > mostFrames)
-        throw PackError(std::to_wstring(content.frames.size()) + L" frames; a ZMI file holds at most " +
-                        std::to_wstring(mostFrames));
+        throw PackError(L"there are " + std::to_wstring(content.frames.size()) +
+                        L" frames; a ZMI file holds at most " + std::to_wstring(mostFrames));
     const std::uint64_t size = LayOut(content).trailer + sizeof(zmi::trailer);
     if (size > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
-        throw PackError(L"the file would have " + std::to_wstring(size) +
-                        L" bytes; a ZMI file stays below 2 GiB (2147483648 bytes)");
+        throw PackError(L"the ZMI file would have " + std::to_wstring(size) +
+                        L" bytes; it must stay below 2 GiB (2147483648 bytes)");
     return static_cast<std::uint32_t>(size);
 }
 
