@@ -1,0 +1,79 @@
+# What the project's commands stand on: Debian packages, builds and the private Wine prefix. Sourced, not run.
+# Every step is silent when there is nothing to do, and says in one line what went wrong.
+
+root=$(cd "$(dirname "$0")" && pwd)
+log=$root/build/setup.log
+export VANTREL_WINEPREFIX=$root/build/wine
+mkdir -p "$root/build"
+
+say() { printf '%s\n' "$*" >&2; }
+
+fail() {
+    say "error: $*"
+    exit 1
+}
+
+# Runs a long step; its output goes to the log.
+quietly() {
+    what=$1
+    shift
+    if ! "$@" >"$log" 2>&1; then
+        tail -n 25 "$log" >&2
+        fail "$what failed; the whole output is in ${log#"$root"/}"
+    fi
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        fail "Debian packages are missing and neither root nor sudo is at hand; install: $missing"
+    fi
+}
+
+install_packages() {
+    export DEBIAN_FRONTEND=noninteractive
+    as_root apt-get update && as_root apt-get install -y --no-install-recommends "$@"
+}
+
+# need PACKAGE...: installs those that are missing.
+need() {
+    missing=
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
+    done
+    [ -z "$missing" ] && return
+    say "Installing Debian packages:$missing"
+    # shellcheck disable=SC2086 # one argument a package
+    quietly "installing$missing" install_packages $missing
+}
+
+need_cross_compiler() {
+    need cmake ninja-build g++-mingw-w64-x86-64-posix googletest
+}
+
+# build PRESET [TARGET...]: configures when needed, then builds.
+build() {
+    preset=$1
+    shift
+    if [ ! -e "$root/build/$preset/build.ninja" ]; then
+        say "Configuring $preset"
+        quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
+    fi
+    [ -n "$(env -C "$root" ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -m1 '^\[')" ] && say "Building $preset"
+    quietly "building $preset" env -C "$root" ninja -C "build/$preset" "$@"
+}
+
+wine() { "$root/scripts/wine" "$@"; }
+
+need_wine() {
+    need wine wine64 fonts-dejavu-core
+    if [ ! -e "$VANTREL_WINEPREFIX/ready" ]; then
+        say "Preparing a private Wine prefix"
+        rm -rf "$VANTREL_WINEPREFIX"
+        quietly "preparing the Wine prefix" wine wineboot --init
+        touch "$VANTREL_WINEPREFIX/ready"
+    fi
+}
