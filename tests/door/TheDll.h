@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
-#include <initguid.h>
 #include <objbase.h>
 #include <wrl/client.h>
 
@@ -57,8 +56,7 @@ ComPtr<Interface> Create(REFCLSID classId, REFIID iid) {
     ComPtr<IClassFactory> factory;
     EXPECT_EQ(S_OK, GetClassObject(classId, IID_IClassFactory, &factory));
     ComPtr<Interface> object;
-    if (factory)
-        EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, iid, &object));
+    EXPECT_EQ(S_OK, factory ? factory->CreateInstance(nullptr, iid, &object) : E_POINTER);
     return object;
 }
 
@@ -66,8 +64,7 @@ ComPtr<Interface> Create(REFCLSID classId, REFIID iid) {
 template <class Interface>
 ComPtr<Interface> Ask(IUnknown* object, REFIID iid) {
     ComPtr<Interface> other;
-    if (object)
-        EXPECT_EQ(S_OK, object->QueryInterface(iid, &other));
+    EXPECT_EQ(S_OK, object ? object->QueryInterface(iid, &other) : E_POINTER);
     return other;
 }
 

@@ -1,0 +1,175 @@
+#include "tests/door/ImportHook.h"
+#include "tests/door/TheDll.h"
+
+#include <propsys.h>
+#include <shlguid.h>
+#include <shlobj.h>
+#include <thumbcache.h>
+
+#include <set>
+#include <thread>
+
+namespace vantrel::tests {
+namespace {
+
+class CountingOuter final : public IUnknown {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+};
+
+HRESULT CanUnload() {
+    return CallExport("DllCanUnloadNow");
+}
+
+struct ClassCase {
+    const char* name;
+    CLSID classId;
+    std::vector<IID> interfaces; // the first is the one that IUnknown's identity belongs to
+};
+
+const ClassCase classes[] = {
+    {"thumbnail provider", thumbnailProviderClass, {IID_IInitializeWithStream, __uuidof(IThumbnailProvider)}},
+    {"extract image", extractImageClass, {IID_IExtractImage2, IID_IExtractImage, IID_IPersistFile}},
+    {"icon handler", iconHandlerClass, {IID_IExtractIconW, IID_IPersistFile, IID_IColumnProvider}},
+    {"column provider", columnProviderClass, {IID_IColumnProvider}},
+    {"property store",
+     propertyStoreClass,
+     {IID_IInitializeWithStream, IID_IPropertyStore, IID_IPropertyStoreCapabilities}},
+};
+
+TEST(Module, ImportsSystemLibrariesOnly) {
+    const std::set<std::string> system = {"KERNEL32.dll", "USER32.dll",   "GDI32.dll",   "ADVAPI32.dll",
+                                          "ole32.dll",    "OLEAUT32.dll", "SHELL32.dll", "msvcrt.dll"};
+    std::set<std::string> imported;
+    VisitImports(TheDll(), [&](const char* library, const char*, void**) {
+        imported.insert(library);
+        return false;
+    });
+    EXPECT_FALSE(imported.empty());
+    for (const std::string& library : imported)
+        EXPECT_TRUE(system.contains(library)) << library;
+}
+
+TEST(Module, ExportsExactlyTheFourEntryPoints) {
+    auto* const base = reinterpret_cast<const std::uint8_t*>(TheDll());
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+    const auto* const table = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
+        base + nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
+    const auto* const names = reinterpret_cast<const DWORD*>(base + table->AddressOfNames);
+    std::set<std::string> exported;
+    for (DWORD i = 0; i < table->NumberOfNames; ++i)
+        exported.insert(reinterpret_cast<const char*>(base + names[i]));
+    EXPECT_EQ((std::set<std::string>{"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
+                                     "DllUnregisterServer"}),
+              exported);
+    EXPECT_EQ(4u, table->NumberOfFunctions);
+}
+
+TEST(Module, RefusesWhatItDoesNotServe) {
+    void* object = &object;
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, GetClassObject(IID_IUnknown, IID_IClassFactory, &object));
+    EXPECT_EQ(nullptr, object);
+    object = &object;
+    EXPECT_EQ(E_NOINTERFACE, GetClassObject(thumbnailProviderClass, IID_IStream, &object));
+    EXPECT_EQ(nullptr, object);
+    EXPECT_EQ(E_POINTER, GetClassObject(thumbnailProviderClass, IID_IClassFactory, nullptr));
+    EXPECT_EQ(S_OK, CanUnload());
+}
+
+TEST(Module, CountsFactoriesAndLocksButNoObjects) {
+    ComPtr<IClassFactory> first;
+    ComPtr<IClassFactory> second;
+    ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IUnknown, &first));
+    ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IClassFactory, &second));
+    EXPECT_NE(first.Get(), second.Get());
+    EXPECT_EQ(2u, first->AddRef());
+    EXPECT_EQ(1u, first->Release());
+    EXPECT_EQ(S_FALSE, CanUnload());
+    second.Reset();
+    EXPECT_EQ(S_FALSE, CanUnload());
+
+    ComPtr<IUnknown> object;
+    EXPECT_EQ(S_OK, first->CreateInstance(nullptr, IID_IUnknown, &object));
+    EXPECT_EQ(S_OK, first->LockServer(TRUE));
+    EXPECT_EQ(S_OK, first->LockServer(7));
+    EXPECT_EQ(S_OK, first->LockServer(FALSE));
+    ComPtr<IClassFactory> last = std::move(first);
+    EXPECT_EQ(S_OK, last->LockServer(FALSE));
+    EXPECT_EQ(S_FALSE, CanUnload());
+    EXPECT_EQ(S_OK, last->LockServer(FALSE)); // one too many: below zero with the factory gone
+    EXPECT_EQ(S_OK, CanUnload());
+    last.Reset();
+    EXPECT_EQ(S_FALSE, CanUnload());
+    ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IClassFactory, &last));
+    EXPECT_EQ(S_OK, last->LockServer(TRUE));
+    last.Reset();
+    EXPECT_EQ(S_OK, CanUnload()) << "a living object must not count";
+}
+
+TEST(Module, CountsFromManyThreads) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([] {
+            for (int round = 0; round < 2000; ++round) {
+                ComPtr<IClassFactory> factory;
+                ComPtr<IUnknown> object;
+                GetClassObject(thumbnailProviderClass, IID_IClassFactory, &factory);
+                factory->LockServer(TRUE);
+                factory->CreateInstance(nullptr, IID_IUnknown, &object);
+                factory->LockServer(FALSE);
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(S_OK, CanUnload());
+}
+
+TEST(Module, ServesEachClassWithItsInterfacesAndNoOthers) {
+    const IID strangers[] = {IID_IPersistStream, IID_IInitializeWithFile, IID_IClassFactory};
+    for (const ClassCase& each : classes) {
+        SCOPED_TRACE(each.name);
+        const ComPtr<IUnknown> object = Create<IUnknown>(each.classId, IID_IUnknown);
+        ASSERT_TRUE(object);
+        for (const ClassCase& other : classes) {
+            for (const IID& iid : other.interfaces) {
+                bool own = false;
+                for (const IID& mine : each.interfaces)
+                    own = own || IsEqualIID(mine, iid);
+                ComPtr<IUnknown> answer;
+                EXPECT_EQ(own ? S_OK : E_NOINTERFACE, object->QueryInterface(iid, &answer));
+                EXPECT_EQ(own, answer != nullptr);
+                // One identity, whichever interface is asked.
+                EXPECT_TRUE(!own || Ask<IUnknown>(answer.Get(), IID_IUnknown) == object);
+            }
+        }
+        EXPECT_EQ(object.Get(), Ask<IUnknown>(object.Get(), each.interfaces[0]).Get());
+        for (const IID& stranger : strangers) {
+            void* answer = &answer;
+            EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(stranger, &answer));
+            EXPECT_EQ(nullptr, answer);
+        }
+        EXPECT_EQ(2u, object->AddRef());
+        EXPECT_EQ(1u, object->Release());
+
+        ComPtr<IClassFactory> factory;
+        ASSERT_EQ(S_OK, GetClassObject(each.classId, IID_IClassFactory, &factory));
+        CountingOuter outer;
+        void* answer = &answer;
+        EXPECT_EQ(CLASS_E_NOAGGREGATION, factory->CreateInstance(&outer, IID_IUnknown, &answer));
+        EXPECT_EQ(&answer, answer) << "refused aggregation leaves the output alone";
+        EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IPersistStream, &answer));
+        EXPECT_EQ(nullptr, answer);
+    }
+}
+
+TEST(Module, AnswersTheColumnIdentifierWithTheIconInterface) {
+    const auto icon = Create<IUnknown>(iconHandlerClass, IID_IExtractIconW);
+    EXPECT_EQ(icon.Get(), Ask<IUnknown>(icon.Get(), IID_IColumnProvider).Get());
+}
+
+} // namespace
+} // namespace vantrel::tests

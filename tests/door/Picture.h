@@ -1,0 +1,62 @@
+// A bitmap's or an icon's pixels as a host sees them.
+#pragma once
+
+#include "tests/builder/ZmiBuilder.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace vantrel::tests {
+
+struct GdiDeleter {
+    void operator()(void* object) const { DeleteObject(object); }
+};
+struct IconDeleter {
+    void operator()(HICON icon) const { DestroyIcon(icon); }
+};
+using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, GdiDeleter>;
+using Icon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
+
+inline constexpr std::uint32_t keyColour = 0xFFFF00; // of the background around a picture
+inline constexpr std::uint32_t opaque = 0xFF000000;
+
+// 32-bit words 0xAARRGGBB, the top row first; empty when there is no bitmap.
+struct Picture {
+    unsigned width = 0;
+    unsigned height = 0;
+    std::vector<std::uint32_t> words{};
+
+    std::uint32_t At(unsigned x, unsigned y) const { return words.at(std::size_t{y} * width + x); }
+    bool operator==(const Picture&) const = default;
+};
+
+inline Picture ReadPicture(HBITMAP bitmap) {
+    BITMAP facts{};
+    if (!bitmap || !GetObjectW(bitmap, sizeof facts, &facts))
+        return {};
+    Picture picture{static_cast<unsigned>(facts.bmWidth), static_cast<unsigned>(facts.bmHeight)};
+    picture.words.resize(std::size_t{picture.width} * picture.height);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, facts.bmWidth, -facts.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    const HDC screen = GetDC(nullptr);
+    EXPECT_EQ(facts.bmHeight,
+              GetDIBits(screen, bitmap, 0, picture.height, picture.words.data(), &info, DIB_RGB_COLORS));
+    ReleaseDC(nullptr, screen);
+    return picture;
+}
+
+// What a fitted bitmap of the file's first frame must look like at its natural size.
+inline Picture NaturalPicture(const ZmiBuilder& file) {
+    Picture picture{file.frames[0].width, file.frames[0].height};
+    for (unsigned y = 0; y < picture.height; ++y)
+        for (unsigned x = 0; x < picture.width; ++x)
+            picture.words.push_back(opaque | file.ExpectedPixel(x, y));
+    return picture;
+}
+
+} // namespace vantrel::tests
