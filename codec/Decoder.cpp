@@ -66,18 +66,18 @@ bool ReadFrameTable(PayloadReader& payload, DecodedImage& image) {
 bool NumberPalettes(PayloadReader& payload, std::uint32_t paletteOffset, DecodedImage& image,
                     std::uint32_t framesWanted) {
     for (std::uint32_t i = 0; i < image.frames.size(); ++i) {
-        std::uint32_t& number = image.frames[i].paletteNumber;
+        FrameRecord& frame = image.frames[i];
         if (paletteOffset == 0) {
-            number = 0;
-        } else if (i == 0 || number == paletteOffset) {
-            number = 1;
+            frame.paletteNumber = 0;
+        } else if (i == 0 || frame.paletteNumber == paletteOffset) {
+            frame.paletteNumber = 1;
         } else {
-            const std::uint32_t own = number;
+            const std::uint32_t own = frame.paletteNumber;
             if (i < framesWanted ? !ReadPalette(payload, own, image)
                                  : !payload.Contains(payload.TablePosition(own), sizeof(Palette)))
                 return false;
             // One less than its position: not the number of the table just loaded, and meant so.
-            number = i - 1;
+            frame.paletteNumber = i - 1;
         }
     }
     return true;

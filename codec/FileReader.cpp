@@ -35,7 +35,8 @@ bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
         std::memcmp(trailer, zmiTrailer, sizeof trailer) != 0)
         return false;
 
-    payload.emplace(source, header.dataOffset, header.dataSize);
+    // Values, for packed fields bind to no reference.
+    payload.emplace(PayloadReader(source, header.dataOffset, header.dataSize));
     return true;
 }
 
