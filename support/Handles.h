@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <unknwn.h>
+
 #include <memory>
 #include <type_traits>
 
@@ -23,6 +25,14 @@ using UniqueHandle = std::unique_ptr<std::remove_pointer_t<Handle>, HandleCloser
 inline void ReleaseScreenDc(HDC dc) {
     ReleaseDC(nullptr, dc);
 }
+
+inline void ReleaseInterface(IUnknown* object) {
+    object->Release();
+}
+
+// One reference to a COM object.
+template <class Interface>
+using UniqueInterface = UniqueHandle<Interface*, ReleaseInterface>;
 
 using UniqueModule = UniqueHandle<HMODULE, FreeLibrary>;
 using UniqueLocalMemory = UniqueHandle<HLOCAL, LocalFree>;

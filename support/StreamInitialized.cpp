@@ -11,7 +11,7 @@ HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) {
     const HRESULT result = stream->QueryInterface(IID_IStream, &held);
     // Not Attach, which in mingw-w64 adds a reference of its own.
     if (SUCCEEDED(result))
-        *stream_.GetAddressOf() = static_cast<IStream*>(held);
+        stream_.reset(static_cast<IStream*>(held));
     return result;
 }
 

@@ -1,10 +1,9 @@
 // The IInitializeWithStream half of a handler that is given its file as a stream.
 #pragma once
 
-#include <windows.h>
+#include "support/Handles.h"
 
 #include <propsys.h>
-#include <wrl/client.h>
 
 namespace vantrel {
 
@@ -17,10 +16,10 @@ protected:
     ~StreamInitialized() = default;
 
     // Null until Initialize has succeeded.
-    IStream* Stream() const { return stream_.Get(); }
+    IStream* Stream() const { return stream_.get(); }
 
 private:
-    Microsoft::WRL::ComPtr<IStream> stream_;
+    UniqueInterface<IStream> stream_;
 };
 
 } // namespace vantrel
