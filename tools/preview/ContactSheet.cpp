@@ -18,7 +18,7 @@ constexpr unsigned compactEdge = 160;
 constexpr LONG margin = 32;
 constexpr LONG gap = 24;
 constexpr LONG padding = 16;
-constexpr LONG headingHeight = 76;
+constexpr LONG headingHeight = 92;
 constexpr LONG titleHeight = 22;
 constexpr LONG lineHeight = 19;
 constexpr LONG iconRowHeight = 44;
@@ -39,16 +39,21 @@ LONG CardWidth(unsigned edge) {
 }
 
 LONG CardHeight(unsigned edge) {
-    return 2 * padding + static_cast<LONG>(edge) + belowThumbnail + titleHeight + 2 * lineHeight +
+    return 2 * padding + static_cast<LONG>(edge) + belowThumbnail + titleHeight + 3 * lineHeight +
            aboveIcons + iconRowHeight;
 }
 
-// Somewhat wider than high, as screens and pages are.
+// Somewhat wider than high, as screens and pages are, but not wider than one likes to scroll; of the two
+// column counts next to that shape the one that leaves fewer places empty.
 LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
     constexpr double widthToHeight = 1.3;
-    const double square =
-        std::sqrt(static_cast<double>(fileCount) * widthToHeight * CardHeight(edge) / CardWidth(edge));
-    return std::clamp(std::lround(square), 1L, static_cast<long>(fileCount));
+    constexpr LONG mostColumns = 12;
+    const auto files = static_cast<LONG>(fileCount);
+    const double ideal = std::sqrt(widthToHeight * files * CardHeight(edge) / CardWidth(edge));
+    const LONG fewer = std::clamp(static_cast<LONG>(ideal), 1L, std::min(files, mostColumns));
+    const LONG more = std::min({fewer + 1, files, mostColumns});
+    const auto emptyPlaces = [files](LONG columns) { return (columns - files % columns) % columns; };
+    return emptyPlaces(more) < emptyPlaces(fewer) ? more : fewer;
 }
 
 std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view request) {
@@ -56,18 +61,12 @@ std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view
     return result ? result->text : L"";
 }
 
-// "640 x 480 · 16 bit · column 640 x 480", without what no handler told.
+// "640 x 480 · 16 bit", without what the handler did not tell.
 std::wstring Facts(const FileReport& report) {
-    std::wstring facts;
-    const auto append = [&](const std::wstring& before, const std::wstring& value,
-                            const std::wstring& after) {
-        if (!value.empty())
-            facts += (facts.empty() ? L"" : L" \u00B7 ") + before + value + after;
-    };
-    append(L"", Value(report, HandlerKind::Properties, L"dimensions"), L"");
-    append(L"", Value(report, HandlerKind::Properties, L"bit depth"), L" bit");
-    append(L"column ", Value(report, HandlerKind::Column, L"dimensions"), L"");
-    return facts;
+    const std::wstring dimensions = Value(report, HandlerKind::Properties, L"dimensions");
+    const std::wstring depth = Value(report, HandlerKind::Properties, L"bit depth");
+    return dimensions + (dimensions.empty() || depth.empty() ? L"" : L" \u00B7 ") +
+           (depth.empty() ? L"" : depth + L" bit");
 }
 
 } // namespace
@@ -87,12 +86,11 @@ ContactSheet::ContactSheet(std::size_t fileCount)
 
 void ContactSheet::DrawHeading(std::size_t fileCount) {
     const LONG right = static_cast<LONG>(canvas_->Width()) - margin;
-    canvas_->Text({margin, 18, right, 48}, L"ZMI pictures in the Shell", TextStyle::Heading, inkColour,
+    canvas_->Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColour,
                   DT_SINGLELINE | DT_VCENTER);
-    canvas_->Text({margin, 48, right, 66},
-                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") +
-                      L" \u00B7 thumbnails at " + std::to_wstring(edge_) +
-                      L" px \u00B7 icons at 32 and 16 px",
+    canvas_->Text({margin, 54, right, 74},
+                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") + L", thumbnails at " +
+                      std::to_wstring(edge_) + L" px",
                   TextStyle::Body, greyColour, DT_SINGLELINE | DT_VCENTER);
 }
 
@@ -122,9 +120,14 @@ void ContactSheet::Add(const FileReport& report) {
         line = {line.left, line.bottom, line.right, line.bottom + lineHeight};
     };
     const std::wstring title = Value(report, HandlerKind::Properties, L"title");
-    write(title.empty() ? L"(no title)" : title, TextStyle::Title, title.empty() ? greyColour : inkColour);
+    if (title.empty())
+        write(L"no title", TextStyle::Body, greyColour);
+    else
+        write(title, TextStyle::Title, inkColour);
     write(report.file.path.filename().wstring(), TextStyle::Body, inkColour);
     write(Facts(report), TextStyle::Body, greyColour);
+    const std::wstring column = Value(report, HandlerKind::Column, L"dimensions");
+    write(column.empty() ? L"" : L"Column: " + column, TextStyle::Body, greyColour);
 
     LONG x = well.left;
     const LONG middle = card.bottom - padding - iconRowHeight / 2;
