@@ -447,7 +447,7 @@ def heart():
 def main():
     arguments = argparse.ArgumentParser(description="Draws the sample pictures and packs them into this folder.")
     arguments.add_argument("packer", nargs="?", help="zmi-pack.exe",
-                           default=os.path.join(ROOT, "build", "mingw-release", "tools", "pack", "zmi-pack.exe"))
+                           default=os.path.join(ROOT, "build", "mingw-release", "bin", "zmi-pack.exe"))
     arguments.add_argument("--keep", metavar="FOLDER", help="leave the drawn PNG files there")
     options = arguments.parse_args()
 

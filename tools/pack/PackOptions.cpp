@@ -44,7 +44,7 @@ std::string ToAnsiTitle(const std::wstring& text) {
         return {};
     // UTF-8 as the ANSI code page accepts neither this flag nor the question, and has no need of them.
     const bool utf8 = GetACP() == CP_UTF8;
-    std::array<char, 4 * 260> buffer{};
+    std::array<char, 1024> buffer{};
     BOOL replaced = FALSE;
     const int size =
         WideCharToMultiByte(CP_ACP, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text.data(),
@@ -67,13 +67,14 @@ const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI fil
   zmi-pack [options] INPUT... OUTPUT.zmi
   zmi-pack --blank [--title TEXT] OUTPUT.zmi
 
-INPUT is any picture that Windows reads (PNG, JPEG, BMP, GIF, TIFF, ...). Several
-inputs, and inputs with several frames, give a file with that many frames.
+INPUT is any picture that Windows reads (PNG, JPEG, BMP, GIF, TIFF, ...).
+Several inputs, or inputs with several frames, give a file of as many frames.
 
   --mode 1|8|565        black and white, 256 colours, or 16-bit colour (default)
-  --title TEXT          the picture's title, at most 33 bytes in the ANSI code page
-  --transparent RRGGBB  marks this colour, and what is transparent in an input, as
-                        transparent (not with --mode 1); else white lies behind
+  --title TEXT          the title, at most 33 bytes in the ANSI code page
+  --transparent RRGGBB  marks this colour as transparent, and makes an input's
+                        transparent parts this colour instead of white; not
+                        with --mode 1
   --no-dither           takes each pixel's nearest colour, without mixing
   --blank               the blank default picture, which needs no input
   --help, --version

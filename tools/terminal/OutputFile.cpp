@@ -57,8 +57,8 @@ void CreateFolders(const std::filesystem::path& folder) {
 
 } // namespace
 
-OutputFile::OutputFile(std::filesystem::path target)
-    : target_(LongPath(std::move(target))), handle_(INVALID_HANDLE_VALUE) {
+OutputFile::OutputFile(const std::filesystem::path& target)
+    : target_(LongPath(target)), handle_(INVALID_HANDLE_VALUE) {
     static std::atomic<unsigned> number = 0;
     // Not made from the target's name, which may have as many characters already as a name can have.
     const std::filesystem::path folder = target_.parent_path();

@@ -13,7 +13,7 @@ namespace vantrel::tools {
 class OutputFile {
 public:
     // Creates missing parent folders. Throws std::filesystem::filesystem_error.
-    explicit OutputFile(std::filesystem::path target);
+    explicit OutputFile(const std::filesystem::path& target);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
