@@ -31,9 +31,10 @@ void ColumnHost::Ask(const InputFile& file, std::vector<HandlerResult>& results)
         item.pwszExt = extension.data();
         item.dwFileAttributes = GetFileAttributesW(file.path.c_str());
         if (!Store(file.path.parent_path().wstring(), folder.wszFolder) ||
-            !Store(file.path.wstring(), item.wszFile))
-            throw Failure(L"the path has more than the 259 characters that a column request holds",
-                          HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE));
+            !Store(file.path.wstring(), item.wszFile)) {
+            result.text = L"not asked, as a column request holds no path of more than 259 characters";
+            return;
+        }
         Check(provider->Initialize(&folder), L"Initialize");
 
         SHCOLUMNINFO column{};

@@ -10,7 +10,7 @@ namespace vantrel::tools {
 
 namespace {
 
-constexpr std::size_t mostFiles = 1000;
+constexpr std::size_t mostFiles = 500;
 constexpr std::size_t mostLargeCards = 48;
 constexpr unsigned largeEdge = 256;
 constexpr unsigned compactEdge = 160;

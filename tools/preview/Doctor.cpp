@@ -96,21 +96,22 @@ void Doctor::Add(Health health, std::wstring text, const std::wstring& cure) {
 void Doctor::CheckRegistration() {
     const std::vector<RegistrationValue> values = ExpectedRegistration();
     std::vector<std::wstring> wrong;
-    std::size_t missing = 0;
-    bool userPartIsRight = true;
+    std::ptrdiff_t wrongForUser = 0;
+    bool isThereAny = false;
     for (const RegistrationValue& value : values) {
         const auto found = value.Read();
+        const bool isForUser = value.root == HKEY_CURRENT_USER;
+        isThereAny = isThereAny || (found && isForUser);
         if (found && (value.data.empty() || *found == value.data))
             continue;
-        missing += found ? 0 : 1;
+        wrongForUser += isForUser;
         wrong.push_back(value.Name() +
                         (found ? L" is " + Quoted(*found) + L", not " + Quoted(value.data) : L" is missing"));
-        userPartIsRight = userPartIsRight && value.root != HKEY_CURRENT_USER;
     }
-    const std::wstring all = std::to_wstring(values.size());
-    if (missing == values.size()) {
-        Add(Health::Fail, L"the library is not registered: none of the " + all + L" registry values is there",
-            registerAgain_);
+    if (!isThereAny) {
+        // The machine's one value outlives an unregistration, so it does not count here.
+        Add(Health::Fail, L"the library is not registered for this user: none of its values is there",
+            registerAgain_ + L" as the user who is to see the thumbnails");
         return;
     }
     for (const std::wstring& text : wrong) {
@@ -121,8 +122,9 @@ void Doctor::CheckRegistration() {
                       : registerAgain_);
     }
     if (wrong.empty())
-        Add(Health::Ok, L"all " + all + L" registry values are present and as written");
-    else if (userPartIsRight)
+        Add(Health::Ok,
+            L"all " + std::to_wstring(values.size()) + L" registry values are present and as written");
+    else if (wrongForUser == 0)
         Add(Health::Ok, L"the other " + std::to_wstring(values.size() - wrong.size()) +
                             L" registry values are present and as written");
 }
@@ -160,11 +162,12 @@ void Doctor::CheckClasses(const std::wstring& server) {
              {"DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer"})
             if (!module.Exports(name))
                 absent += L" " + std::wstring(name, name + std::strlen(name));
-        if (absent.empty())
-            Add(Health::Ok, server + L" loads and exports its four entry points");
-        else
+        if (!absent.empty()) {
             Add(Health::Fail, server + L" is another library, for it does not export" + absent,
                 registerAgain_);
+            return;
+        }
+        Add(Health::Ok, server + L" loads and exports its four entry points");
 
         for (const HandlerKind kind : allHandlers) {
             const HandlerClass& known = ClassOf(kind);

@@ -14,15 +14,15 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-void Encode(const std::filesystem::path& file, unsigned width, unsigned height, bool isOpaque,
-            std::span<const std::uint32_t> pixels) {
+// The whole file, made in memory: what reaches the disk is then written by OutputFile alone.
+ComPtr<IStream> Encode(unsigned width, unsigned height, bool isOpaque,
+                       std::span<const std::uint32_t> pixels) {
     ComPtr<IWICImagingFactory> factory;
     Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                            IID_PPV_ARGS(factory.GetAddressOf())),
           L"WIC");
-    ComPtr<IWICStream> stream;
-    Check(factory->CreateStream(stream.GetAddressOf()), L"WIC stream");
-    Check(stream->InitializeFromFilename(file.c_str(), GENERIC_WRITE), L"cannot write " + file.wstring());
+    ComPtr<IStream> stream;
+    Check(CreateStreamOnHGlobal(nullptr, TRUE, stream.GetAddressOf()), L"memory stream");
     ComPtr<IWICBitmapEncoder> encoder;
     Check(factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder.GetAddressOf()), L"PNG encoder");
     Check(encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache), L"PNG encoder");
@@ -47,6 +47,7 @@ void Encode(const std::filesystem::path& file, unsigned width, unsigned height, 
     }
     Check(frame->Commit(), L"PNG frame");
     Check(encoder->Commit(), L"PNG file");
+    return stream;
 }
 
 } // namespace
@@ -54,7 +55,14 @@ void Encode(const std::filesystem::path& file, unsigned width, unsigned height, 
 void WritePng(const std::filesystem::path& file, unsigned width, unsigned height, bool isOpaque,
               const std::uint32_t* pixels) {
     OutputFile output(file);
-    Encode(output.TemporaryPath(), width, height, isOpaque, {pixels, std::size_t{width} * height});
+    const auto stream = Encode(width, height, isOpaque, {pixels, std::size_t{width} * height});
+    STATSTG facts{};
+    HGLOBAL memory = nullptr;
+    Check(stream->Stat(&facts, STATFLAG_NONAME), L"memory stream");
+    Check(GetHGlobalFromStream(stream.Get(), &memory), L"memory stream");
+    const auto* bytes = static_cast<const std::byte*>(GlobalLock(memory));
+    output.Write({bytes, static_cast<std::size_t>(facts.cbSize.QuadPart)});
+    GlobalUnlock(memory);
     output.Commit();
 }
 
