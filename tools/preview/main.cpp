@@ -30,25 +30,21 @@ constexpr const wchar_t* help = LR"(zmi-preview shows what the Shell gets from t
 
 Usage: zmi-preview [options] FILE|FOLDER...
        zmi-preview --doctor [--json] [FILE|FOLDER...]
-
-A folder stands for the .zmi files in it. Every handler is asked as its host asks it: thumbnail,
-properties, extract-image, icons and column. Pictures become PNG files named after the file:
-NAME-256.png, NAME-icon-32.png, NAME-extract.png.
+A folder stands for the .zmi files in it. Each of the five handlers is asked as
+its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
 
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
-  --sheet FILE   one PNG page with a card per file; single PNG files then only with --out
-  --dll FILE     use this library, registered or not, instead of asking the registry
+  --sheet FILE   one PNG page with a card per file; single files only with --out
+  --dll FILE     use this library, registered or not
   --json         one JSON document on stdout instead of lines
   --doctor       find out why there are no thumbnails, and how to cure it
   --help         this text
   --version      the version
 
 Exit codes: 0 fine; 1 a file has no picture or something failed; 2 wrong usage.
-
 Examples:
-  zmi-preview sunset.zmi
-  zmi-preview --sizes 512 --out previews C:\Pictures
+  zmi-preview --sizes 512 --out previews sunset.zmi C:\Pictures
   zmi-preview --sheet page.png C:\Pictures
   zmi-preview --doctor sunset.zmi)";
 
