@@ -35,7 +35,7 @@ its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
 
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
-  --sheet FILE   one PNG page with a card per file; single files only with --out
+  --sheet FILE   one PNG page with all files; single PNGs only with --out
   --dll FILE     use this library, registered or not
   --json         one JSON document on stdout instead of lines
   --doctor       find out why there are no thumbnails, and how to cure it
