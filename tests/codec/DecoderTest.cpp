@@ -33,6 +33,18 @@ DecodedImage Decoded(const Bytes& file, std::uint32_t framesWanted = allFrames) 
     return image;
 }
 
+// Files with bytes that no record names: between pixels, and behind them for several windows.
+std::vector<Bytes> FilesWithHoles() {
+    std::vector<Bytes> files{ZmiBuilder{.gap = 3, .rest = 200000}.Build()};
+    for (unsigned mode = 0; mode < 4; ++mode) {
+        ZmiBuilder made = Animation(mode);
+        made.rest = 200000;
+        files.push_back(made.Build());
+        SetField(files.back(), made.RecordAt(0), frame_record::height, 2);
+    }
+    return files;
+}
+
 Bytes FramePixels(const Bytes& file, const ZmiBuilder& made, std::size_t frame) {
     const auto begin = file.begin() + static_cast<std::ptrdiff_t>(made.PixelsAt(frame));
     const std::size_t count = PixelBytes(made.mode, made.frames[frame].width, made.frames[frame].height);
@@ -234,12 +246,10 @@ TEST(Decoder, TruncationAtEveryByte) {
 }
 
 TEST(Decoder, FailureOfAnyReadFailsTheLoad) {
-    for (unsigned mode = 0; mode < 4; ++mode)
-        for (const std::uint32_t wanted : framesWantedChoices) {
-            ZmiBuilder made = Animation(mode);
-            made.rest = 200000; // several windows long
+    for (const Bytes& file : FilesWithHoles())
+        for (const std::uint32_t wanted : framesWantedChoices)
             for (std::size_t call = 1;; ++call) {
-                MemorySource source(made.Build());
+                MemorySource source(file);
                 source.failingCall = call;
                 DecodedImage image;
                 const bool loaded = LoadFrom(source, image, wanted);
@@ -249,21 +259,17 @@ TEST(Decoder, FailureOfAnyReadFailsTheLoad) {
                     break;
                 ASSERT_LT(call, 50u);
             }
-        }
 }
 
 TEST(Decoder, ReadsEveryByteOnce) {
-    for (unsigned mode = 0; mode < 4; ++mode)
+    for (const Bytes& file : FilesWithHoles())
         for (const std::uint32_t wanted : framesWantedChoices) {
-            ZmiBuilder made = Animation(mode);
-            made.rest = 200000;
-            const Bytes file = made.Build();
             MemorySource source(file);
             DecodedImage image;
             ASSERT_TRUE(LoadFrom(source, image, wanted));
             std::vector<unsigned> expected(file.size(), 1);
-            std::fill_n(expected.begin() + 112, made.gap, 0u);
-            EXPECT_EQ(source.Reads(), expected) << "mode " << mode << ", wanted " << wanted;
+            std::fill_n(expected.begin() + 112, 3, 0u); // the gap
+            EXPECT_EQ(source.Reads(), expected) << "wanted " << wanted;
         }
 }
 
@@ -278,6 +284,15 @@ TEST(Decoder, ManyFramesThatShareTheirPixelsStayCheap) {
         EXPECT_LT(source.Calls(), 60u);
         EXPECT_EQ(source.Reads(), std::vector<unsigned>(file.size(), 1));
     }
+
+    // Asked for, a range inside another is read once more, and the rest of the outer one is not.
+    made.frames = {{300, 300}, {3, 3}};
+    MemorySource source(made.Build());
+    DecodedImage image;
+    ASSERT_TRUE(LoadFrom(source, image));
+    std::vector<unsigned> expected(source.Reads().size(), 1);
+    std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(made.PixelsAt(0)), 18, 2u);
+    EXPECT_EQ(source.Reads(), expected);
 }
 
 TEST(Decoder, ShortPayloads) {

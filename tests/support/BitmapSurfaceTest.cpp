@@ -1,0 +1,180 @@
+#include "support/BitmapSurface.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace vantrel::tests {
+
+namespace {
+
+constexpr COLORREF key = RGB(255, 128, 0);
+constexpr std::uint32_t keyWord = 0xFF8000;
+
+// A DIB surface, black with alpha 0x55, the value that no operation leaves behind.
+struct TestSurface : BitmapSurface {
+    TestSurface(unsigned width, unsigned height) {
+        EXPECT_TRUE(Create(width, height, BitmapKind::Dib));
+        std::fill_n(Bits(), std::size_t{width} * height, 0x55000000u);
+    }
+    // Counted from the top.
+    std::uint32_t& At(int x, int y) {
+        GdiFlush();
+        return Bits()[(Height() - 1 - y) * Width() + x];
+    }
+};
+
+} // namespace
+
+TEST(BitmapSurface, FillTakesEdges) {
+    const struct {
+        RECT edges, filled;
+    } cases[] = {
+        {{0, 0, 0, 0}, {0, 0, 48, 32}},
+        {{0, 0, 10, 0}, {0, 0, 0, 0}},
+        {{3, 5, 10, 9}, {3, 5, 10, 9}},
+        {{40, -7, 99, 2}, {40, 0, 48, 2}},
+    };
+    for (const auto& [edges, filled] : cases) {
+        TestSurface surface(48, 32);
+        EXPECT_TRUE(surface.Fill(RGB(1, 2, 3), edges.left, edges.top, edges.right, edges.bottom));
+        for (int y = 0; y < 32; ++y)
+            for (int x = 0; x < 48; ++x) {
+                const bool inside =
+                    x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
+                ASSERT_EQ(surface.At(x, y) & 0xFFFFFF, inside ? 0x010203u : 0u) << x << ", " << y;
+            }
+    }
+}
+
+TEST(BitmapSurface, StretchTakesTheDestinationsSizeForZero) {
+    TestSurface source(4, 4);
+    for (int i = 0; i < 16; ++i)
+        source.At(i % 4, i / 4) = static_cast<std::uint32_t>(i + 1) * 0x100804;
+    const struct {
+        int sourceWidth, sourceHeight;
+        bool scaled;
+    } cases[] = {{0, 0, false}, {2, 2, false}, {4, 4, true}};
+    for (const auto& [sourceWidth, sourceHeight, scaled] : cases) {
+        TestSurface target(5, 6);
+        ASSERT_TRUE(target.StretchFrom(source.Dc(), 2, 3, 2, 2, scaled ? 0 : 1, scaled ? 0 : 2, sourceWidth,
+                                       sourceHeight));
+        if (!scaled) {
+            for (int i = 0; i < 4; ++i)
+                EXPECT_EQ(target.At(2 + i % 2, 3 + i / 2), source.At(1 + i % 2, 2 + i / 2));
+        }
+        EXPECT_NE(target.At(3, 4) & 0xFFFFFF, 0u);
+        for (const auto& [x, y] : {std::pair{1, 3}, {4, 3}, {2, 2}, {2, 5}})
+            EXPECT_EQ(target.At(x, y) & 0xFFFFFF, 0u) << x << ", " << y;
+    }
+    EXPECT_FALSE(BitmapSurface().StretchFrom(source.Dc(), 0, 0, 1, 1, 0, 0, 1, 1));
+}
+
+TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
+    const struct {
+        std::uint32_t x, y, width, height;
+        std::vector<int> transparent; // pixels by number, row by row from the top; all have the key colour
+    } cases[] = {
+        {0, 0, 4, 1, {0, 1, 2, 3, 4, 5, 6, 7}},
+        {1, 1, 2, 2, {0, 3, 4, 7, 8, 9, 10, 11}},
+        {2, 0, 0xFFFFFFFF, 0xFFFFFFFF, {0, 1, 4, 5, 8, 9}},
+        {0, 0, 0, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
+        {0xFFFFFFFF, 0, 9, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
+    };
+    for (const auto& [x, y, width, height, transparent] : cases)
+        for (const std::uint32_t colour : {keyWord, keyWord + 1, 0x0080FFu}) {
+            TestSurface surface(4, 3);
+            std::fill_n(surface.Bits(), 12, 0x55000000 | colour);
+            surface.SetAlphaOutside(key, x, y, width, height);
+            for (int i = 0; i < 12; ++i) {
+                const bool clear =
+                    colour == keyWord && std::count(transparent.begin(), transparent.end(), i) > 0;
+                EXPECT_EQ(surface.At(i % 4, i / 4), (clear ? 0 : 0xFF000000) | colour)
+                    << x << ", " << y << ": " << i;
+            }
+        }
+}
+
+TEST(BitmapSurface, AlphaPassNeedsPixels) {
+    BitmapSurface surface;
+    surface.SetAlphaOutside(key, 0, 0, 1, 1);
+    ASSERT_TRUE(surface.Create(4, 3, BitmapKind::Compatible));
+    surface.SetAlphaOutside(key, 0, 0, 1, 1);
+    EXPECT_EQ(surface.Bits(), nullptr);
+    EXPECT_NE(surface.Bitmap(), nullptr);
+}
+
+TEST(BitmapSurface, SetPixelAtCountsFromTheTop) {
+    TestSurface surface(4, 3);
+    EXPECT_TRUE(surface.SetPixelAt(3, 0, RGB(1, 2, 3)));
+    EXPECT_EQ(surface.At(3, 0), 0x010203u);
+    EXPECT_FALSE(BitmapSurface().SetPixelAt(0, 0, 0));
+}
+
+TEST(BitmapSurface, CreateReplacesTheBitmapAndKeepsTheContext) {
+    TestSurface surface(4, 3);
+    const HDC dc = surface.Dc();
+    const HBITMAP first = surface.Bitmap();
+    for (const BitmapKind kind : {BitmapKind::Dib, BitmapKind::Compatible, BitmapKind::Dib}) {
+        ASSERT_TRUE(surface.Create(7, 2, kind));
+        EXPECT_EQ(surface.Dc(), dc);
+        EXPECT_EQ(GetCurrentObject(dc, OBJ_BITMAP), surface.Bitmap());
+        EXPECT_EQ(GetObjectType(first), 0u) << "still alive";
+        EXPECT_EQ(surface.Bits() != nullptr, kind == BitmapKind::Dib);
+        BITMAP facts{};
+        GetObjectW(surface.Bitmap(), sizeof facts, &facts);
+        EXPECT_EQ(facts.bmWidth, 7);
+        EXPECT_EQ(facts.bmHeight, 2);
+    }
+}
+
+TEST(BitmapSurface, ImpossibleDibSectionsLeaveNoBitmap) {
+    const struct {
+        std::uint32_t width, height;
+    } cases[] = {{0, 0},           {0, 5},         {5, 0},          {0xFFFFFFFF, 1},   {1, 0x80000000},
+                 {0x8000, 0x8000}, {65535, 65535}, {0x20000000, 1}, {0x10000, 0x10000}};
+    TestSurface surface(4, 3);
+    for (const auto& [width, height] : cases) {
+        EXPECT_TRUE(surface.Create(width, height, BitmapKind::Dib));
+        EXPECT_EQ(surface.Bitmap(), nullptr) << width << " x " << height;
+        EXPECT_EQ(surface.Bits(), nullptr);
+        EXPECT_EQ(static_cast<std::uint32_t>(surface.Width()), width);
+        EXPECT_EQ(static_cast<std::uint32_t>(surface.Height()), height);
+        EXPECT_EQ(surface.Detach(), nullptr);
+    }
+    EXPECT_TRUE(surface.Create(4, 3, BitmapKind::Dib));
+    EXPECT_NE(surface.Bits(), nullptr);
+}
+
+TEST(BitmapSurface, DetachHandsTheBitmapOut) {
+    UniqueBitmap bitmap;
+    {
+        TestSurface surface(4, 3);
+        surface.At(1, 0) = 42;
+        bitmap = surface.Detach();
+        EXPECT_EQ(surface.Bitmap(), nullptr);
+        EXPECT_EQ(surface.Bits(), nullptr);
+        EXPECT_NE(GetCurrentObject(surface.Dc(), OBJ_BITMAP), bitmap.get());
+        ASSERT_TRUE(surface.Create(9, 9, BitmapKind::Dib));
+    }
+    DIBSECTION section{};
+    ASSERT_EQ(GetObjectW(bitmap.get(), sizeof section, &section), int{sizeof section});
+    EXPECT_EQ(section.dsBmih.biBitCount, 32);
+    EXPECT_EQ(static_cast<std::uint32_t*>(section.dsBm.bmBits)[2 * 4 + 1], 42u);
+}
+
+TEST(BitmapSurface, DestroyEmptiesIt) {
+    TestSurface surface(4, 3);
+    const HBITMAP bitmap = surface.Bitmap();
+    const HDC dc = surface.Dc();
+    surface.Destroy();
+    EXPECT_EQ(GetObjectType(bitmap), 0u);
+    EXPECT_EQ(GetObjectType(dc), 0u);
+    EXPECT_EQ(surface.Dc(), nullptr);
+    EXPECT_EQ(surface.Bitmap(), nullptr);
+    EXPECT_EQ(surface.Bits(), nullptr);
+    EXPECT_EQ(surface.Width(), 0);
+    EXPECT_EQ(surface.Height(), 0);
+}
+
+} // namespace vantrel::tests

@@ -1,0 +1,123 @@
+#include "support/FileObject.h"
+
+#include "tests/door/ScratchFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace vantrel::tests {
+
+namespace {
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
+const Bytes digits{'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'};
+
+bool Exists(const wchar_t* name) {
+    return GetFileAttributesW(name) != INVALID_FILE_ATTRIBUTES;
+}
+
+} // namespace
+
+TEST(FileObject, ReadsExactlyOrFails) {
+    const ScratchFile scratch(digits, L".txt");
+    FileObject file;
+    char buffer[16] = {};
+    EXPECT_FALSE(file.read(1, buffer));
+    EXPECT_FALSE(file.seek(FILE_BEGIN, 0));
+    EXPECT_FALSE(file.close());
+
+    ASSERT_TRUE(file.open(scratch.Path(), 0, 0, shareAll));
+    EXPECT_TRUE(file.read(4, buffer));
+    EXPECT_STREQ(buffer, "0123");
+    EXPECT_TRUE(file.seek(FILE_BEGIN, 8));
+    EXPECT_TRUE(file.read(2, buffer));
+    EXPECT_STREQ(buffer, "8923");
+    EXPECT_FALSE(file.read(1, buffer));
+    EXPECT_TRUE(file.read(0, buffer));
+    EXPECT_TRUE(file.seek(FILE_END, -3));
+    EXPECT_FALSE(file.read(4, buffer));
+    EXPECT_FALSE(file.seek(FILE_BEGIN, -1));
+    EXPECT_TRUE(file.close());
+    EXPECT_EQ(file.handle(), nullptr);
+    EXPECT_FALSE(file.close());
+}
+
+TEST(FileObject, SeeksBeyond32Bits) {
+    const ScratchFile scratch(digits, L".txt");
+    FileObject file;
+    ASSERT_TRUE(file.open(scratch.Path(), 0, 0, shareAll));
+    for (const std::int64_t distance : {0xFFFFFFFFll, 0x1FFFFFFFFll, 0x80000000ll, 0x100000000ll}) {
+        SetLastError(ERROR_INVALID_DATA); // of somebody else
+        EXPECT_TRUE(file.seek(FILE_BEGIN, distance)) << distance;
+        LARGE_INTEGER reached;
+        SetFilePointerEx(file.handle(), {}, &reached, FILE_CURRENT);
+        EXPECT_EQ(reached.QuadPart, distance);
+    }
+}
+
+TEST(FileObject, Modes) {
+    const struct {
+        std::uint32_t mode;
+        bool creates, empties, reads, writes;
+    } cases[] = {
+        {0, false, false, true, false}, {1, true, true, false, true}, {2, false, false, false, true},
+        {3, true, false, false, true},  {4, true, false, true, true}, {5, false, false, true, true},
+    };
+    for (const auto& [mode, creates, empties, reads, writes] : cases) {
+        const ScratchFile scratch(digits, L".txt");
+        FileObject file;
+        ASSERT_TRUE(file.open(scratch.Path(), mode, 0, shareAll)) << mode;
+        EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), empties ? 0u : 10u) << mode;
+        char byte = 'x';
+        EXPECT_EQ(file.read(1, &byte), reads) << mode;
+        DWORD done;
+        EXPECT_EQ(WriteFile(file.handle(), "y", 1, &done, nullptr) != FALSE, writes) << mode;
+
+        file.close();
+        DeleteFileW(scratch.Path());
+        EXPECT_EQ(file.open(scratch.Path(), mode, 0, shareAll), creates) << mode;
+        EXPECT_EQ(Exists(scratch.Path()), creates) << mode;
+        file.close();
+        ASSERT_TRUE(file.open(scratch.Path(), 3, 0, shareAll)); // for the scratch file to delete
+    }
+}
+
+TEST(FileObject, OpenClosesWhatWasOpen) {
+    const ScratchFile scratch(digits, L".txt");
+    const std::wstring missing = std::wstring(scratch.Path()) + L".missing";
+    for (const std::uint32_t mode : {0u, 6u, 0xFFFFFFFFu}) {
+        FileObject file;
+        ASSERT_TRUE(file.open(scratch.Path(), 0, 0, 0)); // shared with nobody
+        FileObject other;
+        EXPECT_FALSE(other.open(scratch.Path(), 0, 0, shareAll));
+        EXPECT_FALSE(file.open(missing.c_str(), mode, 0, shareAll)) << mode;
+        EXPECT_EQ(file.handle(), nullptr);
+        EXPECT_TRUE(other.open(scratch.Path(), 0, 0, 0)) << mode;
+    }
+    EXPECT_FALSE(Exists(missing.c_str()));
+}
+
+TEST(FileObject, SizeByName) {
+    const ScratchFile scratch(digits, L".txt");
+    const ScratchFile empty({}, L".txt");
+    EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u);
+    EXPECT_EQ(FileObject::fileSizeByName(empty.Path()), 0u);
+    EXPECT_EQ(FileObject::fileSizeByName(L"Z:\\no\\such\\file.zmi"), 0u);
+    EXPECT_EQ(FileObject::fileSizeByName(L""), 0u);
+
+    FileObject file;
+    ASSERT_TRUE(file.open(scratch.Path(), 0, 0, 0));
+    EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u) << "asking for no access needs no sharing";
+
+    for (const auto& [end, size] : {std::pair{0x180000000ll, 0x180000000ull}, {0x1FFFFFFFFll, 0ull}}) {
+        const ScratchFile sparse(digits, L".txt");
+        FileObject writer;
+        ASSERT_TRUE(writer.open(sparse.Path(), 5, 0, shareAll));
+        ASSERT_TRUE(writer.seek(FILE_BEGIN, end));
+        ASSERT_TRUE(SetEndOfFile(writer.handle()));
+        EXPECT_EQ(FileObject::fileSizeByName(sparse.Path()), size) << end;
+    }
+}
+
+} // namespace vantrel::tests
