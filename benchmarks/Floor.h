@@ -1,0 +1,23 @@
+// The least that anyone has to do for the same result, written straight on GDI; shares nothing with the
+// library.
+#pragma once
+
+#include "support/Handles.h"
+
+#include <objidl.h>
+
+namespace vantrel::bench {
+
+// Each reads all bytes in one go into a fresh buffer.
+void FloorRead(IStream& stream);
+void FloorRead(const wchar_t* path);
+
+// Reads, makes a 32-bit picture of width x height and writes each of its pixels once, scales it with one
+// HALFTONE StretchBlt into a picture that fits into edge x edge, and passes over that one's alpha once.
+UniqueBitmap FloorThumbnail(IStream& stream, int width, int height, int edge);
+UniqueBitmap FloorThumbnail(const wchar_t* path, int width, int height, int edge);
+
+// The same for two icons of 32 and 16 pixels, with their masks, fills and CreateIconIndirect.
+void FloorIconPair(const wchar_t* path, int width, int height);
+
+} // namespace vantrel::bench

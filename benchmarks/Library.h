@@ -1,0 +1,41 @@
+// The library as a host meets it: the shipped DLL through its class factories.
+#pragma once
+
+#include "support/Handles.h"
+
+#include <objidl.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+
+namespace vantrel::bench {
+
+// Every request makes an object of its own, asks it once and lets go of it. A request that fails throws
+// std::runtime_error: a benchmark of failures would measure nothing.
+class Library {
+public:
+    explicit Library(const std::filesystem::path& path);
+
+    UniqueBitmap Thumbnail(IStream& stream, unsigned edge) const;
+    // The extract-image handler, asked for a square.
+    UniqueBitmap Extract(const wchar_t* path, unsigned edge) const;
+    // A large icon of 32 and a small one of 16 pixels.
+    void IconPair(const wchar_t* path) const;
+    // All three from one store.
+    void Properties(IStream& stream) const;
+    void Column(const wchar_t* path) const;
+
+    // The bytes that the library reads from files while the request runs.
+    std::uint64_t CountFileBytes(const std::function<void()>& request) const;
+
+    // Milliseconds from LoadLibrary to the end of FreeLibrary, the median of several loads.
+    static double LoadTime(const std::filesystem::path& path);
+
+private:
+    void Create(const wchar_t* classId, REFIID iid, void** object) const;
+
+    UniqueModule module_;
+};
+
+} // namespace vantrel::bench

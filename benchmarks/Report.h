@@ -1,0 +1,52 @@
+// What one run has found, as a table for people and as JSON for programs.
+#pragma once
+
+#include "benchmarks/Measurement.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::bench {
+
+struct Row {
+    std::string name;
+    double goal; // most that the ratio may be
+    PairedTimes times;
+    std::optional<double> bytesRead; // by the library, over what it is asked to read
+    struct Peer {
+        std::string name;
+        double ratio; // its time over the library's
+    };
+    std::vector<Peer> peers;
+};
+
+struct Growth {
+    std::string name; // of the series, and what its sizes count
+    std::vector<double> sizes;
+    std::vector<PairedTimes> times;
+
+    double FloorExponent() const;
+    double LibraryExponent() const;
+};
+
+struct WorkingSetRow {
+    std::string name;
+    std::uint64_t fileBytes;
+    std::uint64_t peakBytes;
+    std::optional<double> goal;
+};
+
+struct Report {
+    std::vector<Row> rows;
+    std::vector<Growth> growths;
+    std::vector<WorkingSetRow> workingSets;
+    std::uint64_t libraryBytes;
+    double loadMilliseconds;
+};
+
+void PrintTable(const Report& report);
+void PrintJson(const Report& report);
+
+} // namespace vantrel::bench

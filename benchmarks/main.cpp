@@ -1,0 +1,272 @@
+// vantrel-bench: the library's time and memory against the least that anyone needs for the same result.
+
+#include "benchmarks/Floor.h"
+#include "benchmarks/Library.h"
+#include "benchmarks/MemoryStream.h"
+#include "benchmarks/Peers.h"
+#include "benchmarks/Pictures.h"
+#include "benchmarks/Report.h"
+#include "benchmarks/WorkingSet.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace vantrel::bench {
+
+namespace {
+
+constexpr unsigned thumbnailEdge = 256;
+constexpr unsigned folderEdge = 96;
+
+struct Options {
+    bool json = false;
+    double seconds = 2; // for each row
+    std::string only;   // rows whose names hold it
+};
+
+class Run {
+public:
+    Run(const std::filesystem::path& dll, const Options& options)
+        : dll_(dll), options_(options), loadMilliseconds_(Library::LoadTime(dll)), library_(dll) {}
+
+    Report Measure() {
+        MeasurePictures();
+        MeasureBigFiles();
+        MeasureFolder();
+        if (options_.only.empty())
+            MeasureGrowth();
+        report_.libraryBytes = std::filesystem::file_size(dll_);
+        report_.loadMilliseconds = loadMilliseconds_;
+        return std::move(report_);
+    }
+
+private:
+    bool Wanted(const std::string& name) const { return name.find(options_.only) != std::string::npos; }
+
+    // Null when the row is not wanted.
+    Row* Add(const std::string& name, double goal, const Action& floor, const Action& dll) {
+        if (!Wanted(name))
+            return nullptr;
+        std::fprintf(stderr, "%s\n", name.c_str());
+        report_.rows.push_back({name, goal, MeasurePairs(floor, dll, options_.seconds), {}, {}});
+        return &report_.rows.back();
+    }
+
+    void AddPeer(Row& row, const std::string& name, const Action& dll, const Action& peer) const {
+        row.peers.push_back({name, MeasurePairs(dll, peer, options_.seconds / 3).ratio});
+    }
+
+    void AddThumbnail(const std::string& name, double goal, const Picture& picture) {
+        MemoryStream stream(picture.zmi);
+        const Action dll = [&] { library_.Thumbnail(stream, thumbnailEdge); };
+        Row* const row = Add(
+            name, goal, [&] { FloorThumbnail(stream, picture.width, picture.height, int{thumbnailEdge}); },
+            dll);
+        if (!row)
+            return;
+        const std::uint64_t before = stream.BytesRead();
+        dll();
+        row->bytesRead = Share(stream.BytesRead() - before, picture.zmi.size());
+        if (picture.bmp.empty())
+            return;
+        MemoryStream bmp(picture.bmp);
+        const std::wstring path = folder_.Write(L"peer.bmp", picture.bmp);
+        AddPeer(*row, "WIC", dll, [&] { wic_.Thumbnail(bmp, thumbnailEdge); });
+        AddPeer(*row, "GDI+", dll, [&] { gdiPlus_.Thumbnail(bmp, thumbnailEdge); });
+        AddPeer(*row, "LoadImage", dll, [&] { LoadImageThumbnail(path.c_str(), thumbnailEdge); });
+    }
+
+    void MeasurePictures() {
+        const Picture picture = MakePicture(2, 1024, 600);
+        AddThumbnail("thumbnail of 1024x600 5-6-5", 1.06, picture);
+        AddThumbnail("thumbnail of 1024x600 8-bit", 1.06, MakePicture(1, 1024, 600));
+        AddThumbnail("thumbnail of 1024x600 1-bit", 1.06, MakePicture(0, 1024, 600));
+        AddThumbnail("thumbnail of the blank default", 1.02, MakeBlankDefault());
+        const std::wstring path = folder_.Write(L"icons.zmi", picture.zmi);
+        const Action dll = [&] { library_.IconPair(path.c_str()); };
+        if (Row* const row = Add(
+                "icon pair 32/16 of 1024x600 5-6-5", 1.07,
+                [&] { FloorIconPair(path.c_str(), picture.width, picture.height); }, dll))
+            row->bytesRead = Share(library_.CountFileBytes(dll), picture.zmi.size());
+    }
+
+    void MeasureBigFiles() {
+        const std::wstring small = folder_.Write(L"small.zmi", MakePicture(2, 64, 64).zmi);
+        if (Wanted("8000x6000")) {
+            const Picture big = MakePicture(1, 8000, 6000);
+            AddThumbnail("thumbnail of 8000x6000 8-bit", 1.07, big);
+            AddWorkingSet("thumbnail of 8000x6000 8-bit", small, big, {});
+        }
+        const Picture animation = MakeAnimation(240, 320, 240);
+        AddThumbnail("thumbnail of 240 frames 320x240", 0.18, animation);
+        if (Wanted("240 frames"))
+            AddWorkingSet("thumbnail of 240 frames 320x240", small, animation, 0.05);
+
+        MemoryStream stream(animation.zmi);
+        const Action properties = [&] { library_.Properties(stream); };
+        if (Row* const row = Add(
+                "three properties of the 240 frames", 0.06,
+                [&] {
+                    for (int i = 0; i < 3; ++i)
+                        FloorRead(stream);
+                },
+                properties)) {
+            const std::uint64_t before = stream.BytesRead();
+            properties();
+            row->bytesRead = Share(stream.BytesRead() - before, 3 * animation.zmi.size());
+        }
+        const std::wstring path = folder_.Write(L"animation.zmi", animation.zmi);
+        const Action column = [&] { library_.Column(path.c_str()); };
+        if (Row* const row = Add(
+                "column of the 240 frames", 0.11, [&] { FloorRead(path.c_str()); }, column))
+            row->bytesRead = Share(library_.CountFileBytes(column), animation.zmi.size());
+    }
+
+    void AddWorkingSet(const std::string& name, const std::wstring& warmUp, const Picture& picture,
+                       std::optional<double> goal) {
+        const std::wstring path = folder_.Write(L"peak.zmi", picture.zmi);
+        report_.workingSets.push_back({name, picture.zmi.size(), PeakGrowth(dll_, warmUp, path), goal});
+    }
+
+    void MeasureFolder() {
+        struct File {
+            std::wstring zmi, bmp;
+            int width, height;
+        };
+        const std::string name = "folder of 200 small files at 96";
+        if (!Wanted(name))
+            return;
+        std::vector<File> files;
+        std::uint64_t bytes = 0;
+        for (unsigned i = 0; i < 200; ++i) {
+            const Picture picture = MakePicture(i % 3, static_cast<std::uint16_t>(16 + i * 67 % 241),
+                                                static_cast<std::uint16_t>(16 + i * 41 % 241));
+            const std::wstring stem = std::to_wstring(i);
+            files.push_back({folder_.Write(stem + L".zmi", picture.zmi),
+                             folder_.Write(stem + L".bmp", picture.bmp), picture.width, picture.height});
+            bytes += picture.zmi.size();
+        }
+        const auto each = [&files](const auto& action) {
+            return Action([&files, action] {
+                for (const File& file : files)
+                    action(file);
+            });
+        };
+        const Action dll = each([&](const File& file) { library_.Extract(file.zmi.c_str(), folderEdge); });
+        Row& row = *Add(name, 1.03, each([](const File& file) {
+                            FloorThumbnail(file.zmi.c_str(), file.width, file.height, int{folderEdge});
+                        }),
+                        dll);
+        row.bytesRead = Share(library_.CountFileBytes(dll), bytes);
+        AddPeer(row, "WIC", dll,
+                each([&](const File& file) { wic_.Thumbnail(file.bmp.c_str(), folderEdge); }));
+        AddPeer(row, "GDI+", dll,
+                each([&](const File& file) { gdiPlus_.Thumbnail(file.bmp.c_str(), folderEdge); }));
+        AddPeer(row, "LoadImage", dll,
+                each([](const File& file) { LoadImageThumbnail(file.bmp.c_str(), folderEdge); }));
+    }
+
+    void AddPoint(Growth& growth, double size, const Picture& picture) const {
+        MemoryStream stream(picture.zmi);
+        growth.sizes.push_back(size);
+        growth.times.push_back(
+            MeasurePairs([&] { FloorThumbnail(stream, picture.width, picture.height, int{thumbnailEdge}); },
+                         [&] { library_.Thumbnail(stream, thumbnailEdge); }, options_.seconds / 5));
+    }
+
+    void MeasureGrowth() {
+        constexpr const char* modeNames[] = {"1-bit", "8-bit", "5-6-5"};
+        for (unsigned mode = 0; mode < 3; ++mode) {
+            Growth growth{"squares of 128 to 4096, " + std::string(modeNames[mode]), {}, {}};
+            std::fprintf(stderr, "%s\n", growth.name.c_str());
+            for (std::uint16_t edge = 128; edge <= 4096; edge = static_cast<std::uint16_t>(edge * 2))
+                AddPoint(growth, double{1} * edge * edge, MakePicture(mode, edge, edge));
+            report_.growths.push_back(std::move(growth));
+        }
+        Growth growth{"1 to 4096 frames of 64x64, bytes", {}, {}};
+        std::fprintf(stderr, "%s\n", growth.name.c_str());
+        for (std::size_t frames = 1; frames <= 4096; frames *= 4) {
+            const Picture picture = MakeAnimation(frames, 64, 64);
+            AddPoint(growth, static_cast<double>(picture.zmi.size()), picture);
+        }
+        report_.growths.push_back(std::move(growth));
+    }
+
+    static double Share(std::uint64_t part, std::uint64_t whole) {
+        return static_cast<double>(part) / static_cast<double>(whole);
+    }
+
+    std::filesystem::path dll_;
+    Options options_;
+    double loadMilliseconds_;
+    Library library_;
+    ScratchFolder folder_;
+    WicPeer wic_;
+    GdiPlusPeer gdiPlus_;
+    Report report_{};
+};
+
+constexpr char usage[] = "Usage: vantrel-bench [--json] [--seconds N] [--only TEXT] [--dll FILE]\n"
+                         "Measures Vantrel64.dll, by default the one beside this program.\n"
+                         "  --seconds N  measure each row that long (default 2)\n"
+                         "  --only TEXT  only rows whose names hold the text, and no growth\n";
+
+std::string Narrow(const wchar_t* text) {
+    std::string narrow;
+    for (; *text; ++text)
+        narrow.push_back(static_cast<char>(*text));
+    return narrow;
+}
+
+int Main(int count, wchar_t** arguments) {
+    if (count == 5 && std::wcscmp(arguments[1], L"--working-set") == 0)
+        return ServeWorkingSet(arguments[2], arguments[3], arguments[4]);
+
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::filesystem::path dll = std::filesystem::path(program).replace_filename(L"Vantrel64.dll");
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        const std::wstring name = arguments[i];
+        const bool hasValue = i + 1 < count;
+        if (name == L"--json") {
+            options.json = true;
+        } else if (name == L"--seconds" && hasValue) {
+            options.seconds = std::wcstod(arguments[++i], nullptr);
+        } else if (name == L"--only" && hasValue) {
+            options.only = Narrow(arguments[++i]);
+        } else if (name == L"--dll" && hasValue) {
+            dll = arguments[++i];
+        } else {
+            std::fputs(usage, name == L"--help" ? stdout : stderr);
+            return name == L"--help" ? 0 : 2;
+        }
+    }
+    const Report report = Run(dll, options).Measure();
+    options.json ? PrintJson(report) : PrintTable(report);
+    return 0;
+}
+
+} // namespace
+
+} // namespace vantrel::bench
+
+int wmain(int count, wchar_t** arguments) {
+    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
+        return 1;
+    int result = 1;
+    try {
+        result = vantrel::bench::Main(count, arguments);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vantrel-bench: %s\n", error.what());
+    }
+    CoUninitialize();
+    return result;
+}
