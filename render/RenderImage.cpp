@@ -59,6 +59,9 @@ bool MakeIcon(const BitmapSurface& source, std::uint32_t edge, HICON& icon) {
     // The system copies both bitmaps, which it can't while they are selected into a context.
     const UniqueBitmap maskBitmap = mask.Detach();
     const UniqueBitmap colourBitmap = colour.Detach();
+    // Without its colours the system would take the mask for a monochrome icon.
+    if (!maskBitmap || !colourBitmap)
+        return false;
     ICONINFO info{};
     info.fIcon = TRUE;
     info.hbmMask = maskBitmap.get();
