@@ -466,12 +466,12 @@ def main():
 
         evening = draw("lake", lake())
         pack("lake", "--title", "Evening at the lake", evening)
-        pack("lake-256-colours", "--mode", "8", evening)
-        pack("lake-black-and-white", "--mode", "1", evening)
-        pack("lighthouse", "--mode", "8", draw("lighthouse", lighthouse()))
-        pack("skyline", draw("skyline", skyline()))
-        pack("colour-wheel", "--transparent", WHEEL_GROUND, draw("colour-wheel", wheel()))
-        pack("poster", "--mode", "1", draw("poster", poster()))
+        pack("lake-256-colours", "--mode", "8", "--title", "The lake in 256 colours", evening)
+        pack("lake-black-and-white", "--mode", "1", "--title", "The lake in black and white", evening)
+        pack("lighthouse", "--mode", "8", "--title", "The lighthouse", draw("lighthouse", lighthouse()))
+        pack("skyline", "--title", "City lights", draw("skyline", skyline()))
+        pack("colour-wheel", "--transparent", WHEEL_GROUND, "--title", "Colour wheel", draw("colour-wheel", wheel()))
+        pack("poster", "--mode", "1", "--title", "Poster", draw("poster", poster()))
         pack("heart", "--no-dither", draw("heart", heart()))
         pack("moon", "--mode", "8", "--title", "Eight phases of the moon",
              *[draw(f"moon-{i + 1}", frame) for i, frame in enumerate(moons())])
