@@ -31,16 +31,24 @@ public:
     // The call of that number, Stat, Seek and Read counted together from 1, meets the fault.
     void BreakAt(unsigned call, StreamFault fault) {
         calls_ = 0;
+        faultHitRead_ = false;
         faultAt_ = call;
         fault_ = fault;
     }
     void ClaimSize(std::uint64_t size) { claimedSize_ = size; }
+    // Answers every question for an interface with that.
+    void RefuseInterfaces(HRESULT refusal) { refusal_ = refusal; }
+
+    // Whether the call that met the fault was a Read.
+    bool FaultHitRead() const { return faultHitRead_; }
 
     unsigned Calls() const { return calls_; }
     ULONG References() const { return references_; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         *object = nullptr;
+        if (FAILED(refusal_))
+            return refusal_;
         if (!IsEqualIID(iid, IID_IUnknown) && !IsEqualIID(iid, IID_ISequentialStream) &&
             !IsEqualIID(iid, IID_IStream))
             return E_NOINTERFACE;
@@ -53,6 +61,7 @@ public:
 
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
         const StreamFault fault = NextFault();
+        faultHitRead_ = faultHitRead_ || fault != StreamFault::None;
         ULONG served = 0;
         if (fault != StreamFault::Fails && fault != StreamFault::ReadsNothing && position_ < bytes_.size()) {
             served = static_cast<ULONG>(std::min<std::uint64_t>(count, bytes_.size() - position_));
@@ -117,6 +126,8 @@ private:
     unsigned calls_ = 0;
     unsigned faultAt_ = 0;
     StreamFault fault_ = StreamFault::None;
+    bool faultHitRead_ = false;
+    HRESULT refusal_ = S_OK;
     ULONG references_ = 1;
 };
 

@@ -1,0 +1,132 @@
+#include "tests/door/Requests.h"
+#include "tests/door/ResourceWatch.h"
+#include "tests/door/ScratchFile.h"
+#include "tests/door/TestStream.h"
+
+namespace vantrel::tests {
+namespace {
+
+// How many of the things that the library took stay with the host.
+std::size_t HandedOut(const Answer& answer) {
+    return answer.pictures.size() + (answer.text.starts_with(L"bstr:") ? 1 : 0);
+}
+
+// Whether a request may answer that when that function was refused.
+bool IsFair(const Request& request, const std::string& refused, const Answer& answer, const Answer& whole) {
+    const bool memory = refused == "malloc" || refused == "calloc" || refused == "realloc";
+    // A text without storage is an empty one, and a picture without its background is a picture.
+    if (answer.result == S_OK)
+        return (memory && (answer == whole || answer.text == L"bstr:" || answer.text == L"bstr null")) ||
+               refused == "CreateSolidBrush";
+    return answer.result == (memory || refused == "SysAllocString" ? E_OUTOFMEMORY : request.failure);
+}
+
+// Refuses every taking in turn until a run meets no refusal.
+void Starve(const Request& request) {
+    SCOPED_TRACE(request.name);
+    const Answer whole = request.ask();
+    EXPECT_EQ(S_OK, whole.result);
+    for (const Refuse mode : {Refuse::One, Refuse::AllLarge}) {
+        for (unsigned number = 1;; ++number) {
+            Answer answer;
+            std::string refused;
+            {
+                ResourceWatch watch(number, mode);
+                answer = request.ask();
+                refused = watch.RefusedName();
+                ASSERT_EQ(HandedOut(answer), watch.Live()) << refused << " refused, taking " << number;
+            }
+            if (refused.empty()) {
+                EXPECT_EQ(whole, answer);
+                EXPECT_TRUE(number > 1 || mode != Refuse::One);
+                break;
+            }
+            ASSERT_TRUE(IsFair(request, refused, answer, whole))
+                << refused << " refused, taking " << number << ": " << answer;
+            ASSERT_EQ(whole, request.ask()) << "the same object works afterwards";
+        }
+    }
+}
+
+// What the C++ runtime sets up for a thread's first exception stays.
+void LetOneExceptionHappen() {
+    TestStream stream(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
+    AskThumbnail(*ThumbnailProviderOf(stream).Get(), 8);
+}
+
+const ZmiBuilder files[] = {
+    {.mode = 0, .frames = {{16, 9}}, .title = "Starved"},
+    {.mode = 1, .frames = {{16, 9}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColours(1)}}},
+    {.mode = 2, .frames = {{9, 16}}, .title = "Starved"},
+    {},
+};
+
+TEST(Starvation, OfAnyRequest) {
+    LetOneExceptionHappen();
+    for (const ZmiBuilder& file : files) {
+        TestStream stream(file.Build());
+        const ScratchFile scratch(file.Build());
+        for (const Request& request : StreamRequests(stream))
+            Starve(request);
+        for (const Request& request : PathRequests(scratch.Path()))
+            Starve(request);
+        EXPECT_EQ(1u, stream.References());
+    }
+}
+
+TEST(Starvation, OfCreationAndOfTakingAPath) {
+    LetOneExceptionHappen();
+    const std::wstring path(200, L'x');
+    for (const CLSID& classId : {thumbnailProviderClass, extractImageClass, iconHandlerClass,
+                                 columnProviderClass, propertyStoreClass}) {
+        Starve({"creation", E_FAIL, [&] {
+                    ComPtr<IClassFactory> factory;
+                    ComPtr<IUnknown> object;
+                    ComPtr<IPersistFile> persist;
+                    HRESULT result = GetClassObject(classId, IID_IClassFactory, &factory);
+                    EXPECT_EQ(result == S_OK, factory != nullptr);
+                    if (factory)
+                        result = factory->CreateInstance(nullptr, IID_IUnknown, &object);
+                    EXPECT_EQ(result == S_OK, object != nullptr);
+                    if (object && object->QueryInterface(IID_IPersistFile, &persist) == S_OK)
+                        result = persist->Load(path.c_str(), 0);
+                    return Answer{result};
+                }});
+    }
+    EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow"));
+}
+
+// The most memory that one request takes at a time, surfaces apart.
+std::size_t PeakBytes(const Request& request) {
+    ResourceWatch watch;
+    request.ask();
+    return watch.PeakBytes();
+}
+
+TEST(Memory, IsThatOfTheFirstFrameWhateverTheFileHolds) {
+    constexpr std::size_t slack = std::size_t{4} << 20;
+    ZmiBuilder many{.mode = 2, .frames = {65535, {64, 64}}, .frameTable = true, .sharePixels = true};
+    ZmiBuilder large{.mode = 1, .frames = {{10, 10}, {3000, 3000}}, .rest = 20'000'000};
+    ZmiBuilder first{.mode = 0, .frames = {{8000, 8000}}};
+    for (const ZmiBuilder* file : {&many, &large, &first}) {
+        const std::size_t pixels = PixelBytes(file->mode, file->frames[0].width, file->frames[0].height);
+        TestStream stream(file->Build());
+        for (const Request& request : StreamRequests(stream)) {
+            const bool facts = request.failure == S_FALSE;
+            EXPECT_GT(slack + (facts ? 0 : 2 * pixels), PeakBytes(request)) << request.name;
+            EXPECT_EQ(S_OK, request.ask().result);
+        }
+    }
+    // Claims alone cost nothing.
+    Bytes claims = ZmiBuilder{.mode = 2, .frames = {{1, 1}}}.Build();
+    SetField(claims, file_header::size, image_header::width, 65535);
+    SetField(claims, file_header::size, image_header::height, 65535);
+    TestStream stream(claims);
+    for (const Request& request : StreamRequests(stream)) {
+        EXPECT_GT(slack, PeakBytes(request));
+        EXPECT_EQ(request.failure, request.ask().result);
+    }
+}
+
+} // namespace
+} // namespace vantrel::tests
