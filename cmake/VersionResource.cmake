@@ -1,0 +1,13 @@
+# vantrel_version_resource(TARGET DESCRIPTION): gives a program or library its version resource, from the project's version.
+function(vantrel_version_resource target description)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set(file_type VFT_APP)
+    set(file_name ${target}.exe)
+  else()
+    set(file_type VFT_DLL)
+    set(file_name ${target}.dll)
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/Version.rc.in ${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
