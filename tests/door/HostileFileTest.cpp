@@ -1,0 +1,214 @@
+#include "tests/builder/ZmiVerdict.h"
+#include "tests/door/Requests.h"
+#include "tests/door/ScratchFile.h"
+#include "tests/door/TestStream.h"
+
+#include <random>
+
+namespace vantrel::tests {
+namespace {
+
+// What hosts must be told of a file, by a reading of its bytes that owes nothing to the library.
+struct Expectation {
+    bool facts = false;
+    bool paints = false;
+    unsigned width = 0;
+    unsigned height = 0;
+    unsigned depth = 0;
+};
+
+// Bytes of a frame's pixels once decoded.
+std::size_t DecodedBytes(unsigned mode, unsigned width, unsigned height) {
+    return mode == 0 ? (height + 7) / 8 * std::size_t{width} : PixelBytes(mode, width, height);
+}
+
+Expectation Expect(const Bytes& file) {
+    if (Judge(file) != Verdict::Loads)
+        return {};
+    const std::size_t header = GetField(file, 0, file_header::dataOffset);
+    const std::size_t pixels = GetField(file, header, image_header::pixelOffset);
+    if (pixels == 0)
+        return {true, true, 1024, 600, 1};
+    const std::uint32_t flags = GetField(file, header, image_header::flags);
+    const unsigned mode = flags >> 3 & 3;
+    constexpr unsigned depths[] = {1, 8, 16, 3};
+    Expectation expected{true, true, GetField(file, header, image_header::width),
+                         GetField(file, header, image_header::height), depths[mode]};
+    unsigned frameMode = mode;
+    if (flags & 1) {
+        if (GetField(file, pixels, frame_table::frameCount) == 0)
+            return {};
+        const std::size_t record = pixels + frame_table::size;
+        frameMode = GetField(file, record, frame_record::flags) >> 3 & 3;
+        expected.width = GetField(file, record, frame_record::width);
+        expected.height = GetField(file, record, frame_record::height);
+    }
+    const bool empty = expected.width == 0 || expected.height == 0;
+    expected.paints = frameMode != 3 && (frameMode != 1 || mode == 1) &&
+                      (empty || DecodedBytes(frameMode, expected.width, expected.height) <=
+                                    DecodedBytes(mode, expected.width, expected.height));
+    return expected;
+}
+
+constexpr unsigned edge = 16;
+
+// Whether every handler's answer about the file is the expected one.
+void CheckRequests(const std::vector<Request>& requests, const Expectation& expected) {
+    const double scale = std::min(double{edge} / expected.width, double{edge} / expected.height);
+    const auto fittedWidth = static_cast<unsigned>(expected.width > 0 ? scale * expected.width : 0);
+    const auto fittedHeight = static_cast<unsigned>(expected.height > 0 ? scale * expected.height : 0);
+    const bool shows = expected.paints && fittedWidth > 0 && fittedHeight > 0;
+    const std::wstring dimensions =
+        L"bstr:" + std::to_wstring(expected.width) + L" x " + std::to_wstring(expected.height);
+    for (const Request& request : requests) {
+        SCOPED_TRACE(request.name);
+        const std::string_view name = request.name;
+        const bool fitted = name == "thumbnail" || name == "square image";
+        const bool succeeds = request.failure == S_FALSE ? expected.facts : fitted ? shows : expected.paints;
+        const Answer answer = request.ask();
+        ASSERT_EQ(succeeds ? S_OK : request.failure, answer.result);
+        if (!succeeds)
+            continue;
+        if (fitted) {
+            ASSERT_EQ(fittedWidth, answer.pictures.at(0).width);
+            ASSERT_EQ(fittedHeight, answer.pictures.at(0).height);
+        } else if (name == "dimensions" || name == "column") {
+            ASSERT_EQ(dimensions, answer.text);
+        } else if (name == "bit depth") {
+            ASSERT_EQ(L"i4:" + std::to_wstring(expected.depth), answer.text);
+        }
+    }
+}
+
+void CheckFile(const Bytes& bytes, const Expectation& expected) {
+    TestStream stream(bytes);
+    const ScratchFile scratch(bytes);
+    ASSERT_NO_FATAL_FAILURE(CheckRequests(StreamRequests(stream, edge), expected));
+    ASSERT_NO_FATAL_FAILURE(CheckRequests(PathRequests(scratch.Path(), edge), expected));
+    ASSERT_EQ(1u, stream.References());
+}
+
+const ZmiBuilder files[] = {
+    {.mode = 0, .frames = {{16, 9}}, .title = "Hostile"},
+    {.mode = 0, .frames = {{7, 13}, {3, 3}}, .gap = 3},
+    {.mode = 1, .frames = {{9, 9}}, .rest = 20},
+    {.mode = 1, .frames = {{5, 5}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColours(1)}}},
+    {.mode = 2, .frames = {{8, 3}, {.width = 6, .height = 6, .flags = std::uint8_t{8}}}},
+    {.mode = 2, .frames = {{16, 16}}, .gap = 40},
+    {.mode = 3, .frames = {{6, 6}}},
+    {.title = "blank"},
+};
+
+TEST(HostileFile, CutOffAnywhereIsRefused) {
+    for (const std::size_t index : {0u, 3u, 4u}) {
+        Bytes bytes = files[index].Build();
+        while (!bytes.empty()) {
+            bytes.pop_back();
+            ASSERT_NO_FATAL_FAILURE(CheckFile(bytes, {})) << "file " << index << " cut to " << bytes.size();
+        }
+    }
+}
+
+TEST(HostileFile, OfGarbageIsRefused) {
+    for (std::uint32_t seed = 0; seed < 100; ++seed) {
+        Bytes bytes(seed * 7);
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = PatternByte(seed, i);
+        ASSERT_NO_FATAL_FAILURE(CheckFile(bytes, {}));
+    }
+}
+
+class Mutator {
+public:
+    explicit Mutator(std::uint32_t seed) : random_(seed) {}
+
+    Bytes Mutate(const ZmiBuilder& file) {
+        Bytes bytes = file.Build();
+        for (std::size_t i = Below(3) + 1; i > 0; --i) {
+            if (Below(4) == 0)
+                bytes[Below(bytes.size())] ^= static_cast<std::uint8_t>(1u << Below(8));
+            else
+                MutateField(file, bytes);
+        }
+        if (Below(4) == 0)
+            Resize(bytes);
+        return bytes;
+    }
+
+private:
+    std::size_t Below(std::size_t limit) { return random_() % limit; }
+
+    void MutateField(const ZmiBuilder& file, Bytes& bytes) {
+        struct Place {
+            std::size_t base;
+            Field field;
+        };
+        std::vector<Place> places = {{0, file_header::dataOffset},
+                                     {0, file_header::dataSize},
+                                     {0, file_header::kind},
+                                     {0, file_header::version}};
+        for (const Field field : {image_header::pixelOffset, image_header::paletteOffset, image_header::flags,
+                                  image_header::flags, image_header::width, image_header::height})
+            places.push_back({file.PayloadAt(), field});
+        if (file.HasFrameTable()) {
+            places.push_back({file.FrameTableAt(), frame_table::frameCount});
+            for (std::size_t frame = 0; frame < file.frames.size(); ++frame)
+                for (const Field field : {frame_record::dataOffset, frame_record::paletteOffset,
+                                          frame_record::flags, frame_record::width, frame_record::height})
+                    places.push_back({file.RecordAt(frame), field});
+        }
+        const Place place = places[Below(places.size())];
+        // Small numbers, the edges of the file and of the payload, the edges of 32 bits.
+        const auto size = static_cast<std::uint32_t>(bytes.size());
+        const auto payload = static_cast<std::uint32_t>(file.PayloadAt());
+        const std::uint32_t values[] = {static_cast<std::uint32_t>(Below(20)),
+                                        static_cast<std::uint32_t>(Below(size)),
+                                        size - 4 - static_cast<std::uint32_t>(Below(600)),
+                                        payload,
+                                        payload - 1,
+                                        0x7FFFFFFF,
+                                        0x80000000,
+                                        0xFFFFFFFF,
+                                        0xFFFF,
+                                        GetField(bytes, place.base, place.field) ^
+                                            (1u << Below(8 * place.field.width)),
+                                        GetField(bytes, place.base, place.field) + 1,
+                                        GetField(bytes, place.base, place.field) - 1};
+        SetField(bytes, place.base, place.field, values[Below(std::size(values))]);
+    }
+
+    // Adds or takes bytes before the trailer, and mostly tells the header.
+    void Resize(Bytes& bytes) {
+        const std::size_t middle = bytes.size() - 4;
+        const std::size_t change = Below(40);
+        const bool grows = Below(2) == 0;
+        if (grows)
+            bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(middle), change, 0x77);
+        else
+            bytes.erase(bytes.begin() + static_cast<std::ptrdiff_t>(middle - change),
+                        bytes.begin() + static_cast<std::ptrdiff_t>(middle));
+        const std::uint32_t dataSize = GetField(bytes, 0, file_header::dataSize);
+        if (Below(4) != 0)
+            SetField(bytes, 0, file_header::dataSize,
+                     dataSize + static_cast<std::uint32_t>(grows ? change : std::size_t{0} - change));
+    }
+
+    std::mt19937 random_;
+};
+
+TEST(HostileFile, MutatedGetsTheSameVerdictFromEveryHandler) {
+    unsigned loaded = 0;
+    constexpr unsigned rounds = 4000;
+    for (std::uint32_t seed = 0; seed < rounds; ++seed) {
+        const Bytes bytes = Mutator(seed).Mutate(files[seed % std::size(files)]);
+        const Expectation expected = Expect(bytes);
+        loaded += expected.facts ? 1 : 0;
+        ASSERT_NO_FATAL_FAILURE(CheckFile(bytes, expected)) << "seed " << seed;
+    }
+    // A mutator whose files all fail, or all load, would show nothing.
+    EXPECT_LT(rounds / 5, loaded);
+    EXPECT_GT(rounds - rounds / 5, loaded);
+}
+
+} // namespace
+} // namespace vantrel::tests
