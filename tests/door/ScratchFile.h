@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fstream>
 #include <string>
 
@@ -15,7 +16,7 @@ namespace vantrel::tests {
 class ScratchFile {
 public:
     explicit ScratchFile(const Bytes& bytes, const wchar_t* extension = L".zmi") {
-        static unsigned number = 0;
+        static std::atomic<unsigned> number = 0;
         wchar_t folder[MAX_PATH];
         GetTempPathW(MAX_PATH, folder);
         path_ = std::wstring(folder) + L"door-" + std::to_wstring(GetCurrentProcessId()) + L"-" +

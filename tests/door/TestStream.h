@@ -6,6 +6,7 @@
 #include <objidl.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -128,7 +129,7 @@ private:
     StreamFault fault_ = StreamFault::None;
     bool faultHitRead_ = false;
     HRESULT refusal_ = S_OK;
-    ULONG references_ = 1;
+    std::atomic<ULONG> references_ = 1;
 };
 
 } // namespace vantrel::tests

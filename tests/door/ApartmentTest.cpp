@@ -1,0 +1,173 @@
+#include "tests/door/Requests.h"
+#include "tests/door/ScratchFile.h"
+#include "tests/door/TestStream.h"
+
+#include <future>
+#include <thread>
+
+namespace vantrel::tests {
+namespace {
+
+class Apartment {
+public:
+    explicit Apartment(COINIT kind) { EXPECT_EQ(S_OK, CoInitializeEx(nullptr, kind)); }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() { CoUninitialize(); }
+};
+
+// Runs the body in the multi-threaded apartment while this single-threaded one serves its calls.
+template <class Body>
+void RunBesideThisApartment(Body body) {
+    HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread thread([&] {
+        {
+            const Apartment apartment(COINIT_MULTITHREADED);
+            body();
+        }
+        SetEvent(done);
+    });
+    DWORD index = 0;
+    EXPECT_EQ(S_OK, CoWaitForMultipleHandles(0, 30'000, 1, &done, &index));
+    thread.join();
+    CloseHandle(done);
+}
+
+const ZmiBuilder file{.mode = 2, .frames = {{15, 11}}, .title = "Apartment"};
+
+TEST(Apartment, TakesAPathFromAnotherApartment) {
+    const Apartment apartment(COINIT_APARTMENTTHREADED);
+    const ScratchFile scratch(file.Build());
+    for (const CLSID& classId : {extractImageClass, iconHandlerClass}) {
+        auto persist = Create<IPersistFile>(classId, IID_IPersistFile);
+        ComPtr<IStream> parcel;
+        ASSERT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IPersistFile, persist.Get(), &parcel));
+        IStream* const sent = parcel.Detach();
+        RunBesideThisApartment([&] {
+            ComPtr<IPersistFile> proxy;
+            EXPECT_EQ(S_OK, CoGetInterfaceAndReleaseStream(sent, IID_IPersistFile, &proxy));
+            EXPECT_NE(persist.Get(), proxy.Get());
+            EXPECT_EQ(S_OK, proxy->Load(scratch.Path(), STGM_READ));
+            EXPECT_EQ(E_NOTIMPL, proxy->IsDirty());
+        });
+        if (IsEqualCLSID(classId, extractImageClass)) {
+            const auto image = Ask<IExtractImage2>(persist.Get(), IID_IExtractImage2);
+            EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}), AskImage(*image.Get(), {15, 15}));
+        } else {
+            const auto icons = Ask<IExtractIconW>(persist.Get(), IID_IExtractIconW);
+            EXPECT_EQ(S_OK, AskIcons(*icons.Get(), 32, 16).result);
+        }
+        EXPECT_EQ(2u, persist->AddRef()) << "the stub is gone";
+        persist->Release();
+    }
+}
+
+TEST(Apartment, ReachesAnObjectThroughTheGlobalTable) {
+    const Apartment apartment(COINIT_APARTMENTTHREADED);
+    const ScratchFile scratch(file.Build());
+    const auto persist = Create<IPersistFile>(extractImageClass, IID_IPersistFile);
+    ComPtr<IGlobalInterfaceTable> table;
+    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
+                                     IID_IGlobalInterfaceTable, &table));
+    DWORD cookie = 0;
+    ASSERT_EQ(S_OK, table->RegisterInterfaceInGlobal(persist.Get(), IID_IPersistFile, &cookie));
+    RunBesideThisApartment([&] {
+        ComPtr<IPersistFile> proxy;
+        EXPECT_EQ(S_OK, table->GetInterfaceFromGlobal(cookie, IID_IPersistFile, &proxy));
+        EXPECT_EQ(S_OK, proxy->Load(scratch.Path(), STGM_READ));
+    });
+    EXPECT_EQ(S_OK, table->RevokeInterfaceFromGlobal(cookie));
+    const auto image = Ask<IExtractImage2>(persist.Get(), IID_IExtractImage2);
+    EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}), AskImage(*image.Get(), {15, 15}));
+}
+
+// As hosts that read the file elsewhere do: the library gets a proxy of the stream.
+TEST(Apartment, ReadsAStreamOfAnotherApartment) {
+    const Apartment apartment(COINIT_APARTMENTTHREADED);
+    TestStream stream(file.Build());
+    std::promise<IStream*> parcel;
+    std::promise<void> finished;
+    std::thread owner([&] {
+        const Apartment other(COINIT_MULTITHREADED);
+        ComPtr<IStream> sent;
+        EXPECT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IStream, &stream, &sent));
+        parcel.set_value(sent.Detach());
+        finished.get_future().wait();
+    });
+    {
+        ComPtr<IStream> proxy;
+        ASSERT_EQ(S_OK, CoGetInterfaceAndReleaseStream(parcel.get_future().get(), IID_IStream, &proxy));
+        EXPECT_NE(static_cast<IStream*>(&stream), proxy.Get());
+        EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}),
+                  AskThumbnail(*ThumbnailProviderOf(*proxy.Get()).Get(), 15));
+        EXPECT_EQ((Answer{S_OK, {}, L"bstr:Apartment"}),
+                  AskValue(*PropertyStoreOf(*proxy.Get()).Get(), titleKey));
+    }
+    finished.set_value();
+    owner.join();
+    EXPECT_EQ(1u, stream.References());
+}
+
+TEST(Apartment, ExtractsOnASecondThreadAfterPending) {
+    const ScratchFile scratch(file.Build());
+    const auto image = ImageHandlerOf(scratch.Path());
+    const SIZE size{15, 15};
+    DWORD flags = IEIFLAG_ASYNC;
+    EXPECT_EQ(E_PENDING, image->GetLocation(nullptr, 0, nullptr, &size, 32, &flags));
+    Answer answer;
+    std::thread([&] {
+        const Apartment apartment(COINIT_APARTMENTTHREADED);
+        answer = AskImage(*image.Get());
+    }).join();
+    EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}), answer);
+}
+
+TEST(Apartment, ServesEightThreadsAtOnce) {
+    std::vector<ZmiBuilder> files;
+    for (unsigned i = 0; i < 8; ++i) {
+        const auto side = static_cast<std::uint16_t>(40 + i);
+        files.push_back({.mode = i % 3, .frames = {{side, side}}, .title = "Thread " + std::to_string(i)});
+    }
+    std::vector<std::vector<Answer>> answers(files.size());
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        threads.emplace_back([&, i] {
+            const Apartment apartment(COINIT_APARTMENTTHREADED);
+            TestStream stream(files[i].Build());
+            const ScratchFile scratch(files[i].Build());
+            for (int round = 0; round < 40; ++round)
+                for (const auto& requests : {StreamRequests(stream, files[i].frames[0].width),
+                                             PathRequests(scratch.Path(), files[i].frames[0].width)})
+                    for (const Request& request : requests)
+                        answers[i].push_back(request.ask());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const Answer picture{S_OK, {NaturalPicture(files[i])}};
+        const std::wstring side = std::to_wstring(files[i].frames[0].width);
+        ASSERT_EQ(40u * 8, answers[i].size());
+        for (std::size_t j = 0; j < answers[i].size(); ++j) {
+            ASSERT_EQ(answers[i][j % 8], answers[i][j]);
+            switch (j % 8) {
+            case 0:
+            case 4:
+                ASSERT_EQ(picture, answers[i][j]);
+                break;
+            case 1:
+                ASSERT_EQ(L"bstr:Thread " + std::to_wstring(i), answers[i][j].text);
+                break;
+            case 2:
+            case 7:
+                ASSERT_EQ(L"bstr:" + side + L" x " + side, answers[i][j].text);
+                break;
+            default:
+                ASSERT_EQ(S_OK, answers[i][j].result);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vantrel::tests
