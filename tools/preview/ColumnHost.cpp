@@ -8,8 +8,6 @@
 
 namespace vantrel::tools {
 
-using Microsoft::WRL::ComPtr;
-
 namespace {
 
 // False when the path does not fit, as the structures of this old interface hold no longer one.
