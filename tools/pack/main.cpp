@@ -49,7 +49,7 @@ int Run(int count, wchar_t** arguments) {
         }
         return done;
     } catch (const UsageError& error) {
-        PrintError(L"zmi-pack: " + error.Message() + L"\nTry zmi-pack --help");
+        PrintError(L"zmi-pack: " + error.Message() + L" (zmi-pack --help shows how)");
         return wrongUsage;
     } catch (const PackError& error) {
         return Fail(error.Message());
