@@ -1,0 +1,244 @@
+#include "fuzzing/CheckInput.h"
+
+#include "render/PaintFrame.h"
+#include "tests/codec/LoadFrom.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace vantrel::tests {
+
+namespace {
+
+void Require(bool holds, const char* what) {
+    if (holds)
+        return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+bool SameBytes(const void* memory, const Bytes& file, std::uint64_t at, std::size_t count) {
+    return at <= file.size() && count <= file.size() - at &&
+           (count == 0 || std::memcmp(memory, file.data() + at, count) == 0);
+}
+
+// Of a large frame only some rows are looked at, so that most of the time goes into other inputs.
+std::size_t Step(std::size_t width, std::size_t height) {
+    return 1 + width * height / 0x8000;
+}
+
+// The frames of a file that loads, read straight from its bytes.
+struct FileFacts {
+    explicit FileFacts(const Bytes& bytes) : file(bytes) {
+        payload = GetField(file, 0, file_header::dataOffset);
+        pixels = Header(image_header::pixelOffset);
+        mode = Header(image_header::flags) / 8 % 4;
+        blank = pixels == 0;
+        hasTable = !blank && Header(image_header::flags) % 2 == 1;
+        frameCount = hasTable ? GetField(file, pixels, frame_table::frameCount) : 1;
+    }
+
+    std::uint32_t Header(Field field) const { return GetField(file, payload, field); }
+    std::size_t RecordAt(std::size_t i) const { return pixels + frame_table::size + i * frame_record::size; }
+    std::uint32_t Record(std::size_t i, Field field) const { return GetField(file, RecordAt(i), field); }
+    std::uint32_t Width(std::size_t i) const {
+        return hasTable ? Record(i, frame_record::width) : Header(image_header::width);
+    }
+    std::uint32_t Height(std::size_t i) const {
+        return hasTable ? Record(i, frame_record::height) : Header(image_header::height);
+    }
+    std::uint64_t AllPixelBytes() const {
+        std::uint64_t sum = 0;
+        for (std::size_t i = 0; !blank && i < frameCount; ++i)
+            sum += PixelBytes(mode, Width(i), Height(i));
+        return sum;
+    }
+
+    const Bytes& file;
+    std::size_t payload, pixels;
+    unsigned mode;
+    bool blank, hasTable;
+    std::size_t frameCount;
+};
+
+void CheckHeader(const FileFacts& facts, const DecodedImage& image) {
+    Bytes expected(facts.file.begin() + static_cast<std::ptrdiff_t>(facts.payload),
+                   facts.file.begin() + static_cast<std::ptrdiff_t>(facts.payload + image_header::size));
+    if (facts.blank) {
+        SetField(expected, 0, image_header::flags, 128);
+        SetField(expected, 0, image_header::width, 1024);
+        SetField(expected, 0, image_header::height, 600);
+    } else if (facts.mode == 1) {
+        SetField(expected, 0, image_header::paletteOffset, 1);
+    }
+    Require(std::memcmp(&image.header, expected.data(), expected.size()) == 0,
+            "the image header is carried over");
+    Require(image.frames.size() == facts.frameCount && image.frameCount == facts.frameCount,
+            "one record a frame");
+    Require(image.tableExtra ==
+                    (facts.hasTable ? GetField(facts.file, facts.pixels, frame_table::tableExtra) : 0) &&
+                image.tableWord ==
+                    (facts.hasTable ? GetField(facts.file, facts.pixels, frame_table::tableWord) : 0),
+            "the frame table's head is carried over");
+}
+
+void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, std::uint32_t wanted) {
+    const std::uint32_t first = facts.Header(image_header::paletteOffset);
+    const bool hasPalettes = !facts.blank && facts.mode == 1;
+    std::vector<std::uint32_t> tables;
+    if (hasPalettes)
+        tables.push_back(first);
+    for (std::size_t i = 0; i < facts.frameCount; ++i) {
+        Bytes expected(frame_record::size);
+        if (facts.hasTable) {
+            std::memcpy(expected.data(), facts.file.data() + facts.RecordAt(i), expected.size());
+        } else if (!facts.blank) {
+            SetField(expected, 0, frame_record::dataOffset, facts.Header(image_header::pixelOffset));
+            SetField(expected, 0, frame_record::transparentKey, facts.Header(image_header::transparentKey));
+            SetField(expected, 0, frame_record::flags, facts.Header(image_header::flags));
+        }
+        SetField(expected, 0, frame_record::width, facts.blank ? 1024 : facts.Width(i));
+        SetField(expected, 0, frame_record::height, facts.blank ? 600 : facts.Height(i));
+        std::uint32_t number = hasPalettes ? 1 : 0;
+        if (hasPalettes && i > 0 && facts.Record(i, frame_record::paletteOffset) != first) {
+            number = static_cast<std::uint32_t>(i - 1);
+            if (i < wanted)
+                tables.push_back(facts.Record(i, frame_record::paletteOffset));
+        }
+        SetField(expected, 0, frame_record::paletteOffset, number);
+        Require(std::memcmp(&image.frames[i], expected.data(), expected.size()) == 0,
+                "a frame record is carried over but for its palette's number");
+    }
+    Require(image.palettes.size() == tables.size(),
+            "the palettes of the wanted frames are there and no others");
+    for (std::size_t i = 0; i < tables.size(); ++i)
+        Require(SameBytes(image.palettes[i].colours, facts.file, tables[i], sizeof(Palette)),
+                "a palette is a copy");
+}
+
+void CheckPixels(const FileFacts& facts, const DecodedImage& image, std::uint32_t wanted) {
+    Require(image.framePixels.size() == std::min<std::size_t>(wanted, facts.frameCount),
+            "pixels of the wanted frames and no others");
+    for (std::size_t i = 0; i < image.framePixels.size(); ++i) {
+        const ByteBuffer& pixels = image.framePixels[i];
+        if (facts.blank) {
+            Require(pixels == ByteBuffer(76800, std::uint8_t{0}), "the blank default is 76,800 zeros");
+            continue;
+        }
+        const std::size_t width = facts.Width(i), height = facts.Height(i);
+        const std::size_t at = facts.hasTable ? facts.Record(i, frame_record::dataOffset)
+                                              : facts.Header(image_header::pixelOffset);
+        if (facts.mode != 0) {
+            Require(pixels.size() == PixelBytes(facts.mode, facts.Width(i), facts.Height(i)) &&
+                        SameBytes(pixels.data(), facts.file, at, pixels.size()),
+                    "pixels are a copy");
+            continue;
+        }
+        Require(pixels.size() == (height + 7) / 8 * width, "page order takes whole bands");
+        for (std::size_t y = 0; y < (height + 7) / 8 * 8; y += Step(width, height))
+            for (std::size_t x = 0; x < width; ++x) {
+                const unsigned bit =
+                    y < height ? facts.file[at + y * ((width + 7) / 8) + x / 8] >> (7 - x % 8) & 1 : 0;
+                Require((pixels[y / 8 * width + x] >> y % 8 & 1) == bit, "one-bit pixels are in page order");
+            }
+    }
+}
+
+std::uint32_t Rgb(unsigned colour) {
+    const unsigned red = colour / 2048, green = colour / 32 % 64, blue = colour % 32;
+    return (red == 31 ? 255 : red * 8) * 65536 + (green == 63 ? 255 : green * 4) * 256 +
+           (blue == 31 ? 255 : blue * 8);
+}
+
+// What painting makes of each frame that is there and of the first that is not.
+void CheckPainting(const DecodedImage& image) {
+    for (std::size_t i = 0; i <= image.framePixels.size(); ++i) {
+        BitmapSurface surface;
+        bool painted = false, threw = false;
+        try {
+            painted = PaintFrame(image, i, surface);
+        } catch (const std::out_of_range&) {
+            threw = true;
+        }
+        if (i >= image.frames.size()) {
+            Require(threw, "a frame that is not there throws");
+            continue;
+        }
+        const FrameRecord& frame = image.frames[i];
+        const unsigned mode = frame.flags / 8 % 4;
+        const std::size_t width = frame.width, height = frame.height;
+        if (mode == 3) {
+            Require(!painted && !threw, "the reserved mode is refused");
+            continue;
+        }
+        const std::size_t palette = frame.paletteNumber > 0 ? frame.paletteNumber - 1 : 0;
+        const bool paletteMissing =
+            (frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size();
+        const std::size_t needed = mode == 0   ? (height + 7) / 8 * width
+                                   : mode == 1 ? width * height
+                                               : 2 * width * height;
+        if (paletteMissing || i >= image.framePixels.size()) {
+            Require(threw, "a palette or pixels that are not there throw");
+            continue;
+        }
+        if (width * height > BitmapSurface::mostPixels) {
+            Require(!painted && !threw, "no surface, no picture");
+            continue;
+        }
+        const ByteBuffer& pixels = image.framePixels[i];
+        Require(threw == (pixels.size() < needed) && painted != threw, "too few pixels throw");
+        for (std::size_t y = 0; painted && y < height; y += Step(width, height))
+            for (std::size_t x = 0; x < width; ++x) {
+                const std::size_t at = y * width + x;
+                const std::uint32_t expected = mode == 0
+                                                   ? pixels[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
+                                               : mode == 1 ? Rgb(image.palettes[palette].colours[pixels[at]])
+                                                           : Rgb(pixels[2 * at] + pixels[2 * at + 1] * 256u);
+                Require(surface.Bits()[(height - 1 - y) * width + x] == expected, "a pixel has its colour");
+            }
+    }
+}
+
+// Each byte of header, payload and trailer is read, and nothing between header and payload.
+void CheckReads(const FileFacts& facts, const std::vector<unsigned>& reads) {
+    for (std::size_t i = 0; i < reads.size(); ++i)
+        Require((reads[i] > 0) == (i < file_header::size || i >= facts.payload),
+                "what is to be read is read");
+}
+
+} // namespace
+
+void CheckInput(const Bytes& file) {
+    const Verdict verdict = Judge(file);
+    const bool affordable = verdict != Verdict::Loads || FileFacts(file).AllPixelBytes() < 0x4000000;
+    const std::uint32_t choices[] = {0, static_cast<std::uint32_t>(1 + file.size() % 3),
+                                     affordable ? allFrames : 1};
+    for (const std::uint32_t wanted : choices) {
+        MemorySource source(file);
+        DecodedImage image;
+        Verdict met = Verdict::Throws;
+        try {
+            met = LoadFrom(source, image, wanted) ? Verdict::Loads : Verdict::Fails;
+        } catch (const std::out_of_range&) {
+        }
+        Require(met == verdict,
+                "whether a file loads does not depend on who judges it or what is wanted of it");
+
+        MemorySource failing(file);
+        failing.failingCall = 1 + file.size() % source.Calls();
+        Require(VerdictOf(std::move(failing), wanted) != Verdict::Loads, "a failing read fails the load");
+        if (met != Verdict::Loads)
+            continue;
+
+        const FileFacts facts(file);
+        CheckReads(facts, source.Reads());
+        CheckHeader(facts, image);
+        CheckRecordsAndPalettes(facts, image, wanted);
+        CheckPixels(facts, image, wanted);
+        if (wanted == choices[2])
+            CheckPainting(image);
+    }
+}
+
+} // namespace vantrel::tests
