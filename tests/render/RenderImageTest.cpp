@@ -26,6 +26,7 @@ Picture Rendered(const Bytes& file, std::uint32_t width, std::uint32_t height, F
         EXPECT_EQ(handle, noBitmap);
         return {};
     }
+    EXPECT_NE(handle, nullptr);
     const Bitmap bitmap(handle);
     return ReadPicture(bitmap.get());
 }

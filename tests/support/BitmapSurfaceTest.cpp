@@ -77,7 +77,7 @@ TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
     } cases[] = {
         {0, 0, 4, 1, {0, 1, 2, 3, 4, 5, 6, 7}},
         {1, 1, 2, 2, {0, 3, 4, 7, 8, 9, 10, 11}},
-        {2, 0, 0xFFFFFFFF, 0xFFFFFFFF, {0, 1, 4, 5, 8, 9}},
+        {2, 1, 0xFFFFFFFF, 0xFFFFFFFF, {0, 1, 4, 5, 8, 9, 10, 11}},
         {0, 0, 0, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
         {0xFFFFFFFF, 0, 9, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
     };

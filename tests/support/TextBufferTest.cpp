@@ -78,7 +78,7 @@ TEST(TextBuffer, AssignWideGrowsToWhatIsNeeded) {
         ExpectText(text, source, capacity);
         EXPECT_TRUE(text.AssignWide(L"ab\0cd", 5)); // the text ends at its first zero
         ExpectText(text, L"ab", capacity);
-        EXPECT_TRUE(text.AssignWide(nullptr));
+        EXPECT_TRUE(text.AssignWide(nullptr, 7));
         ExpectText(text, L"", capacity);
     }
 }
