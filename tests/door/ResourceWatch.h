@@ -4,9 +4,8 @@
 #include "tests/door/ImportHook.h"
 #include "tests/door/TheDll.h"
 
-#include <algorithm>
-#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -28,17 +27,17 @@ public:
     // Refuses the taking of that number, counted from 1.
     explicit ResourceWatch(unsigned number = 0, Refuse mode = Refuse::One) : number_(number), mode_(mode) {
         Hook<"malloc", void*, std::size_t>([this](auto original, std::size_t size) {
-            return Keep(Refused("malloc", size) ? nullptr : original(size), size);
+            return Keep(Refused("malloc", size) ? nullptr : original(size));
         });
         Hook<"calloc", void*, std::size_t, std::size_t>(
             [this](auto original, std::size_t n, std::size_t size) {
-                return Keep(Refused("calloc", n * size) ? nullptr : original(n, size), n * size);
+                return Keep(Refused("calloc", n * size) ? nullptr : original(n, size));
             });
         Hook<"realloc", void*, void*, std::size_t>([this](auto original, void* block, std::size_t size) {
             void* const moved = Refused("realloc", size) ? nullptr : original(block, size);
             if (moved)
                 Forget(block);
-            return Keep(moved, size);
+            return Keep(moved);
         });
         Taking<"SysAllocString", BSTR, const OLECHAR*>(nullptr);
         Taking<"CreateDIBSection", HBITMAP, HDC, const BITMAPINFO*, UINT, void**, HANDLE, DWORD>(nullptr);
@@ -60,8 +59,6 @@ public:
     const std::string& RefusedName() const { return refused_; }
     // What has been taken and not been given back.
     std::size_t Live() const { return live_.size(); }
-    // The most bytes of memory that were taken at one time.
-    std::size_t PeakBytes() const { return peakBytes_; }
 
 private:
     static constexpr std::size_t largeBytes = 512;
@@ -76,7 +73,7 @@ private:
             if (Refused(name.text))
                 return refusal;
             const Result taken = original(arguments...);
-            return taken == refusal ? taken : Keep(taken, 0);
+            return taken == refusal ? taken : Keep(taken);
         });
     }
     // The functions that give back name the thing last.
@@ -100,29 +97,19 @@ private:
         return true;
     }
     template <class Thing>
-    Thing Keep(Thing thing, std::size_t bytes) {
-        if (thing) {
-            live_[thing] = bytes;
-            bytes_ += bytes;
-            peakBytes_ = std::max(peakBytes_, bytes_);
-        }
+    Thing Keep(Thing thing) {
+        if (thing)
+            live_.insert(thing);
         return thing;
     }
-    void Forget(void* thing) {
-        // Things from before the watch began go uncounted.
-        if (const auto found = live_.find(thing); found != live_.end()) {
-            bytes_ -= found->second;
-            live_.erase(found);
-        }
-    }
+    // Things from before the watch began go uncounted.
+    void Forget(void* thing) { live_.erase(thing); }
 
     unsigned number_;
     Refuse mode_;
     unsigned takings_ = 0;
     std::string refused_{};
-    std::map<void*, std::size_t> live_{};
-    std::size_t bytes_ = 0;
-    std::size_t peakBytes_ = 0;
+    std::set<void*> live_{};
     std::vector<std::unique_ptr<ImportPatch>> hooks_{};
 };
 

@@ -96,37 +96,5 @@ TEST(Starvation, OfCreationAndOfTakingAPath) {
     EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow"));
 }
 
-// The most memory that one request takes at a time, surfaces apart.
-std::size_t PeakBytes(const Request& request) {
-    ResourceWatch watch;
-    request.ask();
-    return watch.PeakBytes();
-}
-
-TEST(Memory, IsThatOfTheFirstFrameWhateverTheFileHolds) {
-    constexpr std::size_t slack = std::size_t{4} << 20;
-    ZmiBuilder many{.mode = 2, .frames = {65535, {64, 64}}, .frameTable = true, .sharePixels = true};
-    ZmiBuilder large{.mode = 1, .frames = {{10, 10}, {3000, 3000}}, .rest = 20'000'000};
-    ZmiBuilder first{.mode = 0, .frames = {{8000, 8000}}};
-    for (const ZmiBuilder* file : {&many, &large, &first}) {
-        const std::size_t pixels = PixelBytes(file->mode, file->frames[0].width, file->frames[0].height);
-        TestStream stream(file->Build());
-        for (const Request& request : StreamRequests(stream)) {
-            const bool facts = request.failure == S_FALSE;
-            EXPECT_GT(slack + (facts ? 0 : 2 * pixels), PeakBytes(request)) << request.name;
-            EXPECT_EQ(S_OK, request.ask().result);
-        }
-    }
-    // Claims alone cost nothing.
-    Bytes claims = ZmiBuilder{.mode = 2, .frames = {{1, 1}}}.Build();
-    SetField(claims, file_header::size, image_header::width, 65535);
-    SetField(claims, file_header::size, image_header::height, 65535);
-    TestStream stream(claims);
-    for (const Request& request : StreamRequests(stream)) {
-        EXPECT_GT(slack, PeakBytes(request));
-        EXPECT_EQ(request.failure, request.ask().result);
-    }
-}
-
 } // namespace
 } // namespace vantrel::tests
