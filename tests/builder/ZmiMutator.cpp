@@ -109,10 +109,12 @@ void ZmiMutator::Mutate(Bytes& file) {
         Repair(file);
         break;
     }
-    case 6: // the payload begins earlier or later than its offsets think
-        SetField(file, 0, file_header::dataOffset, GetField(file, 0, file_header::dataOffset) + Pick(5) - 2);
-        Repair(file);
+    case 6: { // the payload begins earlier or later than its offsets think, or too early
+        const std::uint32_t shift = Pick(5) - 2;
+        SetField(file, 0, file_header::dataOffset, GetField(file, 0, file_header::dataOffset) + shift);
+        SetField(file, 0, file_header::dataSize, GetField(file, 0, file_header::dataSize) - shift);
         break;
+    }
     default:
         file[Pick(file.size())] = static_cast<std::uint8_t>(Pick(256));
     }

@@ -13,7 +13,7 @@ namespace vantrel::tests {
 
 namespace {
 
-// An output that nobody has written to.
+// Outputs that nobody has written to.
 const HBITMAP noBitmap = reinterpret_cast<HBITMAP>(std::uintptr_t{0xBAD});
 const HICON noIcon = reinterpret_cast<HICON>(std::uintptr_t{0xBAD});
 
@@ -92,74 +92,16 @@ TEST(RenderImage, Fits) {
     }
 }
 
-TEST(RenderImage, EveryPixelAtNaturalSize) {
-    for (unsigned mode = 0; mode < 3; ++mode) {
-        const ZmiBuilder file{.mode = mode, .frames = {{13, 11}, {5, 5}}};
-        EXPECT_EQ(Rendered(file.Build(), 13, 11, FitMode::Fitted), NaturalPicture(file)) << mode;
-        const Picture boxed = Rendered(file.Build(), 13, 16, FitMode::Letterbox);
-        for (unsigned y = 0; y < 11; ++y)
-            for (unsigned x = 0; x < 13; ++x)
-                ASSERT_EQ(boxed.At(x, y + 2) & 0xFFFFFF, file.ExpectedPixel(x, y)) << x << ", " << y;
-    }
-}
-
-TEST(RenderImage, IconsShowThePictureOnTransparency) {
-    for (const auto& fit : fits) {
-        if (fit.boxWidth != fit.boxHeight)
-            continue;
-        for (const std::uint16_t colour : {blue565, yellow565}) {
-            SCOPED_TRACE(testing::Message() << fit.width << " x " << fit.height << " colour " << colour);
-            TestStream stream(OneColour(fit.width, fit.height, colour).Build());
-            HICON large = nullptr, small = nullptr;
-            ASSERT_TRUE(RenderImage({.stream = &stream,
-                                     .largeIcon = &large,
-                                     .largeSize = fit.boxWidth,
-                                     .smallIcon = &small,
-                                     .smallSize = 2 * fit.boxWidth}));
-            const Icon owners[] = {Icon(large), Icon(small)};
-            for (unsigned i = 0; i < 2; ++i) {
-                ICONINFO info{};
-                ASSERT_TRUE(GetIconInfo(owners[i].get(), &info));
-                const Bitmap maskOwner(info.hbmMask), colourOwner(info.hbmColor);
-                EXPECT_TRUE(info.fIcon);
-                EXPECT_EQ(ReadPicture(info.hbmMask).words,
-                          std::vector<std::uint32_t>(ReadPicture(info.hbmMask).words.size(), 0));
-                const Picture picture = ReadPicture(info.hbmColor);
-                ASSERT_EQ(picture.width, fit.boxWidth * (i + 1));
-                ASSERT_EQ(picture.height, fit.boxHeight * (i + 1));
-                if (i == 1)
-                    continue; // the large one stands for both
-                // The opaque rows count from the bottom: with an odd rest, one lower than the picture.
-                const unsigned opaqueTop = fit.boxHeight - fit.top - fit.fittedHeight;
-                for (unsigned y = 0; y < picture.height; ++y)
-                    for (unsigned x = 0; x < picture.width; ++x) {
-                        const bool across = x - fit.left < fit.fittedWidth;
-                        const std::uint32_t word =
-                            across && y - fit.top < fit.fittedHeight && colour == blue565 ? blue : keyColour;
-                        const bool clear = word == keyColour && !(across && y - opaqueTop < fit.fittedHeight);
-                        ASSERT_EQ(picture.At(x, y), clear ? word : opaque | word) << x << ", " << y;
-                    }
-            }
-        }
-    }
-}
-
-TEST(RenderImage, FactsNeedNoPainting) {
-    for (unsigned mode = 0; mode < 4; ++mode) {
-        const ZmiBuilder file{
-            .mode = mode, .frames = {{65535, 2}, {1, 1}}, .title = "A title of thirty-four characters!"};
-        const ScratchFile scratch(file.Build());
-        std::uint32_t dimensions[2] = {}, bitsPerPixel = 0;
-        TextBuffer text;
-        ASSERT_TRUE(RenderImage({.path = scratch.Path(),
-                                 .dimensions = dimensions,
-                                 .text = &text,
-                                 .bitsPerPixel = &bitsPerPixel}));
-        EXPECT_EQ(dimensions[0], 65535u);
-        EXPECT_EQ(dimensions[1], 2u);
-        EXPECT_STREQ(text.Buffer(), L"A title of thirty-four characters!");
-        EXPECT_EQ(bitsPerPixel, mode == 3 ? 3u : mode == 2 ? 16u : mode * 7 + 1);
-    }
+TEST(RenderImage, IconsAreOpaqueByTheirMask) {
+    TestStream stream(OneColour(3, 9, blue565).Build());
+    HICON handle = nullptr;
+    ASSERT_TRUE(RenderImage({.stream = &stream, .largeIcon = &handle, .largeSize = 16}));
+    const Icon icon(handle);
+    ICONINFO info{};
+    ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+    const Bitmap mask(info.hbmMask), colour(info.hbmColor);
+    EXPECT_TRUE(info.fIcon);
+    EXPECT_EQ(ReadPicture(mask.get()).words, std::vector<std::uint32_t>(256, 0));
 }
 
 TEST(RenderImage, AStreamComesBeforeAPath) {
@@ -192,19 +134,6 @@ TEST(RenderImage, FilesWithoutAFirstFrameThrowWhereItIsNeeded) {
     EXPECT_THROW(RenderImage({.stream = &stream, .bitmap = &bitmap, .width = 8, .height = 8}),
                  std::out_of_range);
     EXPECT_EQ(bitmap, noBitmap);
-}
-
-TEST(RenderImage, ReservedModeGivesFactsAndNoPicture) {
-    TestStream stream(ZmiBuilder{.mode = 3, .frames = {{8, 8}}}.Build());
-    std::uint32_t dimensions[2] = {};
-    HBITMAP bitmap = noBitmap;
-    HICON icon = noIcon;
-    EXPECT_FALSE(RenderImage(
-        {.stream = &stream, .bitmap = &bitmap, .width = 8, .height = 8, .dimensions = dimensions}));
-    EXPECT_EQ(dimensions[0], 8u);
-    EXPECT_EQ(bitmap, noBitmap);
-    EXPECT_FALSE(RenderImage({.stream = &stream, .smallIcon = &icon, .smallSize = 8}));
-    EXPECT_EQ(icon, noIcon);
 }
 
 TEST(RenderImage, RefusesImpossibleTargets) {

@@ -95,22 +95,6 @@ TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
         }
 }
 
-TEST(BitmapSurface, AlphaPassNeedsPixels) {
-    BitmapSurface surface;
-    surface.SetAlphaOutside(key, 0, 0, 1, 1);
-    ASSERT_TRUE(surface.Create(4, 3, BitmapKind::Compatible));
-    surface.SetAlphaOutside(key, 0, 0, 1, 1);
-    EXPECT_EQ(surface.Bits(), nullptr);
-    EXPECT_NE(surface.Bitmap(), nullptr);
-}
-
-TEST(BitmapSurface, SetPixelAtCountsFromTheTop) {
-    TestSurface surface(4, 3);
-    EXPECT_TRUE(surface.SetPixelAt(3, 0, RGB(1, 2, 3)));
-    EXPECT_EQ(surface.At(3, 0), 0x010203u);
-    EXPECT_FALSE(BitmapSurface().SetPixelAt(0, 0, 0));
-}
-
 TEST(BitmapSurface, CreateReplacesTheBitmapAndKeepsTheContext) {
     TestSurface surface(4, 3);
     const HDC dc = surface.Dc();
@@ -161,20 +145,6 @@ TEST(BitmapSurface, DetachHandsTheBitmapOut) {
     ASSERT_EQ(GetObjectW(bitmap.get(), sizeof section, &section), int{sizeof section});
     EXPECT_EQ(section.dsBmih.biBitCount, 32);
     EXPECT_EQ(static_cast<std::uint32_t*>(section.dsBm.bmBits)[2 * 4 + 1], 42u);
-}
-
-TEST(BitmapSurface, DestroyEmptiesIt) {
-    TestSurface surface(4, 3);
-    const HBITMAP bitmap = surface.Bitmap();
-    const HDC dc = surface.Dc();
-    surface.Destroy();
-    EXPECT_EQ(GetObjectType(bitmap), 0u);
-    EXPECT_EQ(GetObjectType(dc), 0u);
-    EXPECT_EQ(surface.Dc(), nullptr);
-    EXPECT_EQ(surface.Bitmap(), nullptr);
-    EXPECT_EQ(surface.Bits(), nullptr);
-    EXPECT_EQ(surface.Width(), 0);
-    EXPECT_EQ(surface.Height(), 0);
 }
 
 } // namespace vantrel::tests
