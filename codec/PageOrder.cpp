@@ -20,6 +20,20 @@ std::uint64_t FlipBits(std::uint64_t rows) {
     return rows ^ swap ^ swap >> 36;
 }
 
+// Eight rows into one band of columns.
+void TransposeBand(const std::uint8_t* rows, std::size_t rowBytes, std::uint8_t* page, std::size_t width) {
+    for (std::size_t x = 0; x < width; x += 8, ++rows) {
+        std::uint64_t block = 0;
+        for (unsigned r = 0; r < 8; ++r)
+            block |= std::uint64_t{rows[r * rowBytes]} << 8 * (7 - r);
+        const std::uint64_t columns = FlipBits(block);
+        if (x + 8 <= width)
+            std::memcpy(page + x, &columns, 8);
+        else
+            std::memcpy(page + x, &columns, width - x);
+    }
+}
+
 } // namespace
 
 ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint16_t height) {
@@ -29,19 +43,14 @@ ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint
 
     ByteBuffer pages;
     pages.resize((height + 7u) / 8u * std::size_t{width});
-    const std::uint8_t* row = rowBits.data();
+    const std::uint8_t* rows = rowBits.data();
     std::uint8_t* page = pages.data();
-    for (unsigned y = 0; y < height; y += 8) {
-        const unsigned bandRows = std::min(8u, height - y);
-        for (unsigned x = 0; x < width; x += 8) {
-            std::uint64_t block = 0;
-            for (unsigned r = 0; r < bandRows; ++r)
-                block |= std::uint64_t{row[r * rowBytes + x / 8]} << 8 * (7 - r);
-            const std::uint64_t columns = FlipBits(block);
-            std::memcpy(page + x, &columns, std::min(8u, width - x));
-        }
-        row += bandRows * rowBytes;
-        page += width;
+    for (unsigned y = 0; y + 8 <= height; y += 8, rows += 8 * rowBytes, page += width)
+        TransposeBand(rows, rowBytes, page, width);
+    if (height % 8 != 0) {
+        ByteBuffer last(8 * rowBytes, std::uint8_t{0});
+        std::copy_n(rows, height % 8 * rowBytes, last.data());
+        TransposeBand(last.data(), rowBytes, page, width);
     }
     return pages;
 }
