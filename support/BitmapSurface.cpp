@@ -1,5 +1,6 @@
 #include "support/BitmapSurface.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -12,7 +13,22 @@ std::uint32_t MemoryOrder(COLORREF colour) {
     return std::uint32_t{GetRValue(colour)} << 16 | std::uint32_t{GetGValue(colour)} << 8 | GetBValue(colour);
 }
 
-UniqueBitmap MakeDibSection(HDC screen, std::uint32_t width, std::uint32_t height, std::uint32_t*& bits) {
+constexpr std::uint32_t opaque = 0xFF000000;
+
+void MakeOpaque(std::uint32_t* begin, const std::uint32_t* end) {
+    for (std::uint32_t* pixel = begin; pixel != end; ++pixel)
+        *pixel |= opaque;
+}
+
+// The key colour becomes transparent instead.
+void MakeOpaqueButKey(std::uint32_t keyWord, std::uint32_t* begin, const std::uint32_t* end) {
+    for (std::uint32_t* pixel = begin; pixel != end; ++pixel) {
+        const std::uint32_t colour = *pixel & ~opaque;
+        *pixel = colour == keyWord ? colour : colour | opaque;
+    }
+}
+
+UniqueBitmap MakeDibSection(std::uint32_t width, std::uint32_t height, std::uint32_t*& bits) {
     // Beyond 2 GiB the system's own size arithmetic can't be relied upon.
     constexpr std::uint64_t mostPixels = std::numeric_limits<std::int32_t>::max() / sizeof(std::uint32_t);
     if (width > mostPixels || height > mostPixels || std::uint64_t{width} * height > mostPixels)
@@ -25,7 +41,7 @@ UniqueBitmap MakeDibSection(HDC screen, std::uint32_t width, std::uint32_t heigh
     info.bmiHeader.biBitCount = 32;
     info.bmiHeader.biCompression = BI_RGB;
     void* pixels = nullptr;
-    UniqueBitmap bitmap(CreateDIBSection(screen, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
+    UniqueBitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
     if (bitmap)
         bits = static_cast<std::uint32_t*>(pixels);
     return bitmap;
@@ -36,19 +52,19 @@ UniqueBitmap MakeDibSection(HDC screen, std::uint32_t width, std::uint32_t heigh
 bool BitmapSurface::Create(std::uint32_t width, std::uint32_t height, BitmapKind kind) {
     width_ = static_cast<std::int32_t>(width);
     height_ = static_cast<std::int32_t>(height);
-    const UniqueScreenDc screen(GetDC(nullptr));
-    if (!screen)
-        return false;
     if (!dc_)
-        dc_.reset(CreateCompatibleDC(screen.get()));
+        dc_.reset(CreateCompatibleDC(nullptr));
     if (!dc_)
         return false;
     Deselect();
     bitmap_.reset();
     if (kind == BitmapKind::Dib) {
-        bitmap_ = MakeDibSection(screen.get(), width, height, bits_);
+        bitmap_ = MakeDibSection(width, height, bits_);
     } else {
-        bitmap_.reset(CreateCompatibleBitmap(screen.get(), width_, height_));
+        // A memory context's own bitmap is monochrome: only the screen's says what the screen is like.
+        const UniqueScreenDc screen(GetDC(nullptr));
+        if (screen)
+            bitmap_.reset(CreateCompatibleBitmap(screen.get(), width_, height_));
         if (!bitmap_)
             return false;
     }
@@ -80,17 +96,20 @@ void BitmapSurface::SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t
         return;
     // Windows batches drawing calls; they must have happened before the pixels are read.
     GdiFlush();
-    constexpr std::uint32_t opaque = 0xFF000000;
+    const auto columns = static_cast<std::uint32_t>(width_);
+    const std::uint32_t left = std::min(x, columns);
+    const std::uint32_t right = left + std::min(width, columns - left);
     const std::uint32_t keyWord = MemoryOrder(key);
-    std::uint32_t* pixel = bits_;
+    std::uint32_t* row = bits_;
     // Rows count in memory order while drawing counts from the top: with an odd difference in height the
     // rectangle lies one row lower than what was drawn. It is meant so.
-    for (std::int64_t row = 0; row < height_; ++row) {
-        const bool rowInside = row >= y && row < std::int64_t{y} + height;
-        for (std::int64_t column = 0; column < width_; ++column, ++pixel) {
-            const bool inside = rowInside && column >= x && column < std::int64_t{x} + width;
-            const std::uint32_t colour = *pixel & ~opaque;
-            *pixel = inside || colour != keyWord ? colour | opaque : colour;
+    for (std::uint32_t r = 0; r < static_cast<std::uint32_t>(height_); ++r, row += columns) {
+        if (r >= y && r - y < height) {
+            MakeOpaqueButKey(keyWord, row, row + left);
+            MakeOpaque(row + left, row + right);
+            MakeOpaqueButKey(keyWord, row + right, row + columns);
+        } else {
+            MakeOpaqueButKey(keyWord, row, row + columns);
         }
     }
 }
