@@ -51,6 +51,28 @@ TEST(PaintFrame, EqualsOneSetPixelPerPixel) {
         }
 }
 
+TEST(PaintFrame, ThrowsForWhatIsNotThere) {
+    const struct {
+        unsigned mode;
+        void (*change)(DecodedImage&);
+    } cases[] = {
+        {2, [](DecodedImage& image) { image.frames.clear(); }},
+        {2, [](DecodedImage& image) { image.framePixels.clear(); }},
+        {1, [](DecodedImage& image) { image.palettes.clear(); }},
+        {1, [](DecodedImage& image) { image.frames[0].paletteNumber = 2; }},
+        {2, [](DecodedImage& image) { image.frames[0].paletteNumber = 1; }},
+        {0, [](DecodedImage& image) { image.framePixels[0].pop_back(); }},
+        {1, [](DecodedImage& image) { image.framePixels[0].pop_back(); }},
+        {2, [](DecodedImage& image) { image.framePixels[0].pop_back(); }},
+    };
+    for (const auto& [mode, change] : cases) {
+        DecodedImage image = Decoded({.mode = mode, .frames = {{5, 9}}});
+        change(image);
+        BitmapSurface surface;
+        EXPECT_THROW(PaintFrame(image, 0, surface), std::out_of_range) << "mode " << mode;
+    }
+}
+
 TEST(PaintFrame, FramesWithoutASurface) {
     const struct {
         std::uint16_t width, height;
