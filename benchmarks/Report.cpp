@@ -16,8 +16,15 @@ std::vector<double> Times(const Growth& growth, double PairedTimes::*time) {
     return times;
 }
 
-const char* Verdict(double value, double goal) {
-    return value <= goal ? "" : "  missed";
+std::string GoalText(std::optional<double> goal) {
+    char text[16] = "";
+    if (goal)
+        std::snprintf(text, sizeof text, "%.2f", *goal);
+    return text;
+}
+
+const char* Verdict(double value, std::optional<double> goal) {
+    return !goal || value <= *goal ? "" : "  missed";
 }
 
 // Puts the separator before every item of a list but the first.
@@ -46,11 +53,9 @@ double Growth::LibraryExponent() const {
 void PrintTable(const Report& report) {
     std::printf("%-34s %9s %9s %9s %6s %6s\n", "request", "floor ms", "dll ms", "dll/floor", "goal", "read");
     for (const Row& row : report.rows) {
-        std::printf("%-34s %9.3f %9.3f %9.3f %6.2f", row.name.c_str(), row.times.firstMilliseconds,
-                    row.times.secondMilliseconds, row.times.ratio, row.goal);
-        if (row.bytesRead)
-            std::printf(" %6.3f", *row.bytesRead);
-        std::printf("%s\n", Verdict(row.times.ratio, row.goal));
+        std::printf("%-34s %9.3f %9.3f %9.3f %6s %6.3f%s\n", row.name.c_str(), row.times.firstMilliseconds,
+                    row.times.secondMilliseconds, row.times.ratio, GoalText(row.goal).c_str(), row.bytesRead,
+                    Verdict(row.times.ratio, row.goal));
     }
 
     if (!report.rows.empty())
@@ -79,10 +84,8 @@ void PrintTable(const Report& report) {
     for (const WorkingSetRow& row : report.workingSets) {
         const double file = static_cast<double>(row.fileBytes);
         const double peak = static_cast<double>(row.peakBytes);
-        std::printf("%-34s %9.1f %9.1f %9.3f", row.name.c_str(), file / 1e6, peak / 1e6, peak / file);
-        if (row.goal)
-            std::printf(" %6.2f%s", *row.goal, Verdict(peak / file, *row.goal));
-        std::printf("\n");
+        std::printf("%-34s %9.1f %9.1f %9.3f %6s%s\n", row.name.c_str(), file / 1e6, peak / 1e6, peak / file,
+                    GoalText(row.goal).c_str(), Verdict(peak / file, row.goal));
     }
     std::printf("\nDLL: %llu bytes%s, loaded and freed in %.2f ms\n",
                 static_cast<unsigned long long>(report.libraryBytes),
@@ -95,11 +98,11 @@ void PrintJson(const Report& report) {
     Separator rows;
     for (const Row& row : report.rows) {
         std::printf("%s{\"name\": \"%s\", \"floorMs\": %.4f, \"dllMs\": %.4f, \"ratio\": %.4f, "
-                    "\"goal\": %.2f, \"pairs\": %zu",
+                    "\"pairs\": %zu, \"bytesRead\": %.4f",
                     rows.Next(), row.name.c_str(), row.times.firstMilliseconds, row.times.secondMilliseconds,
-                    row.times.ratio, row.goal, row.times.pairs);
-        if (row.bytesRead)
-            std::printf(", \"bytesRead\": %.4f", *row.bytesRead);
+                    row.times.ratio, row.times.pairs, row.bytesRead);
+        if (row.goal)
+            std::printf(", \"goal\": %.2f", *row.goal);
         for (const Row::Peer& peer : row.peers)
             std::printf(", \"%s\": %.3f", peer.name.c_str(), peer.ratio);
         std::printf("}");

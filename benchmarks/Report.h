@@ -12,9 +12,9 @@ namespace vantrel::bench {
 
 struct Row {
     std::string name;
-    double goal; // most that the ratio may be
+    std::optional<double> goal; // most that the ratio may be
     PairedTimes times;
-    std::optional<double> bytesRead; // by the library, over what it is asked to read
+    double bytesRead; // by the library, over the bytes that there are
     struct Peer {
         std::string name;
         double ratio; // its time over the library's

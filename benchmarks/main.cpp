@@ -51,11 +51,11 @@ private:
     bool Wanted(const std::string& name) const { return name.find(options_.only) != std::string::npos; }
 
     // Null when the row is not wanted.
-    Row* Add(const std::string& name, double goal, const Action& floor, const Action& dll) {
+    Row* Add(const std::string& name, std::optional<double> goal, const Action& floor, const Action& dll) {
         if (!Wanted(name))
             return nullptr;
         std::fprintf(stderr, "%s\n", name.c_str());
-        report_.rows.push_back({name, goal, MeasurePairs(floor, dll, options_.seconds), {}, {}});
+        report_.rows.push_back({name, goal, MeasurePairs(floor, dll, options_.seconds), 0, {}});
         return &report_.rows.back();
     }
 
@@ -89,12 +89,40 @@ private:
         AddThumbnail("thumbnail of 1024x600 8-bit", 1.06, MakePicture(1, 1024, 600));
         AddThumbnail("thumbnail of 1024x600 1-bit", 1.06, MakePicture(0, 1024, 600));
         AddThumbnail("thumbnail of the blank default", 1.02, MakeBlankDefault());
-        const std::wstring path = folder_.Write(L"icons.zmi", picture.zmi);
-        const Action dll = [&] { library_.IconPair(path.c_str()); };
-        if (Row* const row = Add(
-                "icon pair 32/16 of 1024x600 5-6-5", 1.07,
-                [&] { FloorIconPair(path.c_str(), picture.width, picture.height); }, dll))
-            row->bytesRead = Share(library_.CountFileBytes(dll), picture.zmi.size());
+        const std::wstring path = folder_.Write(L"picture.zmi", picture.zmi);
+        AddByPath(
+            "icon pair 32/16 of 1024x600 5-6-5", 1.07, picture.zmi.size(),
+            [&] { FloorIconPair(path.c_str(), picture.width, picture.height); },
+            [&] { library_.IconPair(path.c_str()); });
+        AddProperties("three properties of 1024x600 5-6-5", 0.06, picture);
+        AddColumn("column of 1024x600 5-6-5", 0.11, path, picture);
+    }
+
+    void AddByPath(const std::string& name, std::optional<double> goal, std::uint64_t bytes,
+                   const Action& floor, const Action& dll) {
+        if (Row* const row = Add(name, goal, floor, dll))
+            row->bytesRead = Share(library_.CountFileBytes(dll), bytes);
+    }
+
+    void AddProperties(const std::string& name, std::optional<double> goal, const Picture& picture) {
+        MemoryStream stream(picture.zmi);
+        const Action dll = [&] { library_.Properties(stream); };
+        const Action floor = [&] {
+            for (int i = 0; i < 3; ++i)
+                FloorRead(stream);
+        };
+        if (Row* const row = Add(name, goal, floor, dll)) {
+            const std::uint64_t before = stream.BytesRead();
+            dll();
+            row->bytesRead = Share(stream.BytesRead() - before, 3 * picture.zmi.size());
+        }
+    }
+
+    void AddColumn(const std::string& name, std::optional<double> goal, const std::wstring& path,
+                   const Picture& picture) {
+        AddByPath(
+            name, goal, picture.zmi.size(), [&] { FloorRead(path.c_str()); },
+            [&] { library_.Column(path.c_str()); });
     }
 
     void MeasureBigFiles() {
@@ -109,24 +137,8 @@ private:
         if (Wanted("240 frames"))
             AddWorkingSet("thumbnail of 240 frames 320x240", small, animation, 0.05);
 
-        MemoryStream stream(animation.zmi);
-        const Action properties = [&] { library_.Properties(stream); };
-        if (Row* const row = Add(
-                "three properties of the 240 frames", 0.06,
-                [&] {
-                    for (int i = 0; i < 3; ++i)
-                        FloorRead(stream);
-                },
-                properties)) {
-            const std::uint64_t before = stream.BytesRead();
-            properties();
-            row->bytesRead = Share(stream.BytesRead() - before, 3 * animation.zmi.size());
-        }
-        const std::wstring path = folder_.Write(L"animation.zmi", animation.zmi);
-        const Action column = [&] { library_.Column(path.c_str()); };
-        if (Row* const row = Add(
-                "column of the 240 frames", 0.11, [&] { FloorRead(path.c_str()); }, column))
-            row->bytesRead = Share(library_.CountFileBytes(column), animation.zmi.size());
+        AddProperties("three properties of the 240 frames", {}, animation);
+        AddColumn("column of the 240 frames", {}, folder_.Write(L"animation.zmi", animation.zmi), animation);
     }
 
     void AddWorkingSet(const std::string& name, const std::wstring& warmUp, const Picture& picture,
