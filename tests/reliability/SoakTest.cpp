@@ -1,0 +1,184 @@
+#include "tests/door/ImportHook.h"
+#include "tests/door/Requests.h"
+#include "tests/door/ScratchFile.h"
+#include "tests/door/TestStream.h"
+
+#include <psapi.h>
+#include <shlwapi.h>
+
+namespace vantrel::tests {
+namespace {
+
+// Now and then the system opens some for itself; a leak in the soak would show by the thousand.
+constexpr double handleSlack = 8;
+
+// How many GDI objects can still be made: counts them exactly where GetGuiResources says nothing.
+std::size_t FreeGdiHandles() {
+    std::vector<Bitmap> brushes;
+    while (HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3)))
+        brushes.emplace_back(reinterpret_cast<HBITMAP>(brush));
+    return brushes.size();
+}
+
+// Asks each value whether it is a handle, for under Wine GetProcessHandleCount answers 0.
+std::size_t OpenHandles() {
+    std::size_t count = 0;
+    for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
+        DWORD flags;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) ? 1 : 0;
+    }
+    return count;
+}
+
+// Private memory in use; PrivateUsage is 0 under Wine.
+SIZE_T PrivateBytes() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    EXPECT_TRUE(GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters));
+    return counters.PagefileUsage;
+}
+
+Bytes CutOff(Bytes file) {
+    file.resize(file.size() / 2);
+    return file;
+}
+
+// A picture, one that loads and can't be painted, one whose pixels are missing, and half a file.
+std::vector<Bytes> Files() {
+    Bytes missing = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
+    SetField(missing, file_header::size, image_header::height, 4000);
+    return {ZmiBuilder{.mode = 1, .frames = {{9, 7}, {5, 5}}, .title = "soak"}.Build(),
+            ZmiBuilder{.mode = 3, .frames = {{8, 8}}}.Build(), missing,
+            CutOff(ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build())};
+}
+
+// One object of each class, made and asked everything.
+std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
+    std::vector<Answer> answers;
+    for (const auto& requests : {StreamRequests(stream, 8), PathRequests(path, 8)})
+        for (const Request& request : requests)
+            answers.push_back(request.ask());
+    return answers;
+}
+
+TEST(Soak, ItsProbesSeeWhatIsThere) {
+    const std::size_t gdi = FreeGdiHandles();
+    const std::size_t handles = OpenHandles();
+    const SIZE_T bytes = PrivateBytes();
+    {
+        const Bitmap brush(reinterpret_cast<HBITMAP>(CreateSolidBrush(0)));
+        const Bytes memory(4 * 1024 * 1024, 1);
+        EXPECT_EQ(gdi - 1, FreeGdiHandles());
+        EXPECT_LE(bytes + memory.size(), PrivateBytes());
+    }
+    EXPECT_EQ(gdi, FreeGdiHandles());
+    std::vector<std::unique_ptr<void, decltype(&CloseHandle)>> events;
+    while (events.size() < 20)
+        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr), CloseHandle);
+    EXPECT_NEAR(static_cast<double>(handles + events.size()), static_cast<double>(OpenHandles()),
+                handleSlack);
+}
+
+TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
+    constexpr unsigned rendersPerRound = 5; // thumbnail, two images, two icons
+    constexpr unsigned rounds = 70000 / rendersPerRound;
+    constexpr unsigned warmUp = 200;
+    const std::vector<Bytes> files = Files();
+    std::vector<TestStream> streams(files.begin(), files.end());
+    std::vector<std::unique_ptr<ScratchFile>> paths;
+    std::vector<std::vector<Answer>> first;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        paths.push_back(std::make_unique<ScratchFile>(files[i]));
+        first.push_back(AskAll(streams[i], paths[i]->Path()));
+    }
+    for (const Answer& answer : first[0])
+        ASSERT_EQ(S_OK, answer.result);
+
+    std::size_t freeBefore = 0;
+    std::size_t handlesBefore = 0;
+    SIZE_T bytesBefore = 0;
+    for (unsigned round = 0; round < rounds + warmUp; ++round) {
+        if (round == warmUp) {
+            freeBefore = FreeGdiHandles();
+            handlesBefore = OpenHandles();
+            bytesBefore = PrivateBytes();
+        }
+        ASSERT_EQ(first[0], AskAll(streams[0], paths[0]->Path())) << "round " << round;
+        if (round % 3 == 0) {
+            const std::size_t failing = 1 + round / 3 % (files.size() - 1);
+            ASSERT_EQ(first[failing], AskAll(streams[failing], paths[failing]->Path())) << "round " << round;
+        }
+    }
+    const SIZE_T bytesAfter = PrivateBytes();
+    EXPECT_LT(bytesAfter, bytesBefore + 128 * 1024) << "was " << bytesBefore;
+    const std::size_t handlesAfter = OpenHandles();
+    EXPECT_NEAR(static_cast<double>(handlesBefore), static_cast<double>(handlesAfter), handleSlack);
+    EXPECT_EQ(freeBefore, FreeGdiHandles());
+    for (const TestStream& stream : streams)
+        EXPECT_EQ(1u, stream.References());
+    std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", bytesBefore,
+                bytesAfter, handlesBefore, handlesAfter, freeBefore);
+}
+
+// Nobody else has the file open, not even for deletion.
+bool IsFree(const wchar_t* path) {
+    const HANDLE file =
+        CreateFileW(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file != INVALID_HANDLE_VALUE)
+        CloseHandle(file);
+    return file != INVALID_HANDLE_VALUE;
+}
+
+TEST(Locks, PathRequestsLeaveTheFileFree) {
+    std::vector<Bytes> files = Files();
+    files.push_back({});
+    files.push_back(Bytes(200, 'x'));
+    for (const Bytes& bytes : files) {
+        const ScratchFile file(bytes);
+        std::vector<Request> requests = PathRequests(file.Path());
+        const auto image = ImageHandlerOf(file.Path());
+        requests.push_back({"date", E_FAIL, [&] {
+                                FILETIME time;
+                                return Answer{image->GetDateStamp(&time)};
+                            }});
+        for (const Request& request : requests) {
+            request.ask();
+            EXPECT_TRUE(IsFree(file.Path())) << request.name << " of a file of " << bytes.size() << " bytes";
+        }
+    }
+}
+
+TEST(Locks, FailingReadsLeaveTheFileFree) {
+    const ScratchFile file(Files()[0]);
+    for (const Request& request : PathRequests(file.Path())) {
+        bool failed = true;
+        for (unsigned failing = 1; failed; ++failing) {
+            unsigned calls = 0;
+            const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
+                TheDll(), [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
+                              OVERLAPPED* overlapped) {
+                    return ++calls == failing ? FALSE : original(handle, buffer, count, done, overlapped);
+                });
+            const HRESULT result = request.ask().result;
+            failed = calls >= failing;
+            EXPECT_EQ(failed ? request.failure : S_OK, result);
+            EXPECT_TRUE(IsFree(file.Path())) << request.name << ", read " << failing;
+        }
+    }
+}
+
+TEST(Locks, StreamsAreGivenBackWithTheLastObject) {
+    for (const Bytes& bytes : Files()) {
+        const ScratchFile file(bytes);
+        IStream* stream = nullptr;
+        ASSERT_EQ(S_OK, SHCreateStreamOnFileEx(file.Path(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE,
+                                               nullptr, &stream));
+        for (const Request& request : StreamRequests(*stream))
+            request.ask();
+        EXPECT_FALSE(IsFree(file.Path()));
+        EXPECT_EQ(0u, stream->Release());
+        EXPECT_TRUE(IsFree(file.Path()));
+    }
+}
+
+} // namespace
+} // namespace vantrel::tests
