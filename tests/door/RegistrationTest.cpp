@@ -190,6 +190,8 @@ private:
                          const BYTE* data, DWORD size) {
             if (const LSTATUS refusal = set(); refusal != ERROR_SUCCESS)
                 return refusal;
+            // Checked here, too: the system itself counts in a terminating zero that was left out.
+            EXPECT_EQ((std::wcslen(reinterpret_cast<const wchar_t*>(data)) + 1) * sizeof(wchar_t), size);
             written.push_back(open[key] + L"|" + (name ? name : L"") + L"|" +
                               reinterpret_cast<const wchar_t*>(data));
             return original(key, name, reserved, type, data, size);
