@@ -9,7 +9,6 @@ HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) {
         return E_UNEXPECTED;
     void* held = nullptr;
     const HRESULT result = stream->QueryInterface(IID_IStream, &held);
-    // Not Attach, which in mingw-w64 adds a reference of its own.
     if (SUCCEEDED(result))
         stream_.reset(static_cast<IStream*>(held));
     return result;
