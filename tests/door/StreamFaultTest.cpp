@@ -25,12 +25,15 @@ TEST(BrokenStream, FailsEveryRequestAtEveryCall) {
                 for (unsigned call = 1; call <= calls; ++call) {
                     stream.BreakAt(call, fault);
                     const Answer answer = request.ask();
-                    // Stat and Seek have no bytes to fall short of; a moved position is set anew before each
-                    // read.
+                    // Stat and Seek have no bytes to fall short of.
                     const bool hurts = fault == StreamFault::Fails || fault == StreamFault::ReadsNothing ||
-                                       (fault != StreamFault::Moves && stream.FaultHitRead());
-                    EXPECT_EQ(hurts ? Answer{request.failure} : whole, answer)
-                        << request.name << ", fault " << static_cast<int>(fault) << " at call " << call;
+                                       stream.FaultHitRead();
+                    const std::string where = request.name + (" at call " + std::to_string(call));
+                    // Whoever moves the position meanwhile gets a picture of something or none.
+                    if (fault == StreamFault::Moves)
+                        EXPECT_TRUE(answer.result == S_OK || answer.result == request.failure) << where;
+                    else
+                        EXPECT_EQ(hurts ? Answer{request.failure} : whole, answer) << where;
                     EXPECT_GT(8u, stream.References());
                 }
             }
