@@ -122,7 +122,7 @@ Outcome Perform(const Ask& ask, const wchar_t* path) {
     }
     default: {
         HICON icons[2] = {};
-        const LONG sizes = MAKELONG(ask.width, ask.height);
+        const auto sizes = static_cast<UINT>(MAKELONG(ask.width, ask.height));
         const HRESULT result = IconHandlerOf(path)->Extract(nullptr, 0, &icons[0], &icons[1], sizes);
         for (const HICON icon : icons)
             DestroyIcon(icon);
