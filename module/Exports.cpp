@@ -4,7 +4,6 @@
 #include "module/ClassTable.h"
 #include "module/ModuleState.h"
 #include "module/Registration.h"
-#include "support/Boundary.h"
 
 #include <new>
 
@@ -36,14 +35,10 @@ STDAPI DllCanUnloadNow() {
 }
 
 STDAPI DllRegisterServer() {
-    return vantrel::GuardBoundary(E_FAIL, [] { return vantrel::RegisterModule(); });
+    return vantrel::RegisterModule();
 }
 
 STDAPI DllUnregisterServer() {
-    // Always S_OK: unregistration reports nothing.
-    vantrel::GuardBoundary(E_FAIL, [] {
-        vantrel::UnregisterModule();
-        return S_OK;
-    });
+    vantrel::UnregisterModule();
     return S_OK;
 }

@@ -7,7 +7,7 @@
 
 #include <shlobj.h>
 
-#include <string>
+#include <cwchar>
 
 namespace vantrel {
 
@@ -85,13 +85,23 @@ constexpr RegistrationStep registrationTable[] = {
 constexpr wchar_t removedMachineKey[] =
     L"Software\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers.zmi";
 
+// Constant texts put together without an allocation, so that no step can fail for want of memory.
+struct KeyPath {
+    KeyPath(const wchar_t* first, const wchar_t* second) {
+        std::wcscpy(text, first);
+        std::wcscat(text, second);
+    }
+
+    wchar_t text[MAX_PATH];
+};
+
 HRESULT WriteClass(const RegistrationStep& step, const wchar_t* modulePath) {
-    const std::wstring classKey = std::wstring(classKeyPrefix) + step.classId;
-    const std::wstring serverKey = classKey + L"\\InProcServer32";
+    const KeyPath classKey(classKeyPrefix, step.classId);
+    const KeyPath serverKey(classKey.text, L"\\InProcServer32");
     const RegistrationEntry entries[] = {
-        {HKEY_CURRENT_USER, classKey.c_str(), nullptr, step.description},
-        {HKEY_CURRENT_USER, serverKey.c_str(), nullptr, modulePath},
-        {HKEY_CURRENT_USER, serverKey.c_str(), L"ThreadingModel", L"Apartment"},
+        {HKEY_CURRENT_USER, classKey.text, nullptr, step.description},
+        {HKEY_CURRENT_USER, serverKey.text, nullptr, modulePath},
+        {HKEY_CURRENT_USER, serverKey.text, L"ThreadingModel", L"Apartment"},
     };
     for (const RegistrationEntry& entry : entries) {
         if (const HRESULT result = WriteStringValue(entry); FAILED(result))
@@ -127,14 +137,15 @@ void UnregisterModule() {
     for (const RegistrationStep& step : registrationTable) {
         if (!step.classId)
             continue;
-        RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, (std::wstring(classKeyPrefix) + step.classId).c_str());
+        RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, KeyPath(classKeyPrefix, step.classId).text);
         if (step.key)
             RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, step.key);
     }
     for (const RegistrationStep& step : registrationTable) {
-        if (step.valueName)
-            RegistryKey::DeleteValueByPath(step.Root(),
-                                           (std::wstring(step.key) + L'\\' + step.valueName).c_str());
+        if (!step.valueName)
+            continue;
+        const KeyPath name(L"\\", step.valueName);
+        RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, KeyPath(step.key, name.text).text);
     }
     RegistryKey::DeleteKeyTree(HKEY_LOCAL_MACHINE, removedMachineKey);
     TellShell();
