@@ -3,12 +3,19 @@
 namespace vantrel {
 
 std::uint64_t FileSource::Size() {
-    const auto size = static_cast<std::uint32_t>(FileObject::fileSizeByName(name_));
-    return size != 0 && file_.open(name_, 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE) ? size : 0;
+    position_.reset();
+    // A file that gives its size but can't be opened for reading is no picture either: one open tells both.
+    return file_.open(name_, 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE)
+               ? static_cast<std::uint32_t>(file_.size())
+               : 0;
 }
 
 bool FileSource::ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) {
-    return file_.seek(FILE_BEGIN, offset) && file_.read(count, buffer);
+    if (offset != position_ && !file_.seek(FILE_BEGIN, offset))
+        return false;
+    const bool done = file_.read(count, buffer);
+    position_ = done ? std::optional(offset + count) : std::nullopt;
+    return done;
 }
 
 } // namespace vantrel

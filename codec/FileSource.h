@@ -4,6 +4,8 @@
 #include "codec/ByteSource.h"
 #include "support/FileObject.h"
 
+#include <optional>
+
 namespace vantrel {
 
 // Opens the file, shared for reading and writing, when its size is asked for, and keeps it open until
@@ -20,6 +22,7 @@ public:
 private:
     const wchar_t* name_;
     FileObject file_;
+    std::optional<std::int64_t> position_; // where a read without a seek would begin, when it is known
 };
 
 } // namespace vantrel

@@ -30,6 +30,13 @@ std::uint64_t Combine(DWORD high, DWORD low) {
     return std::uint64_t{high} << 32 | low;
 }
 
+// A size whose low half is all ones counts as a failure, without a look at GetLastError.
+std::uint64_t SizeOf(HANDLE file) {
+    DWORD high = 0;
+    const DWORD low = GetFileSize(file, &high);
+    return low == INVALID_FILE_SIZE ? 0 : Combine(high, low);
+}
+
 std::uint64_t SizeFromFolder(const wchar_t* name) {
     WIN32_FIND_DATAW data;
     const HANDLE found = FindFirstFileW(name, &data);
@@ -46,10 +53,7 @@ std::uint64_t FileObject::fileSizeByName(const wchar_t* name) {
         OpenFile(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!file)
         return GetLastError() == ERROR_ACCESS_DENIED ? SizeFromFolder(name) : 0;
-    DWORD high = 0;
-    const DWORD low = GetFileSize(file.get(), &high);
-    // A size whose low half is all ones counts as a failure, without a look at GetLastError.
-    return low == INVALID_FILE_SIZE ? 0 : Combine(high, low);
+    return SizeOf(file.get());
 }
 
 bool FileObject::open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode) {
@@ -59,6 +63,10 @@ bool FileObject::open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAtt
     handle_ =
         OpenFile(name, openModes[mode].access, shareMode, openModes[mode].disposition, flagsAndAttributes);
     return handle_ != nullptr;
+}
+
+std::uint64_t FileObject::size() const {
+    return handle_ ? SizeOf(handle_.get()) : 0;
 }
 
 bool FileObject::read(std::uint32_t count, void* buffer) {

@@ -18,6 +18,9 @@ public:
     // open or create, 4 read and write, open or create, 5 read and write existing; any other fails.
     bool open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode);
 
+    // Size of the open file in bytes, by the same rules; 0 when closed.
+    std::uint64_t size() const;
+
     // True when exactly count bytes were read.
     bool read(std::uint32_t count, void* buffer);
 
