@@ -8,16 +8,12 @@ std::uint64_t StreamSource::Size() {
 }
 
 bool StreamSource::ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) {
-    if (offset != position_) {
-        LARGE_INTEGER distance;
-        distance.QuadPart = offset;
-        if (FAILED(stream_.Seek(distance, STREAM_SEEK_SET, nullptr)))
-            return false;
-    }
-    ULONG read = 0;
-    const bool done = SUCCEEDED(stream_.Read(buffer, count, &read)) && read == count;
-    position_ = done ? std::optional(offset + count) : std::nullopt;
-    return done;
+    // Always sought, for a stream may move on its own and would then give the wrong bytes.
+    LARGE_INTEGER distance;
+    distance.QuadPart = offset;
+    ULONG done = 0;
+    return SUCCEEDED(stream_.Seek(distance, STREAM_SEEK_SET, nullptr)) &&
+           SUCCEEDED(stream_.Read(buffer, count, &done)) && done == count;
 }
 
 } // namespace vantrel

@@ -7,8 +7,6 @@
 
 #include <objidl.h>
 
-#include <optional>
-
 namespace vantrel {
 
 // Borrows the stream, moves its position, and neither keeps a reference nor puts the position back.
@@ -21,7 +19,6 @@ public:
 
 private:
     IStream& stream_;
-    std::optional<std::int64_t> position_; // where a read without a seek would begin, when it is known
 };
 
 } // namespace vantrel
