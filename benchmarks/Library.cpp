@@ -59,16 +59,17 @@ void Redirect(void** slot, void* function) {
 Library::Library(const std::filesystem::path& path) : module_(LoadLibraryW(path.c_str())) {
     if (!module_)
         throw std::runtime_error("cannot load " + path.string());
+    getClassObject_ = reinterpret_cast<LPFNGETCLASSOBJECT>(
+        reinterpret_cast<void*>(GetProcAddress(module_.get(), "DllGetClassObject")));
+    if (!getClassObject_)
+        throw std::runtime_error("no DllGetClassObject in " + path.string());
 }
 
 void Library::Create(const wchar_t* classId, REFIID iid, void** object) const {
-    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-    static const auto getClassObject = reinterpret_cast<GetClassObject>(
-        reinterpret_cast<void*>(GetProcAddress(module_.get(), "DllGetClassObject")));
     CLSID id;
     Check(CLSIDFromString(classId, &id), "CLSIDFromString");
     ComPtr<IClassFactory> factory;
-    Check(getClassObject(id, IID_IClassFactory, factory.PutVoid()), "DllGetClassObject");
+    Check(getClassObject_(id, IID_IClassFactory, factory.PutVoid()), "DllGetClassObject");
     Check(factory->CreateInstance(nullptr, iid, object), "CreateInstance");
 }
 

@@ -3,7 +3,7 @@
 
 #include "support/Handles.h"
 
-#include <objidl.h>
+#include <objbase.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -36,6 +36,7 @@ private:
     void Create(const wchar_t* classId, REFIID iid, void** object) const;
 
     UniqueModule module_;
+    LPFNGETCLASSOBJECT getClassObject_ = nullptr;
 };
 
 } // namespace vantrel::bench

@@ -1,6 +1,21 @@
 #include "codec/FileSource.h"
 
+#include <algorithm>
+
 namespace vantrel {
+
+namespace {
+
+// Touches every page once. Fresh ones that the system meets in the midst of its copying cost three times as
+// much.
+void TouchPages(void* buffer, std::uint32_t count) {
+    constexpr std::uint32_t pageSize = 4096;
+    auto* const bytes = static_cast<volatile std::uint8_t*>(buffer);
+    for (std::uint32_t i = 0; i < count; i += std::min(pageSize, count - i))
+        bytes[i] = 0;
+}
+
+} // namespace
 
 std::uint64_t FileSource::Size() {
     position_.reset();
@@ -13,6 +28,7 @@ std::uint64_t FileSource::Size() {
 bool FileSource::ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) {
     if (offset != position_ && !file_.seek(FILE_BEGIN, offset))
         return false;
+    TouchPages(buffer, count);
     const bool done = file_.read(count, buffer);
     position_ = done ? std::optional(offset + count) : std::nullopt;
     return done;
