@@ -1,5 +1,7 @@
 #include "tools/terminal/LongPath.h"
 
+#include "tools/terminal/CommandLine.h"
+
 #include <windows.h>
 
 #include <string>
@@ -17,6 +19,8 @@ constexpr std::size_t longestPlainPath = MAX_PATH - 12 - 1;
 } // namespace
 
 std::filesystem::path LongPath(const std::filesystem::path& path) {
+    if (path.empty())
+        throw UsageError(L"a file name is empty");
     std::wstring absolute(path.native().size() + MAX_PATH, L'\0');
     for (;;) {
         const DWORD length =
