@@ -1,0 +1,156 @@
+#include "tests/tools/ToolTest.h"
+
+#include <regex>
+
+namespace vantrel::tests {
+namespace {
+
+using PreviewTest = ToolTest;
+
+const ZmiBuilder single{.frames = {{30, 20}}, .title = R"(a "b\c")"};
+const ZmiBuilder several{.mode = 1, .frames = {{5, 4}, {3, 3}}};
+
+Bytes With(Bytes file, std::size_t base, Field field, std::uint32_t value) {
+    SetField(file, base, field, value);
+    return file;
+}
+
+// Folds values into one letter, from the innermost outwards, until nothing but that letter should be left.
+bool IsJson(std::string text) {
+    const std::regex scalar(R"re("([^"\\\x00-\x1f]|\\["\\]|\\u[0-9a-f]{4})*"|\d+|true|false)re");
+    const std::regex list(R"(\{v:v(,v:v)*\}|\[\]|\[v(,v)*\])");
+    text = std::regex_replace(std::regex_replace(text, scalar, "v"), std::regex("[ \n]"), "");
+    while (std::regex_search(text, list))
+        text = std::regex_replace(text, list, "v");
+    return text == "v";
+}
+
+TEST_F(PreviewTest, NamesEachFaultOfAFile) {
+    const Bytes good = single.Build();
+    const Bytes frames = several.Build();
+    const std::size_t payload = single.PayloadAt();
+    Bytes longer = good;
+    longer.push_back(0);
+    Bytes small = good;
+    small.erase(small.begin() + 112 + 54, small.end() - 4);
+    const std::pair<Bytes, const char*> faults[] = {
+        {{}, "the file is empty"},
+        {Bytes(good.begin(), good.begin() + 111), "the file has 111 bytes, fewer than its 112-byte header"},
+        {Bytes(2000, 'x'), "magic at offset 0 is not zpix-zmi"},
+        {With(good, 0, file_header::version, 2), "version at offset 9 is 2, not 1"},
+        {With(good, 0, file_header::headerSize, 4113), "header size at offset 13 is 4,113, not 112"},
+        {With(good, 0, file_header::kind, 0), "kind at offset 17 is 0, not 1"},
+        {With(good, 0, file_header::dataOffset, 111), "data offset at offset 18 is 111, inside the header"},
+        {Bytes(good.begin(), good.end() - 1), "but the file has 1,370, 1 too few"},
+        {longer, "make 1,371 bytes with the trailer, but the file has 1,372, 1 too many"},
+        {With(good, good.size() - 1, {0, 1}, 'X'), "trailer tag at offset 1,367 is not zpix"},
+        {With(small, 0, file_header::dataSize, 54), "54 bytes, fewer than its 55-byte image header"},
+        {With(good, payload, image_header::pixelOffset, 168),
+         "outside the payload (112 to 1,367): the pixels of frame 0, 1,200 bytes at offset 168"},
+        {With(good, payload, image_header::flags, 0x18), "frame 0 is in pixel mode 3"},
+        {With(good, payload, image_header::width, 0), "frame 0 is 0 x 20 pixels"},
+        {With(frames, payload, image_header::paletteOffset, 1), "the colour table, 512 bytes at offset 1"},
+        {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
+        {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
+         "the pixels of frame 1, 9 bytes at offset 99,999"},
+    };
+    Write(L"good.zmi", good);
+    Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi"};
+    for (std::size_t i = 0; i < std::size(faults); ++i)
+        Write(arguments.emplace_back(std::to_wstring(i) + L".zmi"), faults[i].first);
+    const ToolRun run = Preview(arguments);
+    run.Ended(1, "none.zmi: no picture: it cannot be opened: ");
+    EXPECT_TRUE(Contains(run.out, "32 x 21 -> out\\good-32.png"));
+    EXPECT_EQ(std::ssize(faults) + 1, std::count(run.err.begin(), run.err.end(), '\n'));
+    for (std::size_t i = 0; i < std::size(faults); ++i) {
+        const std::size_t at = run.err.find(std::to_string(i) + ".zmi: no picture: ");
+        ASSERT_NE(std::string::npos, at) << faults[i].second;
+        const std::string line = run.err.substr(at, run.err.find('\n', at) - at);
+        EXPECT_TRUE(Contains(line, faults[i].second)) << faults[i].second << "\n" << line;
+    }
+}
+
+TEST_F(PreviewTest, WritesJsonThatParses) {
+    Write(L"good.zmi", single.Build());
+    Write(L"bad.zmi", {'x'});
+    const ToolRun run = Preview({L"--json", L"--sizes", L"300", L"--out", L"out", L"good.zmi", L"bad.zmi"});
+    run.Ended(1, "bad.zmi: no picture");
+    EXPECT_TRUE(IsJson(run.out)) << run.out;
+    for (const char* part :
+         {R"({"ok": false, "files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
+          R"("result": "300 x 200", "width": 300, "height": 200, "png": "out\\good-300.png")",
+          R"("handler": "icon", "request": "16", "ok": true)",
+          R"("handler": "column", "request": "dimensions", "ok": true, "result": "30 x 20")",
+          R"("file": "bad.zmi", "ok": false, "reason": "no picture: the file has 1 bytes)",
+          R"("hresult": "0x80004005")"})
+        EXPECT_TRUE(Contains(run.out, part)) << part << "\n" << run.out;
+}
+
+TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
+    const struct {
+        Arguments arguments;
+        DWORD exitCode;
+        const char* words;
+    } cases[] = {
+        {{}, 2, "no file given"},
+        {{L""}, 2, "a file name is empty"},
+        {{L"--frames", L"good.zmi"}, 2, "unknown option --frames"},
+        {{L"--sizes=32,4097", L"good.zmi"}, 2, "from 1 to 4096, not \"4097\""},
+        {{L"good.zmi", L"--out"}, 2, "--out needs a value"},
+        {{L"--json=yes", L"good.zmi"}, 2, "--json takes no value"},
+        {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
+        {{L"folder"}, 1, "folder: the folder holds no .zmi file"},
+        {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
+        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good.zmi: "},
+        {{L"--", L"--good.zmi"}, 0, ""},
+    };
+    std::filesystem::create_directory(folder_ / L"folder");
+    Write(L"good.zmi", single.Build());
+    Write(L"--good.zmi", several.Build());
+    for (const auto& [arguments, exitCode, words] : cases) {
+        const ToolRun run = Preview(arguments);
+        run.Ended(exitCode, words);
+        EXPECT_EQ(exitCode == 0 ? 0 : 1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
+    }
+}
+
+// Harder on Windows, where such a path must be in a form of its own; Wine takes any.
+TEST_F(PreviewTest, TakesLongPaths) {
+    const std::wstring half(115, L'ü');
+    const std::wstring folder = half + L"\\" + half;
+    Pack({L"--blank", folder + L"\\p 図.zmi"}).Ended(0);
+    const ToolRun run =
+        Preview({L"--sizes", L"16", L"--out", folder, L"--sheet", folder + L"\\s.png", folder});
+    // Not that all went well: the structures of columns are too old to hold such a path.
+    EXPECT_TRUE(Contains(run.out, "p 図.zmi  thumbnail   16  ")) << run.err << run.out;
+    EXPECT_FALSE(Read(folder + L"\\s.png").empty());
+    Pack({folder + L"\\p 図-16.png", L"again.zmi"}).Ended(0);
+    // The standard library removes nothing that lies so deep.
+    EXPECT_TRUE(MoveFileW(LongPath(folder).c_str(), LongPath(L"rest").c_str())) << GetLastError();
+}
+
+TEST_F(PreviewTest, DrawsASheetAndKeepsProgressOutOfPipes) {
+    Write(L"a.zmi", single.Build());
+    Write(L"b.zmi", several.Build());
+    Write(L"c.zmi", ZmiBuilder{}.Build());
+    const ToolRun run = Preview({L"--sheet", L"page.png", L"."});
+    run.Ended(0);
+    EXPECT_TRUE(run.out.ends_with("sheet -> page.png\n")) << run.out;
+    EXPECT_EQ("", run.err);
+    EXPECT_EQ(4, FileCount()) << "single pictures are for --out alone";
+    const Bytes png = Read(L"page.png");
+    ASSERT_LT(24u, png.size());
+    EXPECT_EQ("PNG", std::string(png.begin() + 1, png.begin() + 4));
+    const int width = png[18] * 256 + png[19];
+    const int height = png[22] * 256 + png[23];
+    EXPECT_TRUE(width > 600 && width < 2000 && height > 300 && height < 2000) << width << " x " << height;
+
+    SetEnvironmentVariableW(L"VANTREL_TTY", L"1");
+    const ToolRun watched = Preview({L"--out", L"out", L"."});
+    SetEnvironmentVariableW(L"VANTREL_TTY", nullptr);
+    EXPECT_TRUE(Contains(watched.err, "[2/3]") && watched.err.ends_with('\r')) << watched.err;
+    EXPECT_FALSE(Contains(watched.out, "\r"));
+}
+
+} // namespace
+} // namespace vantrel::tests

@@ -1,0 +1,124 @@
+// The tools beside the test program, run as their users run them in a scratch folder.
+#pragma once
+
+#include "tests/builder/ZmiBuilder.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+namespace vantrel::tests {
+
+using Arguments = std::vector<std::wstring>;
+
+inline bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+struct ToolRun {
+    DWORD exitCode = 0;
+    std::string out;
+    std::string err;
+
+    // Fails the running test unless the program ended with this code and said these words on stderr.
+    void Ended(DWORD expected, const std::string& words = "") const {
+        EXPECT_EQ(expected, exitCode) << out << err;
+        EXPECT_TRUE(Contains(err, words)) << words << "\n not in \n" << err;
+    }
+};
+
+class ToolTest : public testing::Test {
+protected:
+    ToolTest() {
+        std::filesystem::create_directories(folder_);
+        // Wine makes a desktop for who needs one, in a second, and drops it with its last user: hold it.
+        GetDesktopWindow();
+    }
+    ~ToolTest() override { std::filesystem::remove_all(folder_); }
+
+    static std::wstring Beside(const wchar_t* name) {
+        wchar_t path[MAX_PATH];
+        GetModuleFileNameW(nullptr, path, MAX_PATH);
+        return std::filesystem::path(path).replace_filename(name).wstring();
+    }
+
+    // Runs a program to its end; whileItRuns is called with its process identifier.
+    ToolRun Run(const std::wstring& program, const Arguments& arguments, DWORD flags = 0,
+                const std::function<void(DWORD)>& whileItRuns = {}) const {
+        std::wstring command = L'"' + program + L'"';
+        for (const std::wstring& argument : arguments)
+            command += L" \"" + argument + L'"';
+        HANDLE reading[2];
+        HANDLE writing[2];
+        for (int i = 0; i < 2; ++i) {
+            CreatePipe(&reading[i], &writing[i], nullptr, 1 << 20);
+            SetHandleInformation(writing[i], HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+        }
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = writing[0];
+        startup.hStdError = writing[1];
+        PROCESS_INFORMATION process{};
+        EXPECT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, flags, nullptr,
+                                   folder_.c_str(), &startup, &process))
+            << GetLastError();
+        CloseHandle(writing[0]);
+        CloseHandle(writing[1]);
+        if (whileItRuns)
+            whileItRuns(process.dwProcessId);
+        // One after the other: what goes to stderr fits into its pipe.
+        ToolRun run;
+        for (const auto& [pipe, text] : {std::pair(reading[0], &run.out), std::pair(reading[1], &run.err)}) {
+            char buffer[4096];
+            for (DWORD count = 0; ReadFile(pipe, buffer, sizeof buffer, &count, nullptr) && count > 0;)
+                text->append(buffer, count);
+        }
+        WaitForSingleObject(process.hProcess, INFINITE);
+        GetExitCodeProcess(process.hProcess, &run.exitCode);
+        for (const HANDLE handle : {reading[0], reading[1], process.hThread, process.hProcess})
+            CloseHandle(handle);
+        return run;
+    }
+
+    ToolRun Pack(const Arguments& arguments) const { return Run(Beside(L"zmi-pack.exe"), arguments); }
+
+    // With the library beside the programs, registered or not.
+    ToolRun Preview(Arguments arguments) const {
+        arguments.insert(arguments.begin(), {L"--dll", Beside(L"Vantrel64.dll")});
+        return Run(Beside(L"zmi-preview.exe"), arguments);
+    }
+
+    void Write(const std::wstring& name, const Bytes& bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    // In a form that may have more than 260 characters.
+    std::filesystem::path LongPath(const std::wstring& name) const {
+        return LR"(\\?\)" + (folder_ / name).wstring();
+    }
+
+    // Nothing when there is no such file.
+    Bytes Read(const std::wstring& name) const {
+        std::ifstream file(LongPath(name), std::ios::binary);
+        return Bytes(std::istreambuf_iterator<char>(file), {});
+    }
+
+    auto FileCount() const {
+        return std::distance(std::filesystem::directory_iterator(folder_),
+                             std::filesystem::directory_iterator());
+    }
+
+    // No code page of one byte has all of its characters.
+    const std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / (L"tool ä図 " + std::to_wstring(GetCurrentProcessId()));
+};
+
+} // namespace vantrel::tests
