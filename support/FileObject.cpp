@@ -21,52 +21,26 @@ constexpr OpenMode openModes[] = {
     {GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING},
 };
 
-UniqueFile OpenFile(const wchar_t* name, DWORD access, DWORD shareMode, DWORD disposition, DWORD flags) {
-    const HANDLE handle = CreateFileW(name, access, shareMode, nullptr, disposition, flags, nullptr);
-    return UniqueFile(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
-}
-
-std::uint64_t Combine(DWORD high, DWORD low) {
-    return std::uint64_t{high} << 32 | low;
-}
-
-// A size whose low half is all ones counts as a failure, without a look at GetLastError.
-std::uint64_t SizeOf(HANDLE file) {
-    DWORD high = 0;
-    const DWORD low = GetFileSize(file, &high);
-    return low == INVALID_FILE_SIZE ? 0 : Combine(high, low);
-}
-
-std::uint64_t SizeFromFolder(const wchar_t* name) {
-    WIN32_FIND_DATAW data;
-    const HANDLE found = FindFirstFileW(name, &data);
-    if (found == INVALID_HANDLE_VALUE)
-        return 0;
-    const UniqueFindFile search(found);
-    return Combine(data.nFileSizeHigh, data.nFileSizeLow);
-}
-
 } // namespace
-
-std::uint64_t FileObject::fileSizeByName(const wchar_t* name) {
-    const UniqueFile file =
-        OpenFile(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
-    if (!file)
-        return GetLastError() == ERROR_ACCESS_DENIED ? SizeFromFolder(name) : 0;
-    return SizeOf(file.get());
-}
 
 bool FileObject::open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode) {
     close();
     if (mode >= std::size(openModes))
         return false;
-    handle_ =
-        OpenFile(name, openModes[mode].access, shareMode, openModes[mode].disposition, flagsAndAttributes);
+    const HANDLE handle = CreateFileW(name, openModes[mode].access, shareMode, nullptr,
+                                      openModes[mode].disposition, flagsAndAttributes, nullptr);
+    if (handle != INVALID_HANDLE_VALUE)
+        handle_.reset(handle);
     return handle_ != nullptr;
 }
 
 std::uint64_t FileObject::size() const {
-    return handle_ ? SizeOf(handle_.get()) : 0;
+    if (!handle_)
+        return 0;
+    DWORD high = 0;
+    const DWORD low = GetFileSize(handle_.get(), &high);
+    // A size whose low half is all ones counts as a failure, without a look at GetLastError.
+    return low == INVALID_FILE_SIZE ? 0 : std::uint64_t{high} << 32 | low;
 }
 
 bool FileObject::read(std::uint32_t count, void* buffer) {

@@ -10,15 +10,11 @@ namespace vantrel {
 // Used by one thread at a time; destruction closes. No operation throws.
 class FileObject {
 public:
-    // Size of the named file in bytes, 0 on any failure. A file that may not be opened is looked up in its
-    // folder.
-    static std::uint64_t fileSizeByName(const wchar_t* name);
-
     // Closes what is open first. Modes: 0 read existing, 1 write, create anew, 2 write existing, 3 write,
     // open or create, 4 read and write, open or create, 5 read and write existing; any other fails.
     bool open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode);
 
-    // Size of the open file in bytes, by the same rules; 0 when closed.
+    // Size of the open file in bytes, 0 on any failure.
     std::uint64_t size() const;
 
     // True when exactly count bytes were read.

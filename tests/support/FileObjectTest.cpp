@@ -68,7 +68,7 @@ TEST(FileObject, Modes) {
         const ScratchFile scratch(digits, L".txt");
         FileObject file;
         ASSERT_TRUE(file.open(scratch.Path(), mode, 0, shareAll)) << mode;
-        EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), empties ? 0u : 10u) << mode;
+        EXPECT_EQ(file.size(), empties ? 0u : 10u) << mode;
         char byte = 'x';
         EXPECT_EQ(file.read(1, &byte), reads) << mode;
         DWORD done;
@@ -98,25 +98,15 @@ TEST(FileObject, OpenClosesWhatWasOpen) {
     EXPECT_FALSE(Exists(missing.c_str()));
 }
 
-TEST(FileObject, SizeByName) {
-    const ScratchFile scratch(digits, L".txt");
-    const ScratchFile empty({}, L".txt");
-    EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u);
-    EXPECT_EQ(FileObject::fileSizeByName(empty.Path()), 0u);
-    EXPECT_EQ(FileObject::fileSizeByName(L"Z:\\no\\such\\file.zmi"), 0u);
-    EXPECT_EQ(FileObject::fileSizeByName(L""), 0u);
-
-    FileObject file;
-    ASSERT_TRUE(file.open(scratch.Path(), 0, 0, 0));
-    EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u) << "asking for no access needs no sharing";
-
+TEST(FileObject, Size) {
+    EXPECT_EQ(FileObject().size(), 0u);
     for (const auto& [end, size] : {std::pair{0x180000000ll, 0x180000000ull}, {0x1FFFFFFFFll, 0ull}}) {
         const ScratchFile sparse(digits, L".txt");
         FileObject writer;
         ASSERT_TRUE(writer.open(sparse.Path(), 5, 0, shareAll));
         ASSERT_TRUE(writer.seek(FILE_BEGIN, end));
         ASSERT_TRUE(SetEndOfFile(writer.handle()));
-        EXPECT_EQ(FileObject::fileSizeByName(sparse.Path()), size) << end;
+        EXPECT_EQ(writer.size(), size) << end;
     }
 }
 
