@@ -30,8 +30,8 @@ Buffer ReadAll(IStream& stream) {
 }
 
 Buffer ReadAll(const wchar_t* path) {
-    const UniqueFile file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
+    const UniqueKernelHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                              OPEN_EXISTING, 0, nullptr));
     const DWORD size = GetFileSize(file.get(), nullptr);
     Buffer buffer = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     DWORD done;

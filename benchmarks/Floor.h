@@ -2,7 +2,7 @@
 // library.
 #pragma once
 
-#include "support/Handles.h"
+#include "benchmarks/Handles.h"
 
 #include <objidl.h>
 

@@ -1,8 +1,6 @@
 #include "benchmarks/Library.h"
 
 #include "benchmarks/Measurement.h"
-#include "module/ClassTable.h"
-#include "properties/ImageFacts.h"
 #include "tools/terminal/ComPtr.h"
 
 #include <oleauto.h>
@@ -19,6 +17,18 @@ namespace vantrel::bench {
 namespace {
 
 using tools::ComPtr;
+
+constexpr wchar_t thumbnailProviderId[] = L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}";
+constexpr wchar_t extractImageHandlerId[] = L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}";
+constexpr wchar_t iconHandlerId[] = L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}";
+constexpr wchar_t columnProviderId[] = L"{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}";
+constexpr wchar_t propertyStoreId[] = L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}";
+
+constexpr PROPERTYKEY titleKey = {
+    {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}}, 2};
+constexpr GUID imageFormatId = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
+constexpr PROPERTYKEY dimensionsKey = {imageFormatId, 13};
+constexpr PROPERTYKEY bitDepthKey = {imageFormatId, 7};
 
 void Check(HRESULT result, const char* what) {
     if (result != S_OK)

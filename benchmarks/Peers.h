@@ -1,7 +1,7 @@
 // What a user would pick instead: the platform's own ways from a BMP file to a small bitmap.
 #pragma once
 
-#include "support/Handles.h"
+#include "benchmarks/Handles.h"
 #include "tools/terminal/ComPtr.h"
 
 #include <objidl.h>

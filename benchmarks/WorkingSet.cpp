@@ -32,8 +32,8 @@ std::uint64_t PeakGrowth(const std::filesystem::path& dll, const std::wstring& w
     if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process))
         throw std::runtime_error("cannot start a process to measure the working set in");
-    const UniqueHandle<HANDLE, CloseHandle> handle(process.hProcess);
-    CloseHandle(process.hThread);
+    const UniqueKernelHandle handle(process.hProcess);
+    const UniqueKernelHandle thread(process.hThread);
     WaitForSingleObject(handle.get(), INFINITE);
     DWORD kibibytes = 0;
     GetExitCodeProcess(handle.get(), &kibibytes);
