@@ -128,7 +128,7 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
         {{L"--transparent", L"red", L"p.bmp"}, 2, "RRGGBB"},
         {{L"--transparent", L"ff00ff", L"--mode", L"1", L"p.bmp"}, 2, "no meaning with --mode 1"},
         {{L"--title", std::wstring(34, L'x'), L"p.bmp"}, 2, "33 bytes"},
-        {{L"--title", L"図", L"p.bmp"}, 2, "code page"},
+        {{L"--title", L"\xD800", L"p.bmp"}, 2, "code page"},
         {{L"--blank", L"p.bmp"}, 2, "--blank takes no input"},
     };
     WriteBitmap(L"p.bmp", 2, 1, {0x000000, 0xFFFFFF});
