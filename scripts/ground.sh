@@ -62,7 +62,9 @@ build() {
         say "Configuring $preset"
         quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
     fi
-    [ -n "$(env -C "$root" ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -m1 '^\[')" ] && say "Building $preset"
+    if env -C "$root" ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -Eq '\] (Building|Linking)'; then
+        say "Building $preset"
+    fi
     quietly "building $preset" env -C "$root" ninja -C "build/$preset" "$@"
 }
 

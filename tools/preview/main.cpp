@@ -120,7 +120,9 @@ public:
                 continue;
             const std::filesystem::path file = folder_ / (unique + L"-" + result.pngSuffix + L".png");
             WritePng(file, result.picture);
-            result.png = file.wstring();
+            // In the slashes that the folder was given in.
+            const bool isGeneric = folder_.native().find(L'/') != std::wstring::npos;
+            result.png = isGeneric ? file.generic_wstring() : file.wstring();
         }
     }
 
