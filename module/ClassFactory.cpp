@@ -4,13 +4,13 @@
 
 namespace vantrel {
 
-HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) {
+HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept {
     if (outer)
         return CLASS_E_NOAGGREGATION;
     return GuardBoundary(E_FAIL, [&] { return create_(iid, object); });
 }
 
-HRESULT ClassFactory::LockServer(BOOL lock) {
+HRESULT ClassFactory::LockServer(BOOL lock) noexcept {
     if (lock)
         ModuleAddRef();
     else

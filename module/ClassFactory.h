@@ -18,9 +18,9 @@ public:
     ~ClassFactory() { ModuleRelease(); }
 
     // Refuses aggregation and then leaves the out pointer as it was.
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override;
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override;
     // Not balanced or checked: an extra unlock drives the module's count below zero.
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override;
 
 private:
     CreateInstanceFn create_;

@@ -18,11 +18,11 @@ bool IsServed(const SHCOLUMNID& column, const SHCOLUMNDATA& item) {
 
 } // namespace
 
-HRESULT ZmiColumnProvider::Initialize(LPCSHCOLUMNINIT) {
+HRESULT ZmiColumnProvider::Initialize(LPCSHCOLUMNINIT) noexcept {
     return S_OK;
 }
 
-HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) {
+HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) noexcept {
     if (index != 0)
         return S_FALSE;
     if (!info)
@@ -36,7 +36,7 @@ HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) {
     return S_OK;
 }
 
-HRESULT ZmiColumnProvider::GetItemData(LPCSHCOLUMNID column, LPCSHCOLUMNDATA item, VARIANT* value) {
+HRESULT ZmiColumnProvider::GetItemData(LPCSHCOLUMNID column, LPCSHCOLUMNDATA item, VARIANT* value) noexcept {
     if (!column || !item || !value)
         return E_POINTER;
     return GuardBoundary(S_FALSE, [&] {

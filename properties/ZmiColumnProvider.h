@@ -15,13 +15,13 @@ public:
     };
 
     // The folder does not matter.
-    HRESULT STDMETHODCALLTYPE Initialize(LPCSHCOLUMNINIT folder) override;
+    HRESULT STDMETHODCALLTYPE Initialize(LPCSHCOLUMNINIT folder) noexcept override;
     // S_FALSE for any index but 0. Title and description stay as the host passed them.
-    HRESULT STDMETHODCALLTYPE GetColumnInfo(DWORD index, SHCOLUMNINFO* info) override;
+    HRESULT STDMETHODCALLTYPE GetColumnInfo(DWORD index, SHCOLUMNINFO* info) noexcept override;
     // S_FALSE, the value untouched, for anything but the dimensions of a readable, online .zmi file; no other
     // file is opened. Otherwise the value is overwritten without being cleared.
     HRESULT STDMETHODCALLTYPE GetItemData(LPCSHCOLUMNID column, LPCSHCOLUMNDATA item,
-                                          VARIANT* value) override;
+                                          VARIANT* value) noexcept override;
 };
 
 } // namespace vantrel

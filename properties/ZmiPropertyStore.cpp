@@ -14,14 +14,14 @@ constexpr PROPERTYKEY servedKeys[] = {titleKey, dimensionsKey, bitDepthKey};
 
 } // namespace
 
-HRESULT ZmiPropertyStore::GetCount(DWORD* count) {
+HRESULT ZmiPropertyStore::GetCount(DWORD* count) noexcept {
     if (!count)
         return E_POINTER;
     *count = std::size(servedKeys);
     return S_OK;
 }
 
-HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) {
+HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) noexcept {
     if (!key)
         return E_POINTER;
     // Deliberate: beyond the last key the call succeeds, too, and leaves the caller's key alone.
@@ -30,7 +30,7 @@ HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) {
     return S_OK;
 }
 
-HRESULT ZmiPropertyStore::GetValue(REFPROPERTYKEY key, PROPVARIANT* value) {
+HRESULT ZmiPropertyStore::GetValue(REFPROPERTYKEY key, PROPVARIANT* value) noexcept {
     if (!value)
         return E_POINTER;
     return GuardBoundary(S_FALSE, [&] { return ReadValue(key, *value); });
@@ -58,15 +58,15 @@ HRESULT ZmiPropertyStore::ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) cons
     return S_OK;
 }
 
-HRESULT ZmiPropertyStore::SetValue(REFPROPERTYKEY, REFPROPVARIANT) {
+HRESULT ZmiPropertyStore::SetValue(REFPROPERTYKEY, REFPROPVARIANT) noexcept {
     return E_UNEXPECTED;
 }
 
-HRESULT ZmiPropertyStore::Commit() {
+HRESULT ZmiPropertyStore::Commit() noexcept {
     return E_UNEXPECTED;
 }
 
-HRESULT ZmiPropertyStore::IsPropertyWritable(REFPROPERTYKEY) {
+HRESULT ZmiPropertyStore::IsPropertyWritable(REFPROPERTYKEY) noexcept {
     return S_FALSE;
 }
 

@@ -18,17 +18,17 @@ public:
         {&IID_IPropertyStoreCapabilities, AsBase<IPropertyStoreCapabilities>},
     };
 
-    HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) override;
-    HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) override;
+    HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) noexcept override;
+    HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) noexcept override;
     // Reads the file anew at each call. S_FALSE when it can't be read, E_UNEXPECTED for a key that is not
     // served; the value then stays as it was. Otherwise it is overwritten without being cleared.
-    HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) override;
+    HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) noexcept override;
     // Both answer E_UNEXPECTED.
-    HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY key, REFPROPVARIANT value) override;
-    HRESULT STDMETHODCALLTYPE Commit() override;
+    HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY key, REFPROPVARIANT value) noexcept override;
+    HRESULT STDMETHODCALLTYPE Commit() noexcept override;
 
     // S_FALSE for every key.
-    HRESULT STDMETHODCALLTYPE IsPropertyWritable(REFPROPERTYKEY key) override;
+    HRESULT STDMETHODCALLTYPE IsPropertyWritable(REFPROPERTYKEY key) noexcept override;
 
 private:
     HRESULT ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) const;

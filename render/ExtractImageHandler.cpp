@@ -6,13 +6,14 @@
 
 namespace vantrel {
 
-HRESULT ExtractImageHandler::Load(LPCOLESTR fileName, DWORD mode) {
+HRESULT ExtractImageHandler::Load(LPCOLESTR fileName, DWORD mode) noexcept {
     requestedWidth_ = 0;
     requestedHeight_ = 0;
     return PersistedPath::Load(fileName, mode);
 }
 
-HRESULT ExtractImageHandler::GetLocation(LPWSTR, DWORD, DWORD*, const SIZE* size, DWORD, DWORD* flags) {
+HRESULT ExtractImageHandler::GetLocation(LPWSTR, DWORD, DWORD*, const SIZE* size, DWORD,
+                                         DWORD* flags) noexcept {
     if (!size || !flags)
         return E_POINTER;
     const bool asynchronous = (*flags & IEIFLAG_ASYNC) != 0;
@@ -22,7 +23,7 @@ HRESULT ExtractImageHandler::GetLocation(LPWSTR, DWORD, DWORD*, const SIZE* size
     return asynchronous ? E_PENDING : S_OK;
 }
 
-HRESULT ExtractImageHandler::Extract(HBITMAP* bitmap) {
+HRESULT ExtractImageHandler::Extract(HBITMAP* bitmap) noexcept {
     if (!bitmap)
         return E_POINTER;
     return GuardBoundary(E_FAIL, [&] {
@@ -37,7 +38,7 @@ HRESULT ExtractImageHandler::Extract(HBITMAP* bitmap) {
     });
 }
 
-HRESULT ExtractImageHandler::GetDateStamp(FILETIME* dateStamp) {
+HRESULT ExtractImageHandler::GetDateStamp(FILETIME* dateStamp) noexcept {
     FileObject file;
     if (!file.open(Path(), 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE))
         return E_FAIL;

@@ -20,17 +20,18 @@ public:
     };
 
     // Forgets the size that GetLocation stored.
-    HRESULT STDMETHODCALLTYPE Load(LPCOLESTR fileName, DWORD mode) override;
+    HRESULT STDMETHODCALLTYPE Load(LPCOLESTR fileName, DWORD mode) noexcept override;
 
     // Stores the size and adds IEIFLAG_REFRESH to the flags; path buffer, priority and colour depth stay
     // untouched. E_PENDING for IEIFLAG_ASYNC: the host calls Extract later, on a thread of its choice.
     HRESULT STDMETHODCALLTYPE GetLocation(LPWSTR pathBuffer, DWORD bufferLength, DWORD* priority,
-                                          const SIZE* size, DWORD colourDepth, DWORD* flags) override;
+                                          const SIZE* size, DWORD colourDepth,
+                                          DWORD* flags) noexcept override;
     // A square request gives an opaque bitmap of the fitted size, any other one of exactly the requested size
     // with the picture centred on the key colour.
-    HRESULT STDMETHODCALLTYPE Extract(HBITMAP* bitmap) override;
+    HRESULT STDMETHODCALLTYPE Extract(HBITMAP* bitmap) noexcept override;
     // The file's time of last writing. S_OK when the file could be opened, E_FAIL when not.
-    HRESULT STDMETHODCALLTYPE GetDateStamp(FILETIME* dateStamp) override;
+    HRESULT STDMETHODCALLTYPE GetDateStamp(FILETIME* dateStamp) noexcept override;
 
 private:
     std::int32_t requestedWidth_ = 0;

@@ -20,11 +20,11 @@ public:
 
     // Only sets the result flags: there is no icon file, and nothing is to be cached.
     HRESULT STDMETHODCALLTYPE GetIconLocation(UINT flags, LPWSTR iconFile, UINT bufferLength, int* index,
-                                              UINT* resultFlags) override;
+                                              UINT* resultFlags) noexcept override;
     // iconSize holds the large icon's edge in its low and the small one's in its high 16 bits; a null icon is
     // not wanted. When only the small one fails the result is E_FAIL and the large one stays with the caller.
     HRESULT STDMETHODCALLTYPE Extract(LPCWSTR file, UINT index, HICON* largeIcon, HICON* smallIcon,
-                                      UINT iconSize) override;
+                                      UINT iconSize) noexcept override;
 };
 
 } // namespace vantrel

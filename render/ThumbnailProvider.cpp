@@ -5,7 +5,7 @@
 
 namespace vantrel {
 
-HRESULT ThumbnailProvider::GetThumbnail(UINT edge, HBITMAP* bitmap, WTS_ALPHATYPE* alphaType) {
+HRESULT ThumbnailProvider::GetThumbnail(UINT edge, HBITMAP* bitmap, WTS_ALPHATYPE* alphaType) noexcept {
     if (!bitmap || !alphaType)
         return E_POINTER;
     return GuardBoundary(E_FAIL, [&] {

@@ -17,7 +17,8 @@ public:
     };
 
     // The picture fitted into edge x edge pixels, opaque. On failure both outputs stay as they were.
-    HRESULT STDMETHODCALLTYPE GetThumbnail(UINT edge, HBITMAP* bitmap, WTS_ALPHATYPE* alphaType) override;
+    HRESULT STDMETHODCALLTYPE GetThumbnail(UINT edge, HBITMAP* bitmap,
+                                           WTS_ALPHATYPE* alphaType) noexcept override;
 };
 
 } // namespace vantrel

@@ -27,7 +27,7 @@ public:
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) final {
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept final {
         if (!object)
             return E_POINTER;
         *object = nullptr;
@@ -41,9 +41,9 @@ public:
         return E_NOINTERFACE;
     }
 
-    ULONG STDMETHODCALLTYPE AddRef() final { return ++refCount_; }
+    ULONG STDMETHODCALLTYPE AddRef() noexcept final { return ++refCount_; }
 
-    ULONG STDMETHODCALLTYPE Release() final {
+    ULONG STDMETHODCALLTYPE Release() noexcept final {
         const ULONG left = --refCount_;
         if (left == 0)
             delete static_cast<Derived*>(this);

@@ -4,7 +4,7 @@
 
 namespace vantrel {
 
-HRESULT PersistedPath::Load(LPCOLESTR fileName, DWORD) {
+HRESULT PersistedPath::Load(LPCOLESTR fileName, DWORD) noexcept {
     if (!fileName)
         return E_POINTER;
     return GuardBoundary(E_FAIL, [&] {
@@ -13,23 +13,23 @@ HRESULT PersistedPath::Load(LPCOLESTR fileName, DWORD) {
     });
 }
 
-HRESULT PersistedPath::GetClassID(CLSID*) {
+HRESULT PersistedPath::GetClassID(CLSID*) noexcept {
     return E_NOTIMPL;
 }
 
-HRESULT PersistedPath::IsDirty() {
+HRESULT PersistedPath::IsDirty() noexcept {
     return E_NOTIMPL;
 }
 
-HRESULT PersistedPath::Save(LPCOLESTR, BOOL) {
+HRESULT PersistedPath::Save(LPCOLESTR, BOOL) noexcept {
     return E_NOTIMPL;
 }
 
-HRESULT PersistedPath::SaveCompleted(LPCOLESTR) {
+HRESULT PersistedPath::SaveCompleted(LPCOLESTR) noexcept {
     return E_NOTIMPL;
 }
 
-HRESULT PersistedPath::GetCurFile(LPOLESTR*) {
+HRESULT PersistedPath::GetCurFile(LPOLESTR*) noexcept {
     return E_NOTIMPL;
 }
 

@@ -12,13 +12,13 @@ namespace vantrel {
 // Only Load does anything; the other methods answer E_NOTIMPL.
 class PersistedPath : public IPersistFile {
 public:
-    HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) final;
-    HRESULT STDMETHODCALLTYPE IsDirty() final;
+    HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) noexcept final;
+    HRESULT STDMETHODCALLTYPE IsDirty() noexcept final;
     // Stores the path and opens nothing.
-    HRESULT STDMETHODCALLTYPE Load(LPCOLESTR fileName, DWORD mode) override;
-    HRESULT STDMETHODCALLTYPE Save(LPCOLESTR fileName, BOOL remember) final;
-    HRESULT STDMETHODCALLTYPE SaveCompleted(LPCOLESTR fileName) final;
-    HRESULT STDMETHODCALLTYPE GetCurFile(LPOLESTR* fileName) final;
+    HRESULT STDMETHODCALLTYPE Load(LPCOLESTR fileName, DWORD mode) noexcept override;
+    HRESULT STDMETHODCALLTYPE Save(LPCOLESTR fileName, BOOL remember) noexcept final;
+    HRESULT STDMETHODCALLTYPE SaveCompleted(LPCOLESTR fileName) noexcept final;
+    HRESULT STDMETHODCALLTYPE GetCurFile(LPOLESTR* fileName) noexcept final;
 
 protected:
     ~PersistedPath() = default;

@@ -2,7 +2,7 @@
 
 namespace vantrel {
 
-HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) {
+HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) noexcept {
     if (!stream)
         return E_POINTER;
     if (stream_)

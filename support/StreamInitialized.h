@@ -10,7 +10,7 @@ namespace vantrel {
 class StreamInitialized : public IInitializeWithStream {
 public:
     // Takes one reference to the stream. E_UNEXPECTED when one is held already, which then stays.
-    HRESULT STDMETHODCALLTYPE Initialize(IStream* stream, DWORD mode) final;
+    HRESULT STDMETHODCALLTYPE Initialize(IStream* stream, DWORD mode) noexcept final;
 
 protected:
     ~StreamInitialized() = default;

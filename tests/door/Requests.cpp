@@ -108,7 +108,8 @@ Answer AskImage(IExtractImage2& handler, SIZE size) {
 Answer AskIcons(IExtractIconW& handler, UINT largeSize, UINT smallSize) {
     HICON icons[] = {Untouched<HICON>(), Untouched<HICON>()};
     Answer answer;
-    answer.result = handler.Extract(L"ignored", 5, &icons[0], &icons[1], MAKELONG(largeSize, smallSize));
+    answer.result = handler.Extract(L"ignored", 5, &icons[0], &icons[1],
+                                    static_cast<UINT>(MAKELONG(largeSize, smallSize)));
     for (const HICON icon : icons) {
         if (icon != Untouched<HICON>())
             answer.pictures.push_back(ReadIcon(Icon(icon).get()));
