@@ -14,17 +14,14 @@ inline bool LoadFrom(ByteSource& source, DecodedImage& image, std::uint32_t fram
     return readFile(source, zmiPictureKind, header, payload) && decode(*payload, image, framesWanted);
 }
 
-inline Verdict VerdictOf(ByteSource&& source, std::uint32_t framesWanted = allFrames) {
+template <class Source>
+Verdict VerdictOf(Source&& source, std::uint32_t framesWanted = allFrames) {
     DecodedImage image;
     try {
         return LoadFrom(source, image, framesWanted) ? Verdict::Loads : Verdict::Fails;
     } catch (const std::out_of_range&) {
         return Verdict::Throws;
     }
-}
-
-inline Verdict VerdictOf(const Bytes& file, std::uint32_t framesWanted = allFrames) {
-    return VerdictOf(MemorySource(file), framesWanted);
 }
 
 } // namespace vantrel::tests

@@ -50,13 +50,11 @@ TEST(Apartment, TakesAPathFromAnotherApartment) {
             EXPECT_EQ(S_OK, proxy->Load(scratch.Path(), STGM_READ));
             EXPECT_EQ(E_NOTIMPL, proxy->IsDirty());
         });
-        if (IsEqualCLSID(classId, extractImageClass)) {
-            const auto image = Ask<IExtractImage2>(persist.Get(), IID_IExtractImage2);
-            EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}), AskImage(*image.Get(), {15, 15}));
-        } else {
-            const auto icons = Ask<IExtractIconW>(persist.Get(), IID_IExtractIconW);
-            EXPECT_EQ(S_OK, AskIcons(*icons.Get(), 32, 16).result);
-        }
+        const bool isIcon = IsEqualCLSID(classId, iconHandlerClass);
+        const Answer answer =
+            isIcon ? AskIcons(*Ask<IExtractIconW>(persist.Get(), IID_IExtractIconW).Get(), 32, 16)
+                   : AskImage(*Ask<IExtractImage2>(persist.Get(), IID_IExtractImage2).Get(), {15, 15});
+        EXPECT_EQ(S_OK, answer.result);
         EXPECT_EQ(2u, persist->AddRef()) << "the stub is gone";
         persist->Release();
     }
@@ -89,20 +87,6 @@ TEST(Apartment, ReadsAStreamOfAnotherApartment) {
     EXPECT_EQ(1u, stream.References());
 }
 
-TEST(Apartment, ExtractsOnASecondThreadAfterPending) {
-    const ScratchFile scratch(file.Build());
-    const auto image = ImageHandlerOf(scratch.Path());
-    const SIZE size{15, 15};
-    DWORD flags = IEIFLAG_ASYNC;
-    EXPECT_EQ(E_PENDING, image->GetLocation(nullptr, 0, nullptr, &size, 32, &flags));
-    Answer answer;
-    std::thread([&] {
-        const Apartment apartment(COINIT_APARTMENTTHREADED);
-        answer = AskImage(*image.Get());
-    }).join();
-    EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}), answer);
-}
-
 // Every request once, with objects of its own; pictures at their natural size.
 std::vector<Answer> AskEverything(const ZmiBuilder& picture) {
     TestStream stream(picture.Build());
@@ -117,31 +101,23 @@ std::vector<Answer> AskEverything(const ZmiBuilder& picture) {
 }
 
 TEST(Apartment, ServesEightThreadsAtOnce) {
-    struct Guest {
-        ZmiBuilder picture;
-        std::vector<Answer> expected;
-        unsigned right = 0;
-    };
-    std::vector<Guest> guests;
+    constexpr unsigned rounds = 40;
+    std::vector<std::future<unsigned>> guests;
     for (std::uint16_t i = 0; i < 8; ++i) {
         const auto edge = static_cast<std::uint16_t>(40 + i);
         const ZmiBuilder picture{.mode = i % 3u, .frames = {{edge, edge}}, .title = std::string(i, 'x')};
-        guests.push_back({picture, AskEverything(picture)});
-        EXPECT_EQ((Answer{S_OK, {NaturalPicture(picture)}}), guests.back().expected.at(0));
-    }
-    constexpr unsigned rounds = 40;
-    std::vector<std::thread> threads;
-    for (Guest& guest : guests) {
-        threads.emplace_back([&guest] {
+        const std::vector<Answer> expected = AskEverything(picture);
+        EXPECT_EQ((Answer{S_OK, {NaturalPicture(picture)}}), expected.at(0));
+        guests.push_back(std::async(std::launch::async, [=] {
             const Apartment apartment(COINIT_APARTMENTTHREADED);
+            unsigned right = 0;
             for (unsigned round = 0; round < rounds; ++round)
-                guest.right += AskEverything(guest.picture) == guest.expected ? 1 : 0;
-        });
+                right += AskEverything(picture) == expected ? 1 : 0;
+            return right;
+        }));
     }
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const Guest& guest : guests)
-        EXPECT_EQ(rounds, guest.right);
+    for (std::future<unsigned>& guest : guests)
+        EXPECT_EQ(rounds, guest.get());
     EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow"));
 }
 

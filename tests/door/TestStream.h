@@ -21,7 +21,7 @@ enum class StreamFault {
     ReadsShort,   // one byte too few, with S_OK
     ReadsNothing, // from that call on for ever, with S_OK
     ReadsTooMuch, // reports one byte more than was asked for
-    Moves,        // does its work, then the position is somewhere else
+    Moves,        // reads rightly, then the position is somewhere else
 };
 
 // Lives where its test puts it; what is left of References() after a test is the test's own one.
@@ -32,7 +32,7 @@ public:
     // The call of that number, Stat, Seek and Read counted together from 1, meets the fault.
     void BreakAt(unsigned call, StreamFault fault) {
         calls_ = 0;
-        faultHitRead_ = false;
+        hasLied_ = false;
         faultAt_ = call;
         fault_ = fault;
     }
@@ -40,9 +40,8 @@ public:
     // Answers every question for an interface with that.
     void RefuseInterfaces(HRESULT refusal) { refusal_ = refusal; }
 
-    // Whether the call that met the fault was a Read.
-    bool FaultHitRead() const { return faultHitRead_; }
-
+    // Whether the fault has told its caller anything wrong: a Seek has no bytes to fall short of.
+    bool HasLied() const { return hasLied_; }
     unsigned Calls() const { return calls_; }
     ULONG References() const { return references_; }
 
@@ -62,7 +61,7 @@ public:
 
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
         const StreamFault fault = NextFault();
-        faultHitRead_ = faultHitRead_ || fault != StreamFault::None;
+        hasLied_ = hasLied_ || (fault != StreamFault::None && fault != StreamFault::Moves);
         ULONG served = 0;
         if (fault != StreamFault::Fails && fault != StreamFault::ReadsNothing && position_ < bytes_.size()) {
             served = static_cast<ULONG>(std::min<std::uint64_t>(count, bytes_.size() - position_));
@@ -73,6 +72,8 @@ public:
         }
         if (done)
             *done = fault == StreamFault::ReadsTooMuch ? count + 1 : served;
+        if (fault == StreamFault::Moves)
+            position_ += 7;
         return Finish(fault);
     }
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* reached) override {
@@ -86,7 +87,7 @@ public:
             position_ = static_cast<std::uint64_t>(base + distance.QuadPart);
         if (reached)
             reached->QuadPart = position_;
-        return fault == StreamFault::Moves ? S_OK : Finish(fault);
+        return Finish(fault);
     }
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD) override {
         const StreamFault fault = NextFault();
@@ -116,8 +117,7 @@ private:
         return faultAt_ > 0 && due ? fault_ : StreamFault::None;
     }
     HRESULT Finish(StreamFault fault) {
-        if (fault == StreamFault::Moves)
-            position_ += 7;
+        hasLied_ = hasLied_ || fault == StreamFault::Fails;
         return fault == StreamFault::Fails ? E_FAIL : S_OK;
     }
 
@@ -127,7 +127,7 @@ private:
     unsigned calls_ = 0;
     unsigned faultAt_ = 0;
     StreamFault fault_ = StreamFault::None;
-    bool faultHitRead_ = false;
+    bool hasLied_ = false;
     HRESULT refusal_ = S_OK;
     std::atomic<ULONG> references_ = 1;
 };

@@ -1,0 +1,63 @@
+#include "tests/door/Requests.h"
+#include "tests/door/ScratchFile.h"
+#include "tests/door/TestStream.h"
+
+namespace vantrel::tests {
+namespace {
+
+TEST(StreamHandlers, TakeTheirStreamOnce) {
+    for (const CLSID& classId : {thumbnailProviderClass, propertyStoreClass}) {
+        TestStream first(ZmiBuilder{.frames = {{9, 9}}, .title = "first"}.Build());
+        TestStream second(ZmiBuilder{}.Build());
+        auto initialize = Create<IInitializeWithStream>(classId, IID_IInitializeWithStream);
+        const bool shows = IsEqualCLSID(classId, thumbnailProviderClass);
+        const auto ask = [&] {
+            IUnknown* const object = initialize.Get();
+            return shows
+                       ? AskThumbnail(*Ask<IThumbnailProvider>(object, __uuidof(IThumbnailProvider)).Get(), 9)
+                       : AskValue(*Ask<IPropertyStore>(object, IID_IPropertyStore).Get(), titleKey);
+        };
+        EXPECT_EQ(shows ? E_FAIL : S_FALSE, ask().result) << "before it has a stream";
+        EXPECT_EQ(E_POINTER, initialize->Initialize(nullptr, STGM_READ));
+        second.RefuseInterfaces(E_ACCESSDENIED);
+        EXPECT_EQ(E_ACCESSDENIED, initialize->Initialize(&second, STGM_READ));
+        second.RefuseInterfaces(S_OK);
+        EXPECT_EQ(S_OK, initialize->Initialize(&first, STGM_READ)) << "nothing is held yet";
+        EXPECT_EQ(E_UNEXPECTED, initialize->Initialize(&second, STGM_READ));
+        for (int round = 0; round < 3; ++round) {
+            const Answer answer = ask();
+            EXPECT_TRUE(shows ? answer.pictures.at(0).width == 9 : answer.text == L"bstr:first") << answer;
+        }
+        EXPECT_EQ(0u, second.Calls());
+        EXPECT_EQ(1u, second.References());
+        EXPECT_EQ(2u, first.References());
+        initialize.Reset();
+        EXPECT_EQ(1u, first.References());
+    }
+}
+
+TEST(PathHandlers, TakeAnyNumberOfPathsAndNothingElse) {
+    const ScratchFile scratch(FlatFile(8, 4).Build());
+    for (const Request& request : PathRequests(L"C:\\no such file.zmi"))
+        EXPECT_EQ(Answer{request.failure}, request.ask()) << request.name;
+    const auto image = ImageHandlerOf(L"C:\\no such file.zmi");
+    const auto icons = IconHandlerOf(L"C:\\no such file.zmi");
+    for (IUnknown* const handler :
+         {static_cast<IUnknown*>(image.Get()), static_cast<IUnknown*>(icons.Get())}) {
+        const auto persist = Ask<IPersistFile>(handler, IID_IPersistFile);
+        CLSID found{};
+        wchar_t* name = nullptr;
+        EXPECT_EQ(E_NOTIMPL, persist->GetClassID(&found));
+        EXPECT_EQ(E_NOTIMPL, persist->IsDirty());
+        EXPECT_EQ(E_NOTIMPL, persist->Save(L"x", TRUE));
+        EXPECT_EQ(E_NOTIMPL, persist->SaveCompleted(L"x"));
+        EXPECT_EQ(E_NOTIMPL, persist->GetCurFile(&name));
+        EXPECT_EQ(E_POINTER, persist->Load(nullptr, 0));
+        EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
+    }
+    EXPECT_EQ((Answer{S_OK, {FlatPicture(8, 4)}}), AskImage(*image.Get(), {8, 8}));
+    EXPECT_EQ(S_OK, AskIcons(*icons.Get(), 8, 8).result);
+}
+
+} // namespace
+} // namespace vantrel::tests
