@@ -71,9 +71,6 @@ TEST(Module, CountsFactoriesAndLocksButNoObjects) {
     ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IUnknown, &first));
     ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IClassFactory, &second));
     EXPECT_NE(first.Get(), second.Get());
-    EXPECT_EQ(2u, first->AddRef());
-    EXPECT_EQ(1u, first->Release());
-    EXPECT_EQ(S_FALSE, CanUnload());
     second.Reset();
     EXPECT_EQ(S_FALSE, CanUnload());
 
@@ -108,6 +105,7 @@ TEST(Module, ServesEachClassWithItsInterfacesAndNoOthers) {
                 std::find(each.interfaces.begin(), each.interfaces.end(), iid) != each.interfaces.end();
             ComPtr<IUnknown> answer;
             EXPECT_EQ(own ? S_OK : E_NOINTERFACE, object->QueryInterface(iid, &answer));
+            EXPECT_EQ(E_POINTER, object->QueryInterface(iid, nullptr));
             EXPECT_EQ(own, answer != nullptr);
             // One identity, whichever interface is asked.
             EXPECT_TRUE(!own || Ask<IUnknown>(answer.Get(), IID_IUnknown) == object);
