@@ -2,7 +2,22 @@
 
 #include <cstring>
 
+#include <emmintrin.h>
+
 namespace vantrel {
+
+namespace {
+
+// SSE2, which every x64 processor has: of plain loops GCC makes a quarter to a half more instructions.
+__m128i Load(const std::uint8_t* bytes) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+void Store(std::uint32_t* words, __m128i vector) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(words), vector);
+}
+
+} // namespace
 
 void ExpandPalette(const Palette& palette, std::uint32_t* words) {
     for (std::size_t i = 0; i < 256; ++i)
@@ -11,7 +26,23 @@ void ExpandPalette(const Palette& palette, std::uint32_t* words) {
 
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width) {
     const auto mask = static_cast<std::uint8_t>(1u << bit);
-    for (std::size_t x = 0; x < width; ++x)
+    const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
+    const __m128i zero = _mm_setzero_si128();
+    std::size_t x = 0;
+    for (; x + 16 <= width; x += 16) {
+        const __m128i bits = _mm_and_si128(Load(page + x), masks);
+        const __m128i white = _mm_cmpeq_epi8(bits, zero);
+        // Each byte of the mask becomes blue, green and red of a word, and 0 its alpha.
+        const __m128i blueGreen0 = _mm_unpacklo_epi8(white, white);
+        const __m128i blueGreen8 = _mm_unpackhi_epi8(white, white);
+        const __m128i red0 = _mm_unpacklo_epi8(white, zero);
+        const __m128i red8 = _mm_unpackhi_epi8(white, zero);
+        Store(words + x, _mm_unpacklo_epi16(blueGreen0, red0));
+        Store(words + x + 4, _mm_unpackhi_epi16(blueGreen0, red0));
+        Store(words + x + 8, _mm_unpacklo_epi16(blueGreen8, red8));
+        Store(words + x + 12, _mm_unpackhi_epi16(blueGreen8, red8));
+    }
+    for (; x < width; ++x)
         words[x] = (page[x] & mask) != 0 ? 0x00000000u : 0x00FFFFFFu;
 }
 
@@ -29,15 +60,28 @@ void ConvertIndexedRow(const std::uint8_t* indices, const std::uint32_t* palette
 }
 
 void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::size_t width) {
-    // Stored by halves: so the compiler interleaves vectors of halves instead of widening each.
-    auto* const bytes = reinterpret_cast<std::uint8_t*>(words);
-    for (std::size_t x = 0; x < width; ++x) {
+    // Words are made in halves of 16 bits; fields at their largest get the bits below them, too.
+    const __m128i fullGreenBlue = _mm_set1_epi16(static_cast<short>(0xFCF8));
+    const __m128i restGreenBlue = _mm_set1_epi16(0x0307);
+    const __m128i greens = _mm_set1_epi16(static_cast<short>(0xFC00));
+    const __m128i fullRed = _mm_set1_epi16(0x00F8);
+    const __m128i restRed = _mm_set1_epi16(0x0007);
+    std::size_t x = 0;
+    for (; x + 8 <= width; x += 8) {
+        const __m128i colours = Load(pixels + 2 * x);
+        __m128i greenBlue = _mm_or_si128(_mm_and_si128(_mm_slli_epi16(colours, 5), greens),
+                                         _mm_and_si128(_mm_slli_epi16(colours, 3), fullRed));
+        greenBlue =
+            _mm_or_si128(greenBlue, _mm_and_si128(_mm_cmpeq_epi8(greenBlue, fullGreenBlue), restGreenBlue));
+        __m128i red = _mm_and_si128(_mm_srli_epi16(colours, 8), fullRed);
+        red = _mm_or_si128(red, _mm_and_si128(_mm_cmpeq_epi8(red, fullRed), restRed));
+        Store(words + x, _mm_unpacklo_epi16(greenBlue, red));
+        Store(words + x + 4, _mm_unpackhi_epi16(greenBlue, red));
+    }
+    for (; x < width; ++x) {
         std::uint16_t colour;
         std::memcpy(&colour, pixels + 2 * x, sizeof colour);
-        const std::uint16_t low = GreenBlueHalf(colour);
-        const std::uint16_t high = RedHalf(colour);
-        std::memcpy(bytes + 4 * x, &low, sizeof low);
-        std::memcpy(bytes + 4 * x + 2, &high, sizeof high);
+        words[x] = ExpandRgb565(colour);
     }
 }
 
