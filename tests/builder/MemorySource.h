@@ -15,10 +15,8 @@ public:
 
     // Calls count from 1, Size among them. A failing read leaves half of what was asked for in the buffer.
     std::size_t failingCall = 0;
-    // What Size answers instead of the truth.
-    std::optional<std::uint64_t> claimedSize{};
 
-    std::uint64_t Size() override { return Fails() ? 0 : claimedSize.value_or(bytes_.size()); }
+    std::uint64_t Size() override { return Fails() ? 0 : bytes_.size(); }
 
     bool ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) override {
         const bool fails = Fails();

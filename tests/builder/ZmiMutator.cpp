@@ -73,20 +73,18 @@ void ZmiMutator::Mutate(Bytes& file) {
     const bool hasRecord = frames > 0 && HasPlace(file, record, frame_record::size);
 
     switch (Pick(8)) {
-    case 0: {
-        constexpr Field fields[] = {image_header::pixelOffset, image_header::paletteOffset,
-                                    image_header::flags, image_header::width, image_header::height};
-        SetField(file, payload, fields[Pick(std::size(fields))], TellingNumber(file));
+    case 0:
+    case 1:
+    case 2: {
+        constexpr Field headerFields[] = {image_header::pixelOffset, image_header::paletteOffset,
+                                          image_header::flags, image_header::width, image_header::height};
+        constexpr Field recordFields[] = {frame_record::dataOffset, frame_record::paletteOffset,
+                                          frame_record::flags, frame_record::width, frame_record::height};
+        const bool inRecord = hasRecord && Pick(3) > 0;
+        SetField(file, inRecord ? record : payload, (inRecord ? recordFields : headerFields)[Pick(5)],
+                 TellingNumber(file));
         break;
     }
-    case 1:
-    case 2:
-        if (hasRecord) {
-            constexpr Field fields[] = {frame_record::dataOffset, frame_record::paletteOffset,
-                                        frame_record::flags, frame_record::width, frame_record::height};
-            SetField(file, record, fields[Pick(std::size(fields))], TellingNumber(file));
-        }
-        break;
     case 3:
         if (hasTable)
             SetField(file, table, frame_table::frameCount,

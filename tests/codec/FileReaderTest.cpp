@@ -36,20 +36,17 @@ private:
 } // namespace
 
 TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
-    for (const std::uint8_t kind : {std::uint8_t{1}, std::uint8_t{2}}) {
-        Bytes file = ZmiBuilder{.frames = {{5, 3}}, .gap = 5000}.Build();
-        SetField(file, 0, file_header::kind, kind);
-        MemorySource source(file);
-        FileHeader header;
-        std::optional<PayloadReader> payload;
-        EXPECT_TRUE(readFile(source, kind, header, payload));
-        EXPECT_FALSE(readFile(source, 3, header, payload));
-        EXPECT_FALSE(payload.has_value());
-        EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
-    }
-    MemorySource nothing({});
+    Bytes file = ZmiBuilder{.frames = {{5, 3}}, .gap = 5000}.Build();
+    SetField(file, 0, file_header::kind, 2);
+    MemorySource other(file);
     FileHeader header;
     std::optional<PayloadReader> payload;
+    EXPECT_TRUE(readFile(other, 2, header, payload));
+    EXPECT_FALSE(readFile(other, 1, header, payload));
+    EXPECT_FALSE(payload.has_value());
+    EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
+
+    MemorySource nothing({});
     EXPECT_FALSE(readFile(nothing, 1, header, payload));
     EXPECT_EQ(nothing.Calls(), 1u) << "read before its size is known";
     const FileHeader zeros{};

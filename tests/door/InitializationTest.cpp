@@ -55,8 +55,12 @@ TEST(PathHandlers, TakeAnyNumberOfPathsAndNothingElse) {
         EXPECT_EQ(E_POINTER, persist->Load(nullptr, 0));
         EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
     }
+    // Others may have the file open, even for writing.
+    const HANDLE writer =
+        CreateFileW(scratch.Path(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ((Answer{S_OK, {FlatPicture(8, 4)}}), AskImage(*image.Get(), {8, 8}));
     EXPECT_EQ(S_OK, AskIcons(*icons.Get(), 8, 8).result);
+    CloseHandle(writer);
 }
 
 } // namespace

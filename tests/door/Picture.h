@@ -62,11 +62,10 @@ inline Picture NaturalPicture(const ZmiBuilder& file) {
 // A file of one colour, which scaling leaves as it is, and a bitmap of that colour.
 inline constexpr std::uint32_t flatColour = 0xFF0000;
 
-inline ZmiBuilder FlatFile(std::uint16_t width, std::uint16_t height) {
-    Bytes pixels;
-    for (std::size_t i = 0; i < std::size_t{width} * height; ++i)
-        pixels.insert(pixels.end(), {0x00, 0xF8});
-    return {.frames = {{width, height, pixels}}};
+inline ZmiBuilder FlatFile(std::uint16_t width, std::uint16_t height, std::uint16_t colour565 = 0xF800) {
+    ZmiBuilder file{.mode = 1, .frames = {{width, height}}};
+    file.palette.fill(colour565);
+    return file;
 }
 
 inline Picture FlatPicture(unsigned width, unsigned height, std::uint32_t colour = flatColour) {

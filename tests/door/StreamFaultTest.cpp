@@ -52,21 +52,5 @@ TEST(BrokenStream, IsMeasuredByTheLowHalfOfItsSize) {
     }
 }
 
-// The header and the size agree on gigabytes that are not there: nothing may be allocated for them, and the
-// reading stops at the first byte that is missing.
-TEST(BrokenStream, ClaimsGigabytesThatAreNotThere) {
-    for (const std::uint32_t claim : {0x10000000u, 0x7FFFFF00u, 0x80000000u, 0xFFFFFF00u}) {
-        Bytes bytes = files[1].Build();
-        SetField(bytes, 0, file_header::dataSize, static_cast<std::uint32_t>(claim - file_header::size - 4));
-        TestStream stream(bytes);
-        stream.ClaimSize(claim);
-        for (const Request& request : StreamRequests(stream)) {
-            stream.BreakAt(0, StreamFault::None);
-            EXPECT_EQ(Answer{request.failure}, request.ask());
-            EXPECT_GT(10u, stream.Calls());
-        }
-    }
-}
-
 } // namespace
 } // namespace vantrel::tests

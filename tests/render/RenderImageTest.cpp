@@ -55,21 +55,4 @@ TEST(RenderImage, AStreamComesBeforeAPath) {
     EXPECT_FALSE(RenderImage({.dimensions = dimensions}));
 }
 
-// No handler asks for a fitted bitmap in a box that is not square, nor for an icon of that size.
-TEST(RenderImage, ReachesBeyondWhatHandlersAsk) {
-    TestStream stream(ZmiBuilder{.frames = {{9, 5}}}.Build());
-    HBITMAP bitmap = nullptr;
-    EXPECT_TRUE(RenderImage({.stream = &stream,
-                             .bitmap = &bitmap,
-                             .width = 0xFFFFFFFF,
-                             .height = 10,
-                             .fitMode = FitMode::Fitted}));
-    BITMAP facts{};
-    EXPECT_NE(GetObjectW(bitmap, sizeof facts, &facts), 0);
-    EXPECT_TRUE(facts.bmWidth == 18 && facts.bmHeight == 10);
-    EXPECT_TRUE(DeleteObject(bitmap));
-    HICON icon = nullptr;
-    EXPECT_FALSE(RenderImage({.stream = &stream, .largeIcon = &icon, .largeSize = 0xFFFFFFFF}));
-}
-
 } // namespace vantrel::tests

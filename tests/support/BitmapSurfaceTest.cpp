@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <string>
 
 namespace vantrel::tests {
 
@@ -29,21 +29,14 @@ struct TestSurface : BitmapSurface {
 TEST(BitmapSurface, FillTakesEdges) {
     const struct {
         RECT edges, filled;
-    } cases[] = {
-        {{0, 0, 0, 0}, {0, 0, 48, 32}},
-        {{0, 0, 10, 0}, {0, 0, 0, 0}},
-        {{3, 5, 10, 9}, {3, 5, 10, 9}},
-        {{40, -7, 99, 2}, {40, 0, 48, 2}},
-    };
+    } cases[] = {{{0, 0, 0, 0}, {0, 0, 8, 9}}, {{0, 0, 5, 0}, {0, 0, 0, 0}}, {{3, -5, 9, 7}, {3, 0, 8, 7}}};
     for (const auto& [edges, filled] : cases) {
-        TestSurface surface(48, 32);
+        TestSurface surface(8, 9);
         EXPECT_TRUE(surface.Fill(RGB(1, 2, 3), edges.left, edges.top, edges.right, edges.bottom));
-        for (int y = 0; y < 32; ++y)
-            for (int x = 0; x < 48; ++x) {
-                const bool inside =
-                    x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
-                ASSERT_EQ(surface.At(x, y) & 0xFFFFFF, inside ? 0x010203u : 0u) << x << ", " << y;
-            }
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 8; ++x)
+                EXPECT_EQ(surface.At(x, y) & 0xFFFFFF, PtInRect(&filled, {x, y}) ? 0x010203u : 0)
+                    << x << ", " << y;
     }
 }
 
@@ -51,14 +44,13 @@ TEST(BitmapSurface, StretchTakesTheDestinationsSizeForZero) {
     TestSurface source(4, 4);
     for (int i = 0; i < 16; ++i)
         source.At(i % 4, i / 4) = static_cast<std::uint32_t>(i + 1) * 0x100804;
+    const RECT drawn{2, 3, 4, 5};
     for (const int size : {0, 2}) {
         TestSurface target(5, 6);
         ASSERT_TRUE(target.StretchFrom(source.Dc(), 2, 3, 2, 2, 1, 2, size, size));
         for (int y = 0; y < 6; ++y)
-            for (int x = 0; x < 5; ++x) {
-                const bool inside = (x == 2 || x == 3) && (y == 3 || y == 4);
-                EXPECT_EQ(target.At(x, y) & 0xFFFFFF, inside ? source.At(x - 1, y - 1) : 0) << x << ", " << y;
-            }
+            for (int x = 0; x < 5; ++x)
+                EXPECT_EQ(target.At(x, y) & 0xFFFFFF, PtInRect(&drawn, {x, y}) ? source.At(x - 1, y - 1) : 0);
     }
     EXPECT_FALSE(BitmapSurface().StretchFrom(source.Dc(), 0, 0, 1, 1, 0, 0, 1, 1));
 }
@@ -66,24 +58,19 @@ TEST(BitmapSurface, StretchTakesTheDestinationsSizeForZero) {
 TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
     const struct {
         std::uint32_t x, y, width, height;
-        std::vector<int> transparent; // pixels by number, row by row from the top; all have the key colour
-    } cases[] = {
-        {0, 0, 4, 1, {0, 1, 2, 3, 4, 5, 6, 7}},
-        {1, 1, 2, 2, {0, 3, 4, 7, 8, 9, 10, 11}},
-        {2, 1, 0xFFFFFFFF, 0xFFFFFFFF, {0, 1, 4, 5, 8, 9, 10, 11}},
-        {0, 0, 0, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
-        {0xFFFFFFFF, 0, 9, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
-    };
-    for (const auto& [x, y, width, height, transparent] : cases)
+        std::string opaque; // of the key colour, from the top left on: x marks what stays visible
+    } cases[] = {{0, 0, 4, 1, "........xxxx"},
+                 {1, 1, 2, 2, ".xx..xx....."},
+                 {2, 1, 0xFFFFFFFF, 0xFFFFFFFF, "..xx..xx...."},
+                 {0xFFFFFFFF, 0, 9, 3, "............"}};
+    for (const auto& [x, y, width, height, opaque] : cases)
         for (const std::uint32_t colour : {keyWord, keyWord + 1, 0x0080FFu}) {
             TestSurface surface(4, 3);
             std::fill_n(surface.Bits(), 12, 0x55000000 | colour);
             surface.SetAlphaOutside(key, x, y, width, height);
             for (int i = 0; i < 12; ++i) {
-                const bool clear =
-                    colour == keyWord && std::count(transparent.begin(), transparent.end(), i) > 0;
-                EXPECT_EQ(surface.At(i % 4, i / 4), (clear ? 0 : 0xFF000000) | colour)
-                    << x << ", " << y << ": " << i;
+                const bool clear = colour == keyWord && opaque.at(static_cast<std::size_t>(i)) == '.';
+                EXPECT_EQ(surface.At(i % 4, i / 4), (clear ? 0 : 0xFF000000) | colour) << opaque << ", " << i;
             }
         }
 }
@@ -115,11 +102,13 @@ TEST(BitmapSurface, CreateReplacesTheBitmapAndKeepsTheContext) {
 }
 
 TEST(BitmapSurface, ImpossibleDibSectionsLeaveNoBitmap) {
-    const struct {
-        std::uint32_t width, height;
-    } cases[] = {{0, 5}, {5, 0}, {0xFFFFFFFF, 1}, {1, 0x80000000}, {0x8000, 0x8000}, {0x10000, 0x10000}};
     TestSurface surface(4, 3);
-    for (const auto& [width, height] : cases) {
+    for (const auto& [width, height] : {std::pair{0u, 5u},
+                                        {5u, 0u},
+                                        {0xFFFFFFFFu, 1u},
+                                        {1u, 0x80000000u},
+                                        {0x8000u, 0x8000u},
+                                        {0x10000u, 0x10000u}}) {
         SCOPED_TRACE(testing::Message() << width << " x " << height);
         EXPECT_TRUE(surface.Create(width, height, BitmapKind::Dib));
         EXPECT_EQ(surface.Bits(), nullptr);

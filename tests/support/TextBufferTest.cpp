@@ -21,55 +21,43 @@ void ExpectText(const TextBuffer& text, const std::wstring& expected, std::size_
 } // namespace
 
 TEST(TextBuffer, FormatGrowsInSteps) {
-    const struct {
-        std::size_t length, capacity;
-    } cases[] = {{1, 260}, {258, 260}, {259, 260}, {260, 520}, {519, 520}, {520, 780}, {5000, 5200}};
-    for (const auto& [length, capacity] : cases) {
+    for (const std::size_t length : {1, 258, 259, 260, 519, 520, 5000}) {
         TextBuffer text;
         ExpectText(text, L"");
         const std::wstring start(length - 1, L'x');
         EXPECT_TRUE(text.Format(L"%ls%u", start.c_str(), 7)) << length;
-        ExpectText(text, start + L'7', capacity);
+        ExpectText(text, start + L'7', (length / 260 + 1) * 260);
     }
 }
 
 TEST(TextBuffer, FormatGivesUpAtItsLimit) {
     constexpr std::size_t limit = 3145728;
-    const struct {
-        std::size_t capacity; // before
-        std::size_t length;
-        bool fits;
-    } cases[] = {
-        {limit - 1, limit - 2 + 260, true}, // below the limit: grows once more
-        {limit - 1, limit - 1 + 260, false},
-        {limit, limit - 1, true},
-        {limit, limit, false},
-    };
-    for (const auto& [capacity, length, fits] : cases) {
-        TextBuffer text;
-        ASSERT_TRUE(text.AssignWide(std::wstring(capacity - 1, L'-').c_str()));
-        EXPECT_EQ(text.Format(L"%ls", std::wstring(length, L'x').c_str()), fits) << length;
-        EXPECT_EQ(text.Length(), fits ? length + 1 : 1);
+    for (const std::size_t capacity : {limit - 1, limit}) {
+        const std::size_t most = capacity < limit ? capacity + 260 : capacity; // below it, grows once more
+        for (const std::size_t length : {most - 1, most}) {
+            TextBuffer text;
+            ASSERT_TRUE(text.AssignWide(std::wstring(capacity - 1, L'-').c_str()));
+            EXPECT_EQ(text.Format(L"%ls", std::wstring(length, L'x').c_str()), length < most) << length;
+            EXPECT_EQ(text.Length(), length < most ? length + 1 : 1);
+        }
     }
 }
 
 TEST(TextBuffer, AssigningGrowsToWhatIsNeeded) {
-    const struct {
-        std::size_t count, capacity;
-    } cases[] = {{0, 260}, {5, 260}, {259, 260}, {260, 261}, {1000, 1001}};
-    for (const auto& [count, capacity] : cases) {
-        TextBuffer text;
+    for (const std::size_t count : {0, 5, 259, 260, 1000}) {
+        TextBuffer text, byValue, byCodePage;
+        const std::size_t capacity = std::max<std::size_t>(count + 1, 260);
         EXPECT_TRUE(text.AssignWide(std::wstring(count, L'\u03B6').c_str()));
         ExpectText(text, std::wstring(count, L'\u03B6'), capacity);
         EXPECT_TRUE(text.AssignWide(L"ab\0cd", 5)); // the text ends at its first zero
         ExpectText(text, L"ab", capacity);
         EXPECT_TRUE(text.AssignWide(nullptr, 7));
         ExpectText(text, L"", capacity);
-        for (const auto widening : {TextBuffer::Widening::ByValue, TextBuffer::Widening::AnsiCodePage}) {
-            TextBuffer narrow;
-            EXPECT_TRUE(narrow.AssignNarrow(std::string(2000, 'n').c_str(), count, widening));
-            ExpectText(narrow, std::wstring(count, L'n'), capacity);
-        }
+        const std::string narrow(2000, 'n');
+        EXPECT_TRUE(byValue.AssignNarrow(narrow.data(), count, TextBuffer::Widening::ByValue));
+        ExpectText(byValue, std::wstring(count, L'n'), capacity);
+        EXPECT_TRUE(byCodePage.AssignNarrow(narrow.data(), count, TextBuffer::Widening::AnsiCodePage));
+        ExpectText(byCodePage, std::wstring(count, L'n'), capacity);
     }
 }
 
