@@ -1,0 +1,49 @@
+#include "codec/PixelConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace vantrel::tests {
+
+namespace {
+
+std::uint32_t Channel(unsigned value, unsigned most, unsigned factor) {
+    return value == most ? 255 : value * factor;
+}
+
+} // namespace
+
+// Every colour, and rows of every length around a vector's.
+TEST(PixelConversion, ExpandsEveryColourAtEveryWidth) {
+    std::vector<std::uint8_t> pixels;
+    std::vector<std::uint32_t> expected;
+    for (unsigned colour = 0; colour < 0x10000; ++colour) {
+        pixels.push_back(static_cast<std::uint8_t>(colour));
+        pixels.push_back(static_cast<std::uint8_t>(colour >> 8));
+        expected.push_back(Channel(colour / 2048, 31, 8) * 65536 + Channel(colour / 32 % 64, 63, 4) * 256 +
+                           Channel(colour % 32, 31, 8));
+    }
+    for (std::size_t begin = 0, width = 0; begin + width <= expected.size(); begin += width, ++width) {
+        std::vector<std::uint32_t> words(width + 1, 0xDEADBEEF);
+        ConvertRgb565Row(pixels.data() + 2 * begin, words.data(), width);
+        EXPECT_TRUE(std::equal(words.begin(), words.end() - 1, expected.data() + begin)) << width;
+        EXPECT_EQ(words.back(), 0xDEADBEEF) << width;
+    }
+    std::vector<std::uint32_t> all(expected.size());
+    ConvertRgb565Row(pixels.data(), all.data(), all.size());
+    EXPECT_EQ(all, expected);
+
+    for (std::size_t width = 0; width < 70; ++width)
+        for (unsigned bit = 0; bit < 8; ++bit) {
+            std::vector<std::uint32_t> words(width + 1, 0xDEADBEEF);
+            ConvertMonochromeRow(pixels.data() + 1000, bit, words.data(), width);
+            for (std::size_t x = 0; x < width; ++x)
+                EXPECT_EQ(words[x], pixels[1000 + x] / (1u << bit) % 2 != 0 ? 0u : 0xFFFFFFu)
+                    << width << ' ' << x;
+            EXPECT_EQ(words.back(), 0xDEADBEEF) << width;
+        }
+}
+
+} // namespace vantrel::tests
