@@ -21,7 +21,7 @@ void ExpectText(const TextBuffer& text, const std::wstring& expected, std::size_
 } // namespace
 
 TEST(TextBuffer, FormatGrowsInSteps) {
-    for (const std::size_t length : {1, 258, 259, 260, 519, 520, 5000}) {
+    for (const std::size_t length : {1u, 258u, 259u, 260u, 519u, 520u, 5000u}) {
         TextBuffer text;
         ExpectText(text, L"");
         const std::wstring start(length - 1, L'x');
@@ -44,7 +44,7 @@ TEST(TextBuffer, FormatGivesUpAtItsLimit) {
 }
 
 TEST(TextBuffer, AssigningGrowsToWhatIsNeeded) {
-    for (const std::size_t count : {0, 5, 259, 260, 1000}) {
+    for (const std::size_t count : {0u, 5u, 259u, 260u, 1000u}) {
         TextBuffer text, byValue, byCodePage;
         const std::size_t capacity = std::max<std::size_t>(count + 1, 260);
         EXPECT_TRUE(text.AssignWide(std::wstring(count, L'\u03B6').c_str()));
