@@ -5,8 +5,6 @@
 #include "module/ModuleState.h"
 #include "module/Registration.h"
 
-#include <new>
-
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
     if (reason == DLL_PROCESS_ATTACH) {
         vantrel::g_moduleInstance = instance;
@@ -20,14 +18,8 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
         return E_POINTER;
     *object = nullptr;
     const vantrel::CreateInstanceFn create = vantrel::FindCreator(classId);
-    if (!create)
-        return CLASS_E_CLASSNOTAVAILABLE;
-    auto* const factory = new (std::nothrow) vantrel::ClassFactory(create);
-    if (!factory)
-        return E_OUTOFMEMORY;
-    const HRESULT result = factory->QueryInterface(iid, object);
-    factory->Release();
-    return result;
+    return create ? vantrel::CreateObject<vantrel::ClassFactory>(iid, object, create)
+                  : CLASS_E_CLASSNOTAVAILABLE;
 }
 
 STDAPI DllCanUnloadNow() {

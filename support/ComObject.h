@@ -65,9 +65,9 @@ void* AsBase(Object* object) {
 // Makes an object of a class and hands out the interface asked for. E_OUTOFMEMORY when there is no memory for
 // it, else what its QueryInterface answers; a refused interface destroys the object at once. Passes on what
 // its members throw.
-template <class Class>
-HRESULT CreateObject(REFIID iid, void** object) {
-    Class* const created = new (std::nothrow) Class;
+template <class Class, class... Arguments>
+HRESULT CreateObject(REFIID iid, void** object, Arguments... arguments) {
+    Class* const created = new (std::nothrow) Class(arguments...);
     if (!created)
         return E_OUTOFMEMORY;
     const HRESULT result = created->QueryInterface(iid, object);
