@@ -23,6 +23,12 @@ struct DecodedImage {
     std::vector<Palette> palettes; // in the order loaded
 };
 
+// Bytes of a frame's pixels as they stand in a DecodedImage whose header names the mode.
+constexpr std::uint64_t DecodedByteCount(PixelMode mode, std::uint16_t width, std::uint16_t height) {
+    return mode == PixelMode::Monochrome ? (height + 7u) / 8u * std::uint64_t{width}
+                                         : PixelByteCount(mode, width, height);
+}
+
 // A list's element. Throws std::out_of_range when the index is not in the list.
 template <class List>
 auto& ElementAt(List& list, std::size_t index) {

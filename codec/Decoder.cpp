@@ -18,10 +18,9 @@ void MakeBlankDefault(DecodedImage& image, std::uint32_t framesWanted) {
     frame.width = blankDefaultWidth;
     frame.height = blankDefaultHeight;
     image.frames.push_back(frame);
-    // Zeros are zeros in row order and in page order.
     if (framesWanted > 0)
         image.framePixels.emplace_back(
-            PixelByteCount(PixelMode::Monochrome, blankDefaultWidth, blankDefaultHeight), std::uint8_t{0});
+            DecodedByteCount(PixelMode::Monochrome, blankDefaultWidth, blankDefaultHeight), std::uint8_t{0});
 }
 
 void MakeSingleFrame(DecodedImage& image, bool hasPalette) {
@@ -107,14 +106,12 @@ bool ReadPixels(PayloadReader& payload, DecodedImage& image, std::uint32_t frame
     return true;
 }
 
-} // namespace
-
-bool decode(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted) {
+bool DecodeFrames(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted) {
     if (!payload.Read(0, &image.header, sizeof image.header))
         return false;
     if (image.header.pixelOffset == 0) {
         MakeBlankDefault(image, framesWanted);
-        return payload.ReadRest();
+        return true;
     }
 
     std::uint32_t paletteOffset = 0;
@@ -131,7 +128,20 @@ bool decode(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWan
     } else {
         MakeSingleFrame(image, paletteOffset != 0);
     }
-    return ReadPixels(payload, image, framesWanted) && payload.ReadRest();
+    return ReadPixels(payload, image, framesWanted);
+}
+
+} // namespace
+
+bool decode(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted,
+            const PixelTaker& takePixels) {
+    if (!DecodeFrames(payload, image, framesWanted))
+        return false;
+    if (takePixels) {
+        FileFramePixels pixels(payload, image, 0);
+        takePixels(pixels);
+    }
+    return payload.ReadRest();
 }
 
 } // namespace vantrel

@@ -17,26 +17,29 @@ bool IsValid(const FileHeader& header, std::uint8_t expectedKind, std::uint64_t 
 
 } // namespace
 
-bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
+bool readFile(FileWindow& file, std::uint8_t expectedKind, FileHeader& header,
               std::optional<PayloadReader>& payload) {
     header = {};
     payload.reset();
 
-    const std::uint64_t fileSize = source.Size();
-    if (fileSize == 0)
+    if (file.FileSize() == 0)
         return false;
-    if (!source.ReadAt(0, &header, sizeof header) || !IsValid(header, expectedKind, fileSize))
+    const std::uint8_t* const head = file.View(0, sizeof header);
+    if (!head)
+        return false;
+    std::memcpy(&header, head, sizeof header);
+    if (!IsValid(header, expectedKind, file.FileSize()))
         return false;
 
     // A signed position on purpose: a payload that ends at 2 GiB or beyond fails here.
     const auto trailerOffset = static_cast<std::int32_t>(header.dataOffset + header.dataSize);
     char trailer[sizeof zmiTrailer];
-    if (!source.ReadAt(trailerOffset, trailer, sizeof trailer) ||
+    if (!file.Read(trailerOffset, trailer, sizeof trailer) ||
         std::memcmp(trailer, zmiTrailer, sizeof trailer) != 0)
         return false;
 
     // Values, for packed fields bind to no reference.
-    payload.emplace(PayloadReader(source, header.dataOffset, header.dataSize));
+    payload.emplace(PayloadReader(file, header.dataOffset, header.dataSize));
     return true;
 }
 

@@ -1,7 +1,6 @@
 // The reading algorithm of ZMI files: header, trailer, then access to the payload.
 #pragma once
 
-#include "codec/ByteSource.h"
 #include "codec/PayloadReader.h"
 #include "codec/ZmiFormat.h"
 
@@ -12,7 +11,7 @@ namespace vantrel {
 // Validates a file's header and trailer and opens its payload. `header` receives what stood in the header's
 // place in every case (zeros when nothing could be read), `payload` a reader on success and nothing
 // otherwise.
-bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
+bool readFile(FileWindow& file, std::uint8_t expectedKind, FileHeader& header,
               std::optional<PayloadReader>& payload);
 
 } // namespace vantrel

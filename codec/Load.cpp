@@ -8,18 +8,22 @@ namespace vantrel {
 
 namespace {
 
-bool LoadFrom(ByteSource&& source, DecodedImage& image, std::uint32_t framesWanted) {
+bool LoadFrom(ByteSource&& source, DecodedImage& image, std::uint32_t framesWanted,
+              const PixelTaker& takePixels) {
+    FileWindow file(source);
     FileHeader header;
     std::optional<PayloadReader> payload;
-    return readFile(source, zmiPictureKind, header, payload) && decode(*payload, image, framesWanted);
+    return readFile(file, zmiPictureKind, header, payload) &&
+           decode(*payload, image, framesWanted, takePixels);
 }
 
 } // namespace
 
-bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted) {
+bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted,
+          const PixelTaker& takePixels) {
     if (stream)
-        return LoadFrom(StreamSource(*stream), image, framesWanted);
-    return path && LoadFrom(FileSource(path), image, framesWanted);
+        return LoadFrom(StreamSource(*stream), image, framesWanted, takePixels);
+    return path && LoadFrom(FileSource(path), image, framesWanted, takePixels);
 }
 
 } // namespace vantrel

@@ -10,9 +10,10 @@
 namespace vantrel {
 
 // Reads the stream when there is one, else the file at the path; with neither, false. `image` comes in empty
-// and holds the picture on true; see decode for framesWanted. A stream's position is moved, its reference
-// count is not; a file is closed before the call returns. Throws std::bad_alloc, and std::out_of_range as
-// decode does.
-bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted = allFrames);
+// and holds the picture on true; see decode for framesWanted and takePixels. A stream's position is moved, its reference
+// count is not; a file is closed before the call returns. Throws std::bad_alloc, and
+// what decode does.
+bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted = allFrames,
+          const PixelTaker& takePixels = {});
 
 } // namespace vantrel

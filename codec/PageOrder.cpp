@@ -1,5 +1,7 @@
 #include "codec/PageOrder.h"
 
+#include "codec/DecodedImage.h"
+
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
@@ -42,17 +44,23 @@ ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint
         throw std::out_of_range("invalid vector<T> subscript");
 
     ByteBuffer pages;
-    pages.resize((height + 7u) / 8u * std::size_t{width});
+    pages.resize(DecodedByteCount(PixelMode::Monochrome, width, height));
     const std::uint8_t* rows = rowBits.data();
     std::uint8_t* page = pages.data();
-    for (unsigned y = 0; y + 8 <= height; y += 8, rows += 8 * rowBytes, page += width)
-        TransposeBand(rows, rowBytes, page, width);
-    if (height % 8 != 0) {
-        ByteBuffer last(8 * rowBytes, std::uint8_t{0});
-        std::copy_n(rows, height % 8 * rowBytes, last.data());
-        TransposeBand(last.data(), rowBytes, page, width);
-    }
+    for (unsigned y = 0; y < height; y += 8, rows += 8 * rowBytes, page += width)
+        BandToPageOrder(rows, std::min(8u, height - y), width, page);
     return pages;
+}
+
+void BandToPageOrder(const std::uint8_t* rows, unsigned rowCount, std::uint16_t width, std::uint8_t* page) {
+    const std::size_t rowBytes = (width + 7u) / 8u;
+    if (rowCount == 8) {
+        TransposeBand(rows, rowBytes, page, width);
+        return;
+    }
+    ByteBuffer padded(8 * rowBytes, std::uint8_t{0});
+    std::copy_n(rows, rowCount * rowBytes, padded.data());
+    TransposeBand(padded.data(), rowBytes, page, width);
 }
 
 } // namespace vantrel

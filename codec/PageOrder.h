@@ -12,4 +12,7 @@ namespace vantrel {
 // height are 0. Throws std::out_of_range when rowBits is shorter than that.
 ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint16_t height);
 
+// Makes one such band, a page of width bytes, out of one to eight rows.
+void BandToPageOrder(const std::uint8_t* rows, unsigned rowCount, std::uint16_t width, std::uint8_t* page);
+
 } // namespace vantrel

@@ -1,17 +1,6 @@
 #include "codec/PayloadReader.h"
 
-#include <algorithm>
-
 namespace vantrel {
-
-namespace {
-
-constexpr std::uint32_t windowSize = 64 * 1024;
-
-} // namespace
-
-PayloadReader::PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::uint32_t dataSize)
-    : source_(source), dataOffset_(dataOffset), dataSize_(dataSize) {}
 
 std::int64_t PayloadReader::TablePosition(std::uint32_t fileOffset) const {
     return fileOffset - dataOffset_;
@@ -27,39 +16,17 @@ bool PayloadReader::Contains(std::int64_t position, std::uint64_t count) const {
 }
 
 bool PayloadReader::Read(std::int64_t position, void* buffer, std::uint64_t count) {
-    if (!Contains(position, count))
-        return false;
-    const auto begin = static_cast<std::uint32_t>(position);
-    const auto length = static_cast<std::uint32_t>(count);
-    if (length == 0)
-        return true;
-    if (!source_.ReadAt(std::int64_t{dataOffset_} + begin, buffer, length))
-        return false;
-    covered_.push_back({begin, begin + length});
-    return true;
+    return Contains(position, count) &&
+           file_.Read(dataOffset_ + position, buffer, static_cast<std::uint32_t>(count));
+}
+
+const std::uint8_t* PayloadReader::View(std::int64_t position, std::uint64_t count) {
+    return Contains(position, count) ? file_.View(dataOffset_ + position, static_cast<std::uint32_t>(count))
+                                     : nullptr;
 }
 
 bool PayloadReader::ReadRest() {
-    std::sort(covered_.begin(), covered_.end(), [](Range a, Range b) { return a.begin < b.begin; });
-    std::uint32_t reached = 0;
-    for (const Range range : covered_) {
-        if (range.begin > reached && !ReadGap(reached, range.begin))
-            return false;
-        reached = std::max(reached, range.end);
-    }
-    return ReadGap(reached, dataSize_);
-}
-
-bool PayloadReader::ReadGap(std::uint32_t begin, std::uint32_t end) {
-    while (begin < end) {
-        const std::uint32_t count = std::min(end - begin, windowSize);
-        if (window_.size() < count)
-            window_.resize(count);
-        if (!source_.ReadAt(std::int64_t{dataOffset_} + begin, window_.data(), count))
-            return false;
-        begin += count;
-    }
-    return true;
+    return file_.ReadRest(dataOffset_, std::uint64_t{dataOffset_} + dataSize_);
 }
 
 } // namespace vantrel

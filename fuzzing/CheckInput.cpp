@@ -151,60 +151,93 @@ std::uint32_t Rgb(unsigned colour) {
            (blue == 31 ? 255 : blue * 8);
 }
 
+enum class Painting { Done, Refused, Threw };
+
+Painting Paint(const DecodedImage& image, std::size_t i, FramePixels& pixels, BitmapSurface& surface) {
+    try {
+        return PaintFrame(image, i, pixels, surface) ? Painting::Done : Painting::Refused;
+    } catch (const std::out_of_range&) {
+        return Painting::Threw;
+    }
+}
+
 // What painting makes of each frame that is there and of the first that is not.
 void CheckPainting(const DecodedImage& image) {
+    const ByteBuffer none;
     for (std::size_t i = 0; i <= image.framePixels.size(); ++i) {
+        const ByteBuffer& bytes = i < image.framePixels.size() ? image.framePixels[i] : none;
+        HeldFramePixels pixels(bytes);
         BitmapSurface surface;
-        bool painted = false, threw = false;
-        try {
-            painted = PaintFrame(image, i, surface);
-        } catch (const std::out_of_range&) {
-            threw = true;
-        }
+        const Painting painting = Paint(image, i, pixels, surface);
         if (i >= image.frames.size()) {
-            Require(threw, "a frame that is not there throws");
+            Require(painting == Painting::Threw, "a frame that is not there throws");
             continue;
         }
         const FrameRecord& frame = image.frames[i];
         const unsigned mode = frame.flags / 8 % 4;
         const std::size_t width = frame.width, height = frame.height;
         if (mode == 3) {
-            Require(!painted && !threw, "the reserved mode is refused");
+            Require(painting == Painting::Refused, "the reserved mode is refused");
             continue;
         }
         const std::size_t palette = frame.paletteNumber > 0 ? frame.paletteNumber - 1 : 0;
-        const bool paletteMissing =
-            (frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size();
         const std::size_t needed = mode == 0   ? (height + 7) / 8 * width
                                    : mode == 1 ? width * height
                                                : 2 * width * height;
-        if (paletteMissing || i >= image.framePixels.size()) {
-            Require(threw, "a palette or pixels that are not there throw");
+        if ((frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size()) {
+            Require(painting == Painting::Threw, "a palette that is not there throws");
             continue;
         }
         if (width * height > BitmapSurface::mostPixels) {
-            Require(!painted && !threw, "no surface, no picture");
+            Require(painting == Painting::Refused, "no surface, no picture");
             continue;
         }
-        const ByteBuffer& pixels = image.framePixels[i];
-        Require(threw == (pixels.size() < needed) && painted != threw, "too few pixels throw");
-        for (std::size_t y = 0; painted && y < height; y += Step(width, height))
+        Require(painting == (bytes.size() < needed ? Painting::Threw : Painting::Done),
+                "too few pixels throw");
+        for (std::size_t y = 0; painting == Painting::Done && y < height; y += Step(width, height))
             for (std::size_t x = 0; x < width; ++x) {
                 const std::size_t at = y * width + x;
                 const std::uint32_t expected = mode == 0
-                                                   ? pixels[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
-                                               : mode == 1 ? Rgb(image.palettes[palette].colours[pixels[at]])
-                                                           : Rgb(pixels[2 * at] + pixels[2 * at + 1] * 256u);
+                                                   ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
+                                               : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
+                                                           : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
                 Require(surface.Bits()[(height - 1 - y) * width + x] == expected, "a pixel has its colour");
             }
     }
 }
 
-// Each byte of header, payload and trailer is read, and nothing between header and payload.
+// Each byte of header, payload and trailer is read.
 void CheckReads(const FileFacts& facts, const std::vector<unsigned>& reads) {
     for (std::size_t i = 0; i < reads.size(); ++i)
-        Require((reads[i] > 0) == (i < file_header::size || i >= facts.payload),
-                "what is to be read is read");
+        Require(reads[i] > 0 || (i >= file_header::size && i < facts.payload), "what is to be read is read");
+}
+
+// Frame 0 painted while its file is read is frame 0 painted from memory; `image` holds that one's pixels.
+void CheckPaintingOnTheWay(const FileFacts& facts, const DecodedImage& image) {
+    if (image.frames.empty())
+        return;
+    HeldFramePixels held(image.framePixels[0]);
+    BitmapSurface expected, surface;
+    const Painting painting = Paint(image, 0, held, expected);
+
+    MemorySource source(facts.file);
+    DecodedImage head;
+    Painting met = Painting::Refused;
+    const PixelTaker paint = [&](FramePixels& pixels) { met = Paint(head, 0, pixels, surface); };
+    Require(LoadFrom(source, head, 0, paint) && met == painting, "painting on the way changes no outcome");
+    CheckReads(facts, source.Reads());
+    const std::size_t bytes = 4u * image.frames[0].width * image.frames[0].height;
+    Require(painting != Painting::Done || bytes == 0 ||
+                std::memcmp(surface.Bits(), expected.Bits(), bytes) == 0,
+            "painting on the way changes no pixel");
+
+    MemorySource failing(facts.file);
+    failing.failingCall = 1 + facts.file.size() * 7 % source.Calls();
+    head = {};
+    met = Painting::Refused;
+    surface = {};
+    Require(!LoadFrom(failing, head, 0, paint) || met != Painting::Done || bytes == 0,
+            "a failing read fails the load or the painting");
 }
 
 } // namespace
@@ -236,8 +269,10 @@ void CheckInput(const Bytes& file) {
         CheckHeader(facts, image);
         CheckRecordsAndPalettes(facts, image, wanted);
         CheckPixels(facts, image, wanted);
-        if (wanted == choices[2])
+        if (wanted == choices[2]) {
             CheckPainting(image);
+            CheckPaintingOnTheWay(facts, image);
+        }
     }
 }
 

@@ -6,14 +6,21 @@
 
 #include <commctrl.h>
 
+#include <cwchar>
+
 namespace vantrel {
 
 namespace {
 
+bool IsZmiExtension(const wchar_t* extension) {
+    // Hosts nearly always pass just this, and lstrcmpiW costs more than opening the file does.
+    return std::wcscmp(extension, L".zmi") == 0 || lstrcmpiW(extension, L".zmi") == 0;
+}
+
 bool IsServed(const SHCOLUMNID& column, const SHCOLUMNDATA& item) {
     return IsEqualPropertyKey(column, dimensionsKey) &&
            (item.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_OFFLINE)) == 0 &&
-           item.pwszExt && lstrcmpiW(item.pwszExt, L".zmi") == 0;
+           item.pwszExt && IsZmiExtension(item.pwszExt);
 }
 
 } // namespace

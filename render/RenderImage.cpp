@@ -129,16 +129,17 @@ void StoreFacts(const DecodedImage& image, const RenderImageArguments& arguments
 bool RenderImage(const RenderImageArguments& arguments) {
     const bool factsOnly = !arguments.largeIcon && !arguments.smallIcon && !arguments.bitmap;
     DecodedImage image;
-    if (!load(arguments.path, arguments.stream, image, factsOnly ? 0 : 1))
+    BitmapSurface source;
+    bool painted = false;
+    PixelTaker paint;
+    if (!factsOnly)
+        paint = [&](FramePixels& pixels) { painted = PaintFrame(image, 0, pixels, source); };
+    if (!load(arguments.path, arguments.stream, image, 0, paint))
         return false;
     StoreFacts(image, arguments);
     if (factsOnly)
         return true;
-
-    BitmapSurface source;
-    if (!PaintFrame(image, 0, source))
-        return false;
-    return (!arguments.largeIcon || MakeIcon(source, arguments.largeSize, *arguments.largeIcon)) &&
+    return painted && (!arguments.largeIcon || MakeIcon(source, arguments.largeSize, *arguments.largeIcon)) &&
            (!arguments.smallIcon || MakeIcon(source, arguments.smallSize, *arguments.smallIcon)) &&
            (!arguments.bitmap || MakeBitmap(source, arguments));
 }

@@ -80,9 +80,7 @@ TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
         for (const std::uint32_t wanted : framesWantedChoices) {
             MemorySource whole(file);
             ASSERT_EQ(VerdictOf(whole, wanted), Verdict::Loads);
-            std::vector<unsigned> expected(file.size(), 1);
-            std::fill_n(expected.begin() + 112, 3, 0u); // the gap
-            EXPECT_EQ(whole.Reads(), expected) << "wanted " << wanted;
+            EXPECT_EQ(whole.Reads(), std::vector<unsigned>(file.size(), 1)) << "wanted " << wanted;
             for (std::size_t call = 1; call <= whole.Calls(); ++call) {
                 MemorySource failing(file);
                 failing.failingCall = call;

@@ -39,15 +39,17 @@ TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
     Bytes file = ZmiBuilder{.frames = {{5, 3}}, .gap = 5000}.Build();
     SetField(file, 0, file_header::kind, 2);
     MemorySource other(file);
+    FileWindow otherWindow(other);
     FileHeader header;
     std::optional<PayloadReader> payload;
-    EXPECT_TRUE(readFile(other, 2, header, payload));
-    EXPECT_FALSE(readFile(other, 1, header, payload));
+    EXPECT_TRUE(readFile(otherWindow, 2, header, payload));
+    EXPECT_FALSE(readFile(otherWindow, 1, header, payload));
     EXPECT_FALSE(payload.has_value());
     EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
 
     MemorySource nothing({});
-    EXPECT_FALSE(readFile(nothing, 1, header, payload));
+    FileWindow emptyWindow(nothing);
+    EXPECT_FALSE(readFile(emptyWindow, 1, header, payload));
     EXPECT_EQ(nothing.Calls(), 1u) << "read before its size is known";
     const FileHeader zeros{};
     EXPECT_EQ(std::memcmp(&header, &zeros, sizeof header), 0);

@@ -8,10 +8,13 @@
 
 namespace vantrel::tests {
 
-inline bool LoadFrom(ByteSource& source, DecodedImage& image, std::uint32_t framesWanted = allFrames) {
+inline bool LoadFrom(ByteSource& source, DecodedImage& image, std::uint32_t framesWanted = allFrames,
+                     const PixelTaker& takePixels = {}) {
+    FileWindow file(source);
     FileHeader header;
     std::optional<PayloadReader> payload;
-    return readFile(source, zmiPictureKind, header, payload) && decode(*payload, image, framesWanted);
+    return readFile(file, zmiPictureKind, header, payload) &&
+           decode(*payload, image, framesWanted, takePixels);
 }
 
 template <class Source>

@@ -28,7 +28,8 @@ TEST(PaintFrame, EqualsOneSetPixelPerPixel) {
             DecodedImage image;
             ASSERT_TRUE(LoadFrom(source, image));
             BitmapSurface painted, reference;
-            ASSERT_TRUE(PaintFrame(image, 1, painted));
+            HeldFramePixels pixels(image.framePixels[1]);
+            ASSERT_TRUE(PaintFrame(image, 1, pixels, painted));
             ASSERT_TRUE(reference.Create(width, height, BitmapKind::Dib));
             for (unsigned y = 0; y < height; ++y)
                 for (unsigned x = 0; x < width; ++x) {
