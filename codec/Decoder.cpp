@@ -139,7 +139,8 @@ bool decode(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWan
         return false;
     if (takePixels) {
         FileFramePixels pixels(payload, image, 0);
-        takePixels(pixels);
+        if (!takePixels(pixels))
+            return false;
     }
     return payload.ReadRest();
 }

@@ -130,16 +130,13 @@ bool RenderImage(const RenderImageArguments& arguments) {
     const bool factsOnly = !arguments.largeIcon && !arguments.smallIcon && !arguments.bitmap;
     DecodedImage image;
     BitmapSurface source;
-    bool painted = false;
     PixelTaker paint;
     if (!factsOnly)
-        paint = [&](FramePixels& pixels) { painted = PaintFrame(image, 0, pixels, source); };
+        paint = [&](FramePixels& pixels) { return PaintFrame(image, 0, pixels, source); };
     if (!load(arguments.path, arguments.stream, image, 0, paint))
         return false;
     StoreFacts(image, arguments);
-    if (factsOnly)
-        return true;
-    return painted && (!arguments.largeIcon || MakeIcon(source, arguments.largeSize, *arguments.largeIcon)) &&
+    return (!arguments.largeIcon || MakeIcon(source, arguments.largeSize, *arguments.largeIcon)) &&
            (!arguments.smallIcon || MakeIcon(source, arguments.smallSize, *arguments.smallIcon)) &&
            (!arguments.bitmap || MakeBitmap(source, arguments));
 }

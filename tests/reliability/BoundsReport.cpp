@@ -1,7 +1,7 @@
 // bounds_report: what each kind of request costs for hostile files, against the bound on memory.
 #include "tests/door/Requests.h"
+#include "tests/door/ResourceWatch.h"
 #include "tests/reliability/HostileFile.h"
-#include "tests/reliability/MemoryMeter.h"
 
 #include <process.h>
 #include <psapi.h>
@@ -134,14 +134,13 @@ Outcome Perform(const Ask& ask, const wchar_t* path) {
     }
 }
 
-// Facts: 4 MiB. Pictures: besides, frame 0's pixels twice, its surface if there can be one, and the result.
+// Facts: 4 MiB. Pictures: besides, frame 0's surface, if there can be one, and the result.
 std::int64_t Bound(const Row& row, std::int64_t resultBytes) {
     const HostileFile& file = row.file;
     if (!row.ask.Paints() || !file.loads)
         return 4 * mebibyte;
-    const auto pixels = static_cast<std::int64_t>(PixelBytes(file.mode, file.width, file.height));
     const std::int64_t surface = std::int64_t{4} * file.width * file.height;
-    return 2 * pixels + (surface < 2048 * mebibyte ? surface : 0) + resultBytes + 4 * mebibyte;
+    return (surface < 2048 * mebibyte ? surface : 0) + resultBytes + 4 * mebibyte;
 }
 
 std::string Name(const Ask& ask) {
@@ -168,18 +167,20 @@ PROCESS_MEMORY_COUNTERS Memory() {
 
 // Prints one line of the table. In a process of its own: the system's peak can't be taken back.
 int Measure(const Row& row, const wchar_t* path, double fileBytes) {
-    MemoryMeter meter;
-    // The system's own first-time costs are not the request's.
-    Perform({row.ask.kind, 8, 8}, (std::wstring(path) + L"-small").c_str());
-    if (meter.Peak() == 0)
-        return 2;
+    {
+        // The system's own first-time costs are not the request's.
+        const ResourceWatch watch;
+        Perform({row.ask.kind, 8, 8}, (std::wstring(path) + L"-small").c_str());
+        if (watch.PeakBytes() == 0)
+            return 2;
+    }
 
-    meter.Start();
+    const ResourceWatch watch;
     const std::size_t before = Memory().WorkingSetSize;
     Clock::time_point begin = Clock::now();
     const Outcome outcome = Perform(row.ask, path);
     Clock::duration time = Clock::now() - begin;
-    const std::int64_t held = meter.Peak();
+    const auto held = static_cast<std::int64_t>(watch.PeakBytes());
     const auto seen = static_cast<std::int64_t>(Memory().PeakWorkingSetSize - before);
     // Again while it is quickly done, for the fastest tells what the work costs.
     Clock::duration spent = time;
@@ -226,9 +227,18 @@ int Report(const wchar_t* program) {
         const intptr_t code =
             _wspawnl(_P_WAIT, program, L"bounds_report", std::to_wstring(i).c_str(),
                      (L"\"" + path + L"\"").c_str(), std::to_wstring(fileBytes).c_str(), nullptr);
-        worst = std::max(worst, code < 0 || fileBytes == 0 ? 2 : code);
+        const bool unmeasured = code < 0 || code > 1 || fileBytes == 0;
+        if (unmeasured)
+            std::printf("row %zu was not measured: file of %llu bytes, exit code %d\n", i,
+                        static_cast<unsigned long long>(fileBytes), static_cast<int>(code));
+        worst = std::max<intptr_t>(worst, unmeasured ? 2 : code);
     }
-    return DeleteFileW(path.c_str()) && DeleteFileW(smallPath.c_str()) ? static_cast<int>(worst) : 2;
+    for (const std::wstring& file : {path, smallPath})
+        if (!DeleteFileW(file.c_str())) {
+            std::printf("%ls is left behind: error %lu\n", file.c_str(), GetLastError());
+            worst = 2;
+        }
+    return static_cast<int>(worst);
 }
 
 } // namespace
