@@ -19,6 +19,11 @@ void Require(bool succeeded) {
         throw std::runtime_error("the floor failed");
 }
 
+UniqueKernelHandle Open(const wchar_t* path) {
+    return UniqueKernelHandle(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                          OPEN_EXISTING, 0, nullptr));
+}
+
 Buffer ReadAll(IStream& stream) {
     STATSTG stat;
     Require(stream.Stat(&stat, STATFLAG_NONAME) == S_OK && stream.Seek({}, STREAM_SEEK_SET, nullptr) == S_OK);
@@ -30,14 +35,15 @@ Buffer ReadAll(IStream& stream) {
 }
 
 Buffer ReadAll(const wchar_t* path) {
-    const UniqueKernelHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                              OPEN_EXISTING, 0, nullptr));
+    const UniqueKernelHandle file = Open(path);
     const DWORD size = GetFileSize(file.get(), nullptr);
     Buffer buffer = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     DWORD done;
     Require(ReadFile(file.get(), buffer.get(), size, &done, nullptr) && done == size);
     return buffer;
 }
+
+alignas(64) std::uint8_t g_window[64 * 1024];
 
 // A picture that is selected into a context while it lives there.
 class Surface {
@@ -119,6 +125,22 @@ void FloorRead(IStream& stream) {
 
 void FloorRead(const wchar_t* path) {
     ReadAll(path);
+}
+
+void WindowRead(IStream& stream) {
+    Require(stream.Seek({}, STREAM_SEEK_SET, nullptr) == S_OK);
+    ULONG done = 0;
+    do {
+        Require(SUCCEEDED(stream.Read(g_window, sizeof g_window, &done)));
+    } while (done == sizeof g_window);
+}
+
+void WindowRead(const wchar_t* path) {
+    const UniqueKernelHandle file = Open(path);
+    DWORD done = 0;
+    do {
+        Require(ReadFile(file.get(), g_window, sizeof g_window, &done, nullptr));
+    } while (done == sizeof g_window);
 }
 
 UniqueBitmap FloorThumbnail(IStream& stream, int width, int height, int edge) {

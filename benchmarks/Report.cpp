@@ -1,5 +1,6 @@
 #include "benchmarks/Report.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace vantrel::bench {
@@ -16,10 +17,10 @@ std::vector<double> Times(const Growth& growth, double PairedTimes::*time) {
     return times;
 }
 
-std::string GoalText(std::optional<double> goal) {
+std::string RatioText(std::optional<double> ratio, int digits) {
     char text[16] = "";
-    if (goal)
-        std::snprintf(text, sizeof text, "%.2f", *goal);
+    if (ratio)
+        std::snprintf(text, sizeof text, "%.*f", digits, *ratio);
     return text;
 }
 
@@ -51,14 +52,17 @@ double Growth::LibraryExponent() const {
 }
 
 void PrintTable(const Report& report) {
-    std::printf("%-34s %9s %9s %9s %6s %6s\n", "request", "floor ms", "dll ms", "dll/floor", "goal", "read");
+    std::printf("%-34s %9s %9s %9s %6s %6s %6s\n", "request", "floor ms", "dll ms", "dll/floor", "goal",
+                "read", "window");
     for (const Row& row : report.rows) {
-        std::printf("%-34s %9.3f %9.3f %9.3f %6s %6.3f%s\n", row.name.c_str(), row.times.firstMilliseconds,
-                    row.times.secondMilliseconds, row.times.ratio, GoalText(row.goal).c_str(), row.bytesRead,
+        std::printf("%-34s %9.3f %9.3f %9.3f %6s %6.3f %6s%s\n", row.name.c_str(),
+                    row.times.firstMilliseconds, row.times.secondMilliseconds, row.times.ratio,
+                    RatioText(row.goal, 2).c_str(), row.bytesRead, RatioText(row.window, 3).c_str(),
                     Verdict(row.times.ratio, row.goal));
     }
 
-    if (!report.rows.empty())
+    if (std::any_of(report.rows.begin(), report.rows.end(),
+                    [](const Row& row) { return !row.peers.empty(); }))
         std::printf("\n%-34s peer/dll, below 1 is faster than the library\n", "the same picture as a BMP");
     for (const Row& row : report.rows) {
         if (row.peers.empty())
@@ -85,7 +89,7 @@ void PrintTable(const Report& report) {
         const double file = static_cast<double>(row.fileBytes);
         const double peak = static_cast<double>(row.peakBytes);
         std::printf("%-34s %9.1f %9.1f %9.3f %6s%s\n", row.name.c_str(), file / 1e6, peak / 1e6, peak / file,
-                    GoalText(row.goal).c_str(), Verdict(peak / file, row.goal));
+                    RatioText(row.goal, 2).c_str(), Verdict(peak / file, row.goal));
     }
     std::printf("\nDLL: %llu bytes%s, loaded and freed in %.2f ms\n",
                 static_cast<unsigned long long>(report.libraryBytes),
@@ -103,6 +107,8 @@ void PrintJson(const Report& report) {
                     row.times.ratio, row.times.pairs, row.bytesRead);
         if (row.goal)
             std::printf(", \"goal\": %.2f", *row.goal);
+        if (row.window)
+            std::printf(", \"window\": %.4f", *row.window);
         for (const Row::Peer& peer : row.peers)
             std::printf(", \"%s\": %.3f", peer.name.c_str(), peer.ratio);
         std::printf("}");

@@ -20,6 +20,7 @@ struct Row {
         double ratio; // its time over the library's
     };
     std::vector<Peer> peers;
+    std::optional<double> window; // time of nothing but reading through a small window, over the floor's
 };
 
 struct Growth {

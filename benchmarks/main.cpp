@@ -55,8 +55,12 @@ private:
         if (!Wanted(name))
             return nullptr;
         std::fprintf(stderr, "%s\n", name.c_str());
-        report_.rows.push_back({name, goal, MeasurePairs(floor, dll, options_.seconds), 0, {}});
+        report_.rows.push_back({name, goal, MeasurePairs(floor, dll, options_.seconds), 0, {}, {}});
         return &report_.rows.back();
+    }
+
+    void AddWindow(Row& row, const Action& floor, const Action& window) const {
+        row.window = MeasurePairs(floor, window, options_.seconds / 3).ratio;
     }
 
     void AddPeer(Row& row, const std::string& name, const Action& dll, const Action& peer) const {
@@ -66,16 +70,19 @@ private:
     void AddThumbnail(const std::string& name, double goal, const Picture& picture) {
         MemoryStream stream(picture.zmi);
         const Action dll = [&] { library_.Thumbnail(stream, thumbnailEdge); };
-        Row* const row = Add(
-            name, goal, [&] { FloorThumbnail(stream, picture.width, picture.height, int{thumbnailEdge}); },
-            dll);
+        const Action floor = [&] {
+            FloorThumbnail(stream, picture.width, picture.height, int{thumbnailEdge});
+        };
+        Row* const row = Add(name, goal, floor, dll);
         if (!row)
             return;
         const std::uint64_t before = stream.BytesRead();
         dll();
         row->bytesRead = Share(stream.BytesRead() - before, picture.zmi.size());
-        if (picture.bmp.empty())
+        if (picture.bmp.empty()) {
+            AddWindow(*row, floor, [&] { WindowRead(stream); });
             return;
+        }
         MemoryStream bmp(picture.bmp);
         const std::wstring path = folder_.Write(L"peer.bmp", picture.bmp);
         AddPeer(*row, "WIC", dll, [&] { wic_.Thumbnail(bmp, thumbnailEdge); });
@@ -98,10 +105,12 @@ private:
         AddColumn("column of 1024x600 5-6-5", 0.11, path, picture);
     }
 
-    void AddByPath(const std::string& name, std::optional<double> goal, std::uint64_t bytes,
+    Row* AddByPath(const std::string& name, std::optional<double> goal, std::uint64_t bytes,
                    const Action& floor, const Action& dll) {
-        if (Row* const row = Add(name, goal, floor, dll))
+        Row* const row = Add(name, goal, floor, dll);
+        if (row)
             row->bytesRead = Share(library_.CountFileBytes(dll), bytes);
+        return row;
     }
 
     void AddProperties(const std::string& name, std::optional<double> goal, const Picture& picture) {
@@ -115,14 +124,19 @@ private:
             const std::uint64_t before = stream.BytesRead();
             dll();
             row->bytesRead = Share(stream.BytesRead() - before, 3 * picture.zmi.size());
+            AddWindow(*row, floor, [&] {
+                for (int i = 0; i < 3; ++i)
+                    WindowRead(stream);
+            });
         }
     }
 
     void AddColumn(const std::string& name, std::optional<double> goal, const std::wstring& path,
                    const Picture& picture) {
-        AddByPath(
-            name, goal, picture.zmi.size(), [&] { FloorRead(path.c_str()); },
-            [&] { library_.Column(path.c_str()); });
+        const Action floor = [&] { FloorRead(path.c_str()); };
+        if (Row* const row =
+                AddByPath(name, goal, picture.zmi.size(), floor, [&] { library_.Column(path.c_str()); }))
+            AddWindow(*row, floor, [&] { WindowRead(path.c_str()); });
     }
 
     void MeasureBigFiles() {

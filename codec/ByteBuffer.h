@@ -10,8 +10,8 @@
 
 namespace vantrel {
 
-// Begins at a cache line, to where systems copy files a fifth faster, and default-initialises what resize() adds:
-// it is read over at once, and zeroing it first costs as much.
+// Begins at a cache line, which makes reading files into it cheaper, and default-initialises what resize()
+// adds: that is read over at once, and zeroing it first costs as much.
 template <class T>
 struct ReadBufferAllocator : std::allocator<T> {
     static constexpr std::align_val_t alignment{64};
@@ -21,9 +21,7 @@ struct ReadBufferAllocator : std::allocator<T> {
         using other = ReadBufferAllocator<U>;
     };
 
-    T* allocate(std::size_t count) {
-        return static_cast<T*>(::operator new(count * sizeof(T), alignment));
-    }
+    T* allocate(std::size_t count) { return static_cast<T*>(::operator new(count * sizeof(T), alignment)); }
     void deallocate(T* begin, std::size_t) noexcept { ::operator delete(begin, alignment); }
 
     template <class U>

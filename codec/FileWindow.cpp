@@ -46,7 +46,8 @@ std::uint64_t FileWindow::HeldFrom(std::uint64_t offset) const {
 bool FileWindow::MoveTo(std::uint64_t offset, std::uint32_t count) {
     const std::uint64_t kept = HeldFrom(offset);
     // Only the low half of a size counts: a source may claim more than it has.
-    const std::uint64_t end = std::min<std::uint64_t>(offset + windowSize, static_cast<std::uint32_t>(fileSize_));
+    const std::uint64_t end =
+        std::min<std::uint64_t>(offset + windowSize, static_cast<std::uint32_t>(fileSize_));
     const std::uint64_t length = std::max(end, offset + count) - offset;
     if (bytes_.size() < length)
         bytes_.resize(length);

@@ -9,8 +9,8 @@
 
 namespace vantrel {
 
-// Reads ahead and remembers what has been read. An operation fails as a whole when the offset is negative or the
-// source fails.
+// Reads ahead and remembers what has been read. An operation fails as a whole when the offset is negative or
+// the source fails.
 class FileWindow {
 public:
     // The source outlives the window; its size is asked for once.
@@ -18,8 +18,8 @@ public:
 
     std::uint64_t FileSize() const { return fileSize_; }
 
-    // The count bytes, at least one, at a file offset, which stay where they are until the next View or ReadRest;
-    // null on failure.
+    // The count bytes, at least one, at a file offset; they stay where they are until the next View or
+    // ReadRest. Null on failure.
     const std::uint8_t* View(std::int64_t offset, std::uint32_t count);
     // The same into a buffer, and without reading ahead: the window stays where it is.
     bool Read(std::int64_t offset, void* buffer, std::uint32_t count);

@@ -13,9 +13,8 @@ const std::uint8_t* HeldFramePixels::Next(std::uint32_t count) {
 }
 
 FileFramePixels::FileFramePixels(PayloadReader& payload, const DecodedImage& image, std::size_t frameIndex)
-    : payload_(payload), mode_(ModeOf(image.header.flags)),
-      width_(ElementAt(image.frames, frameIndex).width), height_(image.frames[frameIndex].height),
-      isBlank_(image.header.pixelOffset == 0),
+    : payload_(payload), mode_(ModeOf(image.header.flags)), width_(ElementAt(image.frames, frameIndex).width),
+      height_(image.frames[frameIndex].height), isBlank_(image.header.pixelOffset == 0),
       position_(payload.PixelPosition(image.frames[frameIndex].frameDataOffset)) {
     if (mode_ == PixelMode::Monochrome)
         band_.resize(width_, std::uint8_t{0});

@@ -33,10 +33,11 @@ struct RenderImageArguments {
     FitMode fitMode = FitMode::Letterbox;
 };
 
-// The picture is painted while the file is read, and not at all when no icon and no bitmap is wanted; outputs are
-// stored once both are done. True when everything wanted was handed out; the caller owns the icons and the
-// bitmap. On false an output is either untouched or complete: a large icon made before the small one failed
-// stays with the caller. Throws std::out_of_range when frame 0 or its pixels are missing, and std::bad_alloc.
+// The picture is painted while the file is read, and not at all when no icon and no bitmap is wanted; outputs
+// are stored once both are done. True when everything wanted was handed out; the caller owns the icons and
+// the bitmap. On false an output is either untouched or complete: a large icon made before the small one
+// failed stays with the caller. Throws std::out_of_range when frame 0 or its pixels are missing, and
+// std::bad_alloc.
 bool RenderImage(const RenderImageArguments& arguments);
 
 } // namespace vantrel

@@ -68,8 +68,10 @@ TEST(Decoder, TruncationAtEveryByte) {
 }
 
 TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
-    // With bytes that no record names: between pixels, and behind them for several windows.
-    std::vector<Bytes> files{ZmiBuilder{.gap = 3, .rest = 200000}.Build()};
+    // With bytes that no record names, between pixels and behind them for several windows, and with a frame
+    // longer than a window.
+    std::vector<Bytes> files{ZmiBuilder{.gap = 3, .rest = 200000}.Build(),
+                             ZmiBuilder{.mode = 0, .frames = {{1024, 600}}, .gap = 3}.Build()};
     for (unsigned mode = 0; mode < 4; ++mode) {
         ZmiBuilder made = Animation(mode);
         made.rest = 200000;

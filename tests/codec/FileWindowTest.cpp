@@ -70,6 +70,14 @@ TEST(FileWindow, CopiesAnyBytesAndStaysWhereItIs) {
     EXPECT_EQ(window.View(-1, 1), nullptr);
 }
 
+TEST(FileWindow, ReadsTheRestOfAFileThatNobodyHasLookedAt) {
+    MemorySource source(Numbered(150000));
+    FileWindow window(source);
+    EXPECT_TRUE(window.ReadRest(10, 140000));
+    EXPECT_TRUE(ReadEach(source, 10, 140000, 1));
+    EXPECT_FALSE(window.ReadRest(140000, 150001));
+}
+
 TEST(FileWindow, ShowsNothingThatCouldNotBeRead) {
     const Bytes bytes = Numbered(100000);
     for (const std::size_t failingCall : {2u, 3u}) {

@@ -5,7 +5,7 @@ namespace vantrel::tests {
 namespace {
 
 const ZmiBuilder files[] = {
-    {.mode = 0, .frames = {{13, 11}, {5, 5}}, .title = "Stream", .gap = 9, .rest = 300},
+    {.mode = 0, .frames = {{900, 700}, {5, 5}}, .title = "Stream", .gap = 9, .rest = 300},
     {.mode = 1, .frames = {{13, 11}}, .title = "Stream"},
     {.mode = 2, .frames = {{160, 300}, {5, 5}}, .title = "Stream", .rest = 200000},
 };
