@@ -18,11 +18,16 @@ namespace {
 
 using tools::ComPtr;
 
-constexpr wchar_t thumbnailProviderId[] = L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}";
-constexpr wchar_t extractImageHandlerId[] = L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}";
-constexpr wchar_t iconHandlerId[] = L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}";
-constexpr wchar_t columnProviderId[] = L"{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}";
-constexpr wchar_t propertyStoreId[] = L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}";
+constexpr CLSID thumbnailProviderId = {
+    0xE1A95D7C, 0x0B48, 0x4C63, {0x9F, 0x1D, 0x2A, 0x6B, 0x8C, 0x04, 0xE7, 0x9F}};
+constexpr CLSID extractImageHandlerId = {
+    0xC46E1B3A, 0x92F7, 0x4D05, {0xA1, 0xE8, 0x7B, 0x3D, 0x5F, 0x92, 0xC0, 0xA6}};
+constexpr CLSID iconHandlerId = {
+    0x5B27C0E9, 0xD4A1, 0x4F38, {0xB6, 0xC2, 0x0E, 0x9A, 0x81, 0xF4, 0x5D, 0x27}};
+constexpr CLSID columnProviderId = {
+    0xA8D4E2F1, 0x37C9, 0x4B6A, {0x8E, 0x05, 0x91, 0xF2, 0xC6, 0xD7, 0xA3, 0xB4}};
+constexpr CLSID propertyStoreId = {
+    0x3F1C9A42, 0x6B0D, 0x4E57, {0x9A, 0x21, 0x5C, 0x8E, 0x7D, 0x40, 0xB6, 0x13}};
 
 constexpr PROPERTYKEY titleKey = {
     {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}}, 2};
@@ -75,11 +80,9 @@ Library::Library(const std::filesystem::path& path) : module_(LoadLibraryW(path.
         throw std::runtime_error("no DllGetClassObject in " + path.string());
 }
 
-void Library::Create(const wchar_t* classId, REFIID iid, void** object) const {
-    CLSID id;
-    Check(CLSIDFromString(classId, &id), "CLSIDFromString");
+void Library::Create(REFCLSID classId, REFIID iid, void** object) const {
     ComPtr<IClassFactory> factory;
-    Check(getClassObject_(id, IID_IClassFactory, factory.PutVoid()), "DllGetClassObject");
+    Check(getClassObject_(classId, IID_IClassFactory, factory.PutVoid()), "DllGetClassObject");
     Check(factory->CreateInstance(nullptr, iid, object), "CreateInstance");
 }
 

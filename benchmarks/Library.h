@@ -33,7 +33,7 @@ public:
     static double LoadTime(const std::filesystem::path& path);
 
 private:
-    void Create(const wchar_t* classId, REFIID iid, void** object) const;
+    void Create(REFCLSID classId, REFIID iid, void** object) const;
 
     UniqueModule module_;
     LPFNGETCLASSOBJECT getClassObject_ = nullptr;
