@@ -3,7 +3,6 @@
 namespace vantrel {
 
 std::uint64_t FileSource::Size() {
-    position_.reset();
     // A file that gives its size but can't be opened for reading is no picture either: one open tells both.
     if (!file_.open(name_, 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE))
         return 0;
