@@ -37,6 +37,7 @@ using UniqueInterface = UniqueHandle<Interface*, ReleaseInterface>;
 using UniqueModule = UniqueHandle<HMODULE, FreeLibrary>;
 using UniqueLocalMemory = UniqueHandle<HLOCAL, LocalFree>;
 using UniqueFile = UniqueHandle<HANDLE, CloseHandle>;
+using UniqueSearch = UniqueHandle<HANDLE, FindClose>;
 using UniqueBitmap = UniqueHandle<HBITMAP, DeleteObject>;
 using UniqueBrush = UniqueHandle<HBRUSH, DeleteObject>;
 using UniqueDc = UniqueHandle<HDC, DeleteDC>;
