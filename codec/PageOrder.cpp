@@ -1,10 +1,10 @@
 #include "codec/PageOrder.h"
 
-#include "codec/DecodedImage.h"
+#include "codec/ZmiFormat.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
-#include <stdexcept>
+#include <type_traits>
 
 namespace vantrel {
 
@@ -22,11 +22,13 @@ std::uint64_t FlipBits(std::uint64_t rows) {
     return rows ^ swap ^ swap >> 36;
 }
 
-// Eight rows into one band of columns.
-void TransposeBand(const std::uint8_t* rows, std::size_t rowBytes, std::uint8_t* page, std::size_t width) {
+// Up to eight rows into one page; faster with a count that the compiler knows.
+template <class Count>
+void TransposePage(const std::uint8_t* rows, std::size_t rowBytes, Count rowCount, std::uint8_t* page,
+                   std::size_t width) {
     for (std::size_t x = 0; x < width; x += 8, ++rows) {
         std::uint64_t block = 0;
-        for (unsigned r = 0; r < 8; ++r)
+        for (unsigned r = 0; r < rowCount; ++r)
             block |= std::uint64_t{rows[r * rowBytes]} << 8 * (7 - r);
         const std::uint64_t columns = FlipBits(block);
         if (x + 8 <= width)
@@ -38,29 +40,14 @@ void TransposeBand(const std::uint8_t* rows, std::size_t rowBytes, std::uint8_t*
 
 } // namespace
 
-ByteBuffer toPageOrder(const ByteBuffer& rowBits, std::uint16_t width, std::uint16_t height) {
-    const std::size_t rowBytes = (width + 7u) / 8u;
-    if (rowBits.size() < rowBytes * height)
-        throw std::out_of_range("invalid vector<T> subscript");
-
-    ByteBuffer pages;
-    pages.resize(DecodedByteCount(PixelMode::Monochrome, width, height));
-    const std::uint8_t* rows = rowBits.data();
-    std::uint8_t* page = pages.data();
-    for (unsigned y = 0; y < height; y += 8, rows += 8 * rowBytes, page += width)
-        BandToPageOrder(rows, std::min(8u, height - y), width, page);
-    return pages;
-}
-
-void BandToPageOrder(const std::uint8_t* rows, unsigned rowCount, std::uint16_t width, std::uint8_t* page) {
-    const std::size_t rowBytes = (width + 7u) / 8u;
-    if (rowCount == 8) {
-        TransposeBand(rows, rowBytes, page, width);
-        return;
-    }
-    ByteBuffer padded(8 * rowBytes, std::uint8_t{0});
-    std::copy_n(rows, rowCount * rowBytes, padded.data());
-    TransposeBand(padded.data(), rowBytes, page, width);
+void toPageOrder(const std::uint8_t* rowBits, std::uint16_t width, std::uint16_t height,
+                 std::uint8_t* pages) {
+    const std::size_t rowBytes = RowBytes(PixelMode::Monochrome, width);
+    unsigned left = height;
+    for (; left >= 8; left -= 8, rowBits += 8 * rowBytes, pages += width)
+        TransposePage(rowBits, rowBytes, std::integral_constant<unsigned, 8>(), pages, width);
+    if (left > 0)
+        TransposePage(rowBits, rowBytes, left, pages, width);
 }
 
 } // namespace vantrel
