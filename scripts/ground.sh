@@ -1,7 +1,9 @@
+# shellcheck shell=sh
 # What the project's commands stand on: Debian packages, builds and the private Wine prefix. Sourced, not run.
 # Every step is silent when there is nothing to do, and says in one line what went wrong.
 
 root=$(cd "$(dirname "$0")" && pwd)
+root=${root%/scripts}
 log=$root/build/setup.log
 export VANTREL_WINEPREFIX=$root/build/wine
 mkdir -p "$root/build"
