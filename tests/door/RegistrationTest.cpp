@@ -1,3 +1,4 @@
+#include "tests/door/KeptRegistration.h"
 #include "tests/door/ResourceWatch.h"
 
 #include <shlobj.h>
