@@ -34,7 +34,9 @@ call :key "HKLM\Software\Classes\.zmi"
 call :key "HKLM\Software\Classes\Folder\ShellEx\ColumnHandlers\{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}"
 call :key "HKLM\Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\.zmi"
 set environment="HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
-reg query %environment% /v Path 2>nul | find /i "Vantrel64" >nul && call :left PATH
+reg query %environment% /v Path >"%out%\path.txt"
+find /i "Vantrel64" "%out%\path.txt" >nul
+if not errorlevel 1 call :left PATH
 
 if defined failed (
     echo FAILED:%failed%
@@ -48,7 +50,8 @@ if not "%errorlevel%"=="0" set failed=%failed% %1
 exit /b 0
 
 :key
-reg query %1 >nul 2>nul && call :left %1
+reg query %1 >nul 2>nul
+if not errorlevel 1 call :left %1
 exit /b 0
 
 :left

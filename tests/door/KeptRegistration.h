@@ -38,7 +38,7 @@ private:
 
     HKEY root_;
     std::wstring path_;
-    std::wstring copy_ = LR"(Software\Vantrel64 tests\)" + std::to_wstring(GetCurrentProcessId()) + L'\\' +
+    std::wstring copy_ = L"Software\\Vantrel64 tests " + std::to_wstring(GetCurrentProcessId()) + L' ' +
                          std::to_wstring(reinterpret_cast<std::uintptr_t>(this));
     bool existed_;
 };
