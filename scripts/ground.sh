@@ -61,11 +61,8 @@ build() {
     preset=$1
     shift
     if [ ! -e "$root/build/$preset/build.ninja" ]; then
-        say "Configuring $preset"
+        say "Building $preset, for the first time"
         quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
-    fi
-    if env -C "$root" ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -Eq '\] (Building|Linking)'; then
-        say "Building $preset"
     fi
     quietly "building $preset" env -C "$root" ninja -C "build/$preset" "$@"
 }
