@@ -5,8 +5,9 @@
 root=$(cd "$(dirname "$0")" && pwd)
 root=${root%/scripts}
 log=$root/build/setup.log
-export VANTREL_WINEPREFIX=$root/build/wine
-mkdir -p "$root/build"
+export VANTREL_WINEPREFIX="$root/build/wine"
+export TMPDIR="$root/build/tmp" # /tmp may be small
+mkdir -p "$TMPDIR"
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -25,19 +26,8 @@ quietly() {
     fi
 }
 
-as_root() {
-    if [ "$(id -u)" = 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        fail "Debian packages are missing and neither root nor sudo is at hand; install: $missing"
-    fi
-}
-
 install_packages() {
-    export DEBIAN_FRONTEND=noninteractive
-    as_root apt-get update && as_root apt-get install -y --no-install-recommends "$@"
+    $sudo apt-get update && $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 
 # need PACKAGE...: installs those that are missing.
@@ -47,6 +37,11 @@ need() {
         [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
     done
     [ -z "$missing" ] && return
+    sudo=
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || fail "neither root nor sudo is at hand to install Debian packages:$missing"
+        sudo="sudo"
+    fi
     say "Installing Debian packages:$missing"
     # shellcheck disable=SC2086 # one argument a package
     quietly "installing$missing" install_packages $missing
