@@ -1,3 +1,4 @@
+#include "tests/door/KeptRegistration.h"
 #include "tests/door/Requests.h"
 #include "tests/door/ResourceWatch.h"
 
@@ -317,13 +318,16 @@ TEST(Registration, SurvivesAStarvingMachine) {
     }
 }
 
-// In the real registry, which a child process can't be kept from; a registration found there is put back.
+// In the real registry, which a child process can't be kept from.
 TEST(Registration, WorksThroughRegsvr32) {
-    const auto regsvr32 = [](const wchar_t* option, const std::wstring& path) {
+    if (!IsAdministrator())
+        GTEST_SKIP() << "registering takes an administrator's rights";
+    const KeptRegistration kept;
+    const auto regsvr32 = [](const wchar_t* option) {
         wchar_t folder[MAX_PATH];
         GetSystemDirectoryW(folder, MAX_PATH);
-        const std::wstring program = folder + Line(L"\\regsvr32.exe"), quoted = L'"' + path + L'"';
-        return _wspawnl(_P_WAIT, program.c_str(), L"regsvr32", L"/s", option, quoted.c_str(), nullptr);
+        const std::wstring program = folder + Line(L"\\regsvr32.exe"), path = L'"' + DllPath() + L'"';
+        return _wspawnl(_P_WAIT, program.c_str(), L"regsvr32", L"/s", option, path.c_str(), nullptr);
     };
     const auto server = [] {
         wchar_t path[MAX_PATH] = L"";
@@ -333,16 +337,10 @@ TEST(Registration, WorksThroughRegsvr32) {
                      nullptr, RRF_RT_REG_SZ, nullptr, path, &size);
         return std::wstring(path);
     };
-    const std::wstring previous = server();
-    EXPECT_EQ(0, regsvr32(L"/s", DllPath()));
+    EXPECT_EQ(0, regsvr32(L"/s"));
     EXPECT_EQ(DllPath(), server());
-    EXPECT_EQ(0, regsvr32(L"/u", DllPath()));
+    EXPECT_EQ(0, regsvr32(L"/u"));
     EXPECT_EQ(L"", server());
-    if (previous.empty())
-        RegDeleteKeyW(HKEY_LOCAL_MACHINE,
-                      LR"(Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\.zmi)");
-    else
-        regsvr32(L"/s", previous);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The requests that hosts make of each handler, asked so that their answers can be compared.
 #pragma once
 
+#include "support/IColumnProvider.h"
 #include "tests/door/Picture.h"
 #include "tests/door/TheDll.h"
 

@@ -1,5 +1,6 @@
 #include "tools/preview/HandlerRegistry.h"
 
+#include "support/IColumnProvider.h"
 #include "tools/preview/Failure.h"
 #include "tools/preview/RegistryReader.h"
 
