@@ -77,7 +77,7 @@ TEST_F(PreviewTest, WritesJsonThatParses) {
     run.Ended(1, "bad.zmi: no picture");
     EXPECT_TRUE(IsJson(run.out)) << run.out;
     for (const char* part :
-         {R"({"ok": false, "files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
+         {R"({"files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
           R"("result": "300 x 200", "width": 300, "height": 200, "png": "out\\good-300.png")",
           R"("handler": "icon", "request": "16", "ok": true)",
           R"("handler": "column", "request": "dimensions", "ok": true, "result": "30 x 20")",
@@ -101,11 +101,17 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
         {{L"folder"}, 1, "folder: the folder holds no .zmi file"},
         {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
-        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good.zmi: "},
+        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: a file stands where"},
+        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; one"},
+        {{L"--sheet=--good.zmi", L"good.zmi"}, 2, "must end in .png"},
+        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this exists and is not a PNG file"},
+        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the files to read"},
         {{L"--", L"--good.zmi"}, 0, ""},
     };
     std::filesystem::create_directory(folder_ / L"folder");
     Write(L"good.zmi", single.Build());
+    Write(L"good.png", single.Build());
+    Write(L"text.png", {'t'});
     Write(L"--good.zmi", several.Build());
     for (const auto& [arguments, exitCode, words] : cases) {
         const ToolRun run = Preview(arguments);

@@ -1,6 +1,6 @@
 #include "tools/pack/ColorTable.h"
 
-#include "tools/pack/PackError.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <limits>
@@ -10,11 +10,6 @@ namespace vantrel::tools {
 namespace {
 
 constexpr std::uint64_t largestSample = 1U << 18; // pixels
-
-void Check(HRESULT result) {
-    if (FAILED(result))
-        throw PackError(L"cannot choose the colour table: " + DescribeHresult(result));
-}
 
 int Distance(Color a, Color b) {
     const int red = a.red - b.red;
@@ -73,19 +68,22 @@ ColorTable ColorTableBuilder::Build(IWICImagingFactory& factory) const {
         return ColorTable(colors);
     }
 
+    constexpr std::wstring_view step = L"cannot choose the colour table";
     // WIC's interface wants a pointer to bytes that it may write, though it only copies them.
     std::vector<Color> bytes = sample_;
     const auto size = static_cast<UINT>(bytes.size() * sizeof(Color));
     ComPtr<IWICBitmap> bitmap;
     Check(factory.CreateBitmapFromMemory(static_cast<UINT>(bytes.size()), 1, GUID_WICPixelFormat32bppBGR,
-                                         size, size, reinterpret_cast<BYTE*>(bytes.data()), bitmap.Put()));
+                                         size, size, reinterpret_cast<BYTE*>(bytes.data()),
+                                         bitmap.GetAddressOf()),
+          step);
     ComPtr<IWICPalette> palette;
-    Check(factory.CreatePalette(palette.Put()));
+    Check(factory.CreatePalette(palette.GetAddressOf()), step);
     const UINT wanted = reserved_ ? zmi::colorTableEntries - 1 : zmi::colorTableEntries;
-    Check(palette->InitializeFromBitmap(bitmap.Get(), wanted, FALSE));
+    Check(palette->InitializeFromBitmap(bitmap.Get(), wanted, FALSE), step);
     std::array<WICColor, zmi::colorTableEntries> chosen{};
     UINT count = 0;
-    Check(palette->GetColors(wanted, chosen.data(), &count));
+    Check(palette->GetColors(wanted, chosen.data(), &count), step);
 
     if (reserved_)
         colors.push_back(*reserved_);

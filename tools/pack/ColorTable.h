@@ -45,7 +45,7 @@ public:
 
     // True when each pixel's 16-bit colour has an entry of its own in the table.
     bool IsExact() const { return distinct_.count() <= zmi::colorTableEntries; }
-    // Throws PackError.
+    // Throws Failure.
     ColorTable Build(IWICImagingFactory& factory) const;
 
 private:

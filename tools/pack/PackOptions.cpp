@@ -1,7 +1,5 @@
 #include "tools/pack/PackOptions.h"
 
-#include "tools/terminal/CommandLine.h"
-
 #include <windows.h>
 
 #include <array>
@@ -85,18 +83,13 @@ Several inputs, or inputs with several frames, give a file of as many frames.
 
 Exit code: 0 done, 1 an input or the output failed, 2 wrong usage.)";
 
-PackOptions ParsePackOptions(int count, wchar_t** arguments) {
+PackOptions ParsePackOptions(CommandLine& line) {
     PackOptions options;
     bool blank = false;
     bool pictureOptions = false;
-    CommandLine line(count, arguments);
     while (const auto argument = line.Next()) {
         if (!line.IsOption()) {
             options.inputs.emplace_back(*argument);
-        } else if (*argument == L"--help" || *argument == L"-h") {
-            options.task = PackTask::Help;
-        } else if (*argument == L"--version") {
-            options.task = PackTask::Version;
         } else if (*argument == L"--blank") {
             blank = true;
         } else if (*argument == L"--title") {
@@ -114,8 +107,6 @@ PackOptions ParsePackOptions(int count, wchar_t** arguments) {
             throw UsageError(L"unknown option " + *argument);
         }
     }
-    if (options.task != PackTask::Pack)
-        return options;
 
     if (options.inputs.empty())
         throw UsageError(blank ? L"no output given" : L"no input and no output given");

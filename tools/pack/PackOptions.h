@@ -3,6 +3,7 @@
 
 #include "tools/pack/Rgb565.h"
 #include "tools/pack/ZmiFormat.h"
+#include "tools/terminal/CommandLine.h"
 
 #include <filesystem>
 #include <optional>
@@ -12,10 +13,7 @@
 
 namespace vantrel::tools {
 
-enum class PackTask { Pack, Help, Version };
-
 struct PackOptions {
-    PackTask task = PackTask::Pack;
     zmi::PixelMode mode = zmi::PixelMode::Rgb565;
     std::string title; // in the ANSI code page
     std::optional<Color> transparent;
@@ -25,7 +23,7 @@ struct PackOptions {
 };
 
 // Throws UsageError.
-PackOptions ParsePackOptions(int count, wchar_t** arguments);
+PackOptions ParsePackOptions(CommandLine& line);
 
 extern const std::wstring_view packHelp;
 

@@ -44,6 +44,11 @@ void VisitRows(const PictureFrame& frame, std::optional<Color> transparent, Visi
 } // namespace
 
 ZmiContent Pack(const PackOptions& options) {
+    OutputGuard guard;
+    for (const auto& input : options.inputs)
+        guard.Protect(input);
+    guard.Check(options.output, FileKind::Zmi);
+
     const bool indexed = options.mode == zmi::PixelMode::Indexed;
     std::optional<Progress> progress;
     if (options.inputs.size() > 1)
@@ -80,7 +85,7 @@ ZmiContent Pack(const PackOptions& options) {
     if (options.transparent)
         content.transparentKey = encoder.TransparentKey();
 
-    OutputFile output(options.output);
+    OutputFile output(options.output, FileKind::Zmi, guard);
     ZmiWriter writer(output, content);
     std::vector<std::byte> bytes;
     VisitFrames(factory, options, step, [&](const PictureFrame& frame) {

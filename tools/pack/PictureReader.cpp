@@ -1,6 +1,6 @@
 #include "tools/pack/PictureReader.h"
 
-#include "tools/pack/PackError.h"
+#include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
 
 #include <limits>
@@ -8,21 +8,12 @@
 
 namespace vantrel::tools {
 
-namespace {
-
 constexpr unsigned largestSide = std::numeric_limits<std::uint16_t>::max();
-
-void Check(HRESULT result, const std::wstring& name) {
-    if (FAILED(result))
-        throw PackError(name + L": " + DescribeHresult(result));
-}
-
-} // namespace
 
 ComPtr<IWICImagingFactory> CreateWicFactory() {
     ComPtr<IWICImagingFactory> factory;
-    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                           factory.PutVoid()),
+    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                           IID_PPV_ARGS(factory.GetAddressOf())),
           L"Windows Imaging Component");
     return factory;
 }
@@ -33,8 +24,8 @@ PictureFrame::PictureFrame(ComPtr<IWICBitmapSource> source, std::wstring name)
     UINT height = 0;
     Check(source_->GetSize(&width, &height), name_);
     if (width == 0 || height == 0 || width > largestSide || height > largestSide)
-        throw PackError(name_ + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
-                        L" pixels; a ZMI frame has from 1 to 65535 each way");
+        throw Failure(name_ + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
+                      L" pixels; a ZMI frame has from 1 to 65535 each way");
     width_ = static_cast<std::uint16_t>(width);
     height_ = static_cast<std::uint16_t>(height);
 }
@@ -52,20 +43,20 @@ PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::file
     const std::filesystem::path file = LongPath(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw PackError(name_ + L": this is a folder, not a picture");
+        throw Failure(name_ + L": this is a folder, not a picture");
     Check(factory_->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
-                                              WICDecodeMetadataCacheOnDemand, decoder_.Put()),
+                                              WICDecodeMetadataCacheOnDemand, decoder_.GetAddressOf()),
           name_);
     Check(decoder_->GetFrameCount(&frameCount_), name_);
     if (frameCount_ == 0)
-        throw PackError(name_ + L": the picture has no frame");
+        throw Failure(name_ + L": the picture has no frame");
 }
 
 PictureFrame PictureReader::Frame(unsigned index) const {
     ComPtr<IWICBitmapFrameDecode> frame;
-    Check(decoder_->GetFrame(index, frame.Put()), name_);
+    Check(decoder_->GetFrame(index, frame.GetAddressOf()), name_);
     ComPtr<IWICBitmapSource> source;
-    Check(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), source.Put()), name_);
+    Check(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), source.GetAddressOf()), name_);
     return {std::move(source), frameCount_ == 1 ? name_ : name_ + L", frame " + std::to_wstring(index + 1)};
 }
 

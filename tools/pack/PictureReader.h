@@ -2,10 +2,10 @@
 #pragma once
 
 #include "tools/pack/Rgb565.h"
-#include "tools/terminal/ComPtr.h"
 
 #include <wincodec.h>
 #include <windows.h>
+#include <wrl/client.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -14,7 +14,9 @@
 
 namespace vantrel::tools {
 
-// WIC's factory. COM must be initialised on the thread. Throws PackError.
+using Microsoft::WRL::ComPtr;
+
+// WIC's factory. COM must be initialised on the thread. Throws Failure.
 ComPtr<IWICImagingFactory> CreateWicFactory();
 
 // One frame of an open picture, converted to 32bppBGRA.
@@ -27,7 +29,7 @@ public:
     std::uint16_t Width() const { return width_; }
     std::uint16_t Height() const { return height_; }
 
-    // Fills rows with whole rows from the given one on, top to bottom. Throws PackError.
+    // Fills rows with whole rows from the given one on, top to bottom. Throws Failure.
     void ReadRows(unsigned firstRow, std::span<Color> rows) const;
 
 private:
@@ -37,7 +39,7 @@ private:
     std::uint16_t height_ = 0;
 };
 
-// An open picture file. All operations throw PackError.
+// An open picture file. All operations throw Failure.
 class PictureReader {
 public:
     PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path);

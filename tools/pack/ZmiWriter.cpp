@@ -1,7 +1,7 @@
 #include "tools/pack/ZmiWriter.h"
 
-#include "tools/pack/PackError.h"
 #include "tools/pack/RowEncoder.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <limits>
@@ -54,12 +54,12 @@ void Put(OutputFile& output, const T& structure) {
 std::uint32_t ZmiFileSize(const ZmiContent& content) {
     constexpr std::size_t mostFrames = std::numeric_limits<std::uint16_t>::max();
     if (content.frames.size() > mostFrames)
-        throw PackError(L"there are " + std::to_wstring(content.frames.size()) +
-                        L" frames; a ZMI file holds at most " + std::to_wstring(mostFrames));
+        throw Failure(L"there are " + std::to_wstring(content.frames.size()) +
+                      L" frames; a ZMI file holds at most " + std::to_wstring(mostFrames));
     const std::uint64_t size = LayOut(content).trailer + sizeof(zmi::trailer);
     if (size > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
-        throw PackError(L"the ZMI file would have " + std::to_wstring(size) +
-                        L" bytes; it must stay below 2 GiB (2147483648 bytes)");
+        throw Failure(L"the ZMI file would have " + std::to_wstring(size) +
+                      L" bytes; it must stay below 2 GiB (2147483648 bytes)");
     return static_cast<std::uint32_t>(size);
 }
 
@@ -117,14 +117,14 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
 
 void ZmiWriter::WriteRows(std::span<const std::byte> rows) {
     if (rows.size() > bytesLeft_)
-        throw PackError(L"a picture grew while it was read");
+        throw Failure(L"a picture grew while it was read");
     bytesLeft_ -= rows.size();
     output_.Write(rows);
 }
 
 void ZmiWriter::Finish() {
     if (bytesLeft_ != 0)
-        throw PackError(L"a picture shrank while it was read");
+        throw Failure(L"a picture shrank while it was read");
     Put(output_, zmi::trailer);
 }
 

@@ -29,7 +29,7 @@ struct ZmiContent {
     std::optional<std::uint32_t> transparentKey;                                 // 16-bit colour or index
 };
 
-// The length of the whole file in bytes. Throws PackError when it is 2 GiB or more or has more than 65,535
+// The length of the whole file in bytes. Throws Failure when it is 2 GiB or more or has more than 65,535
 // frames: readers take positions in the file for signed 32-bit numbers and count frames in 16 bits.
 std::uint32_t ZmiFileSize(const ZmiContent& content);
 
@@ -37,13 +37,12 @@ std::uint32_t ZmiFileSize(const ZmiContent& content);
 // tables of their own in the order in which those stand.
 class ZmiWriter {
 public:
-    // Writes all that stands before the pixels. Throws as ZmiFileSize does, and
-    // std::filesystem::filesystem_error.
+    // Writes all that stands before the pixels. Throws as ZmiFileSize does.
     ZmiWriter(OutputFile& output, const ZmiContent& content);
 
-    // Bytes of whole rows, frame after frame. Throws std::filesystem::filesystem_error.
+    // Bytes of whole rows, frame after frame. Throws Failure.
     void WriteRows(std::span<const std::byte> rows);
-    // Writes the trailer. Throws PackError when there were more or fewer rows than announced.
+    // Writes the trailer. Throws Failure when there were more or fewer rows than announced.
     void Finish();
 
 private:

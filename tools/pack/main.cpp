@@ -1,19 +1,11 @@
 #include "tools/pack/Packer.h"
-#include "tools/pack/PackError.h"
-#include "tools/terminal/CommandLine.h"
+#include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
-
-#include <windows.h>
-
-#include <objbase.h>
-
-#include <new>
+#include "tools/terminal/RunTool.h"
 
 namespace vantrel::tools {
 
 namespace {
-
-enum ExitCode { done = 0, failed = 1, wrongUsage = 2 };
 
 // "walk.zmi: 3 frames, 640 x 480, 8 bits per pixel, 922,345 bytes".
 std::wstring Describe(const std::filesystem::path& output, const ZmiContent& content) {
@@ -32,32 +24,11 @@ std::wstring Describe(const std::filesystem::path& output, const ZmiContent& con
     return text + L", " + std::to_wstring(ZmiFileSize(content)) + L" bytes";
 }
 
-int Fail(const std::wstring& message) {
-    PrintError(L"zmi-pack: " + message);
-    return failed;
-}
-
-int Run(int count, wchar_t** arguments) {
-    try {
-        const PackOptions options = ParsePackOptions(count, arguments);
-        if (options.task == PackTask::Help) {
-            PrintLine(packHelp);
-        } else if (options.task == PackTask::Version) {
-            PrintLine(L"zmi-pack " VANTREL_VERSION);
-        } else {
-            PrintLine(Describe(options.output, Pack(options)));
-        }
-        return done;
-    } catch (const UsageError& error) {
-        PrintError(L"zmi-pack: " + error.Message() + L" (zmi-pack --help shows how)");
-        return wrongUsage;
-    } catch (const PackError& error) {
-        return Fail(error.Message());
-    } catch (const std::filesystem::filesystem_error& error) {
-        return Fail(DescribeFileError(error));
-    } catch (const std::bad_alloc&) {
-        return Fail(L"not enough memory");
-    }
+bool Run(CommandLine& arguments, JsonDocument*) {
+    const PackOptions options = ParsePackOptions(arguments);
+    const ComApartment apartment(COINIT_MULTITHREADED);
+    PrintLine(Describe(options.output, Pack(options)));
+    return true;
 }
 
 } // namespace
@@ -65,9 +36,6 @@ int Run(int count, wchar_t** arguments) {
 } // namespace vantrel::tools
 
 int wmain(int count, wchar_t** arguments) {
-    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
-        return vantrel::tools::Fail(L"COM does not start");
-    const int exitCode = vantrel::tools::Run(count, arguments);
-    CoUninitialize();
-    return exitCode;
+    using namespace vantrel::tools;
+    return RunTool({.name = L"zmi-pack", .help = packHelp, .run = Run}, count, arguments);
 }

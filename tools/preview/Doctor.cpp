@@ -1,12 +1,11 @@
 #include "tools/preview/Doctor.h"
 
-#include "tools/preview/Failure.h"
 #include "tools/preview/HandlerRegistry.h"
-#include "tools/preview/JsonObject.h"
 #include "tools/preview/Registration.h"
 #include "tools/preview/RegistryReader.h"
 #include "tools/preview/ZmiFileCheck.h"
 #include "tools/terminal/Console.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <array>
@@ -252,7 +251,7 @@ void Doctor::CheckFile(const InputFile& file) {
             L"rename the file");
 }
 
-bool PrintFindings(const std::vector<Finding>& findings, bool asJson) {
+bool PrintFindings(const std::vector<Finding>& findings, JsonDocument* json) {
     const bool ok = std::none_of(findings.begin(), findings.end(),
                                  [](const Finding& finding) { return finding.health == Health::Fail; });
     struct Name {
@@ -261,23 +260,20 @@ bool PrintFindings(const std::vector<Finding>& findings, bool asJson) {
     };
     constexpr std::array<Name, 3> names = {
         {{L"ok", L"[ok]   "}, {L"warn", L"[warn] "}, {L"fail", L"[fail] "}}};
-    std::vector<JsonObject> checks;
+    if (json)
+        json->BeginList("checks");
     for (const Finding& finding : findings) {
         const Name& name = names[static_cast<std::size_t>(finding.health)];
-        if (asJson) {
-            JsonObject& check = checks.emplace_back();
+        if (json) {
+            JsonObject check;
             check.Add("health", name.plain);
             check.Add("text", finding.text);
+            json->Append(check);
         } else {
             PrintLine(name.tag + finding.text);
         }
     }
-    if (asJson) {
-        JsonObject document;
-        document.Add("ok", ok);
-        document.Add("checks", checks);
-        PrintLine(document.Text());
-    } else if (ok) {
+    if (ok && !json) {
         PrintLine(
             L"Nothing is wrong here. Where Explorer still shows old pictures, clear its thumbnail cache "
             L"(Disk Clean-up, Thumbnails).");

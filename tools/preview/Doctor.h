@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/preview/InputFile.h"
+#include "tools/terminal/JsonDocument.h"
 
 #include <filesystem>
 #include <optional>
@@ -41,7 +42,7 @@ private:
     std::vector<Finding> findings_;
 };
 
-// Prints one line per finding, or one JSON document. False when something failed.
-bool PrintFindings(const std::vector<Finding>& findings, bool asJson);
+// Prints one line per finding, or one item of the JSON document. False when something failed.
+bool PrintFindings(const std::vector<Finding>& findings, JsonDocument* json);
 
 } // namespace vantrel::tools

@@ -1,7 +1,7 @@
 #include "tools/preview/HandlerRegistry.h"
 
-#include "tools/preview/Failure.h"
 #include "tools/preview/RegistryReader.h"
+#include "tools/terminal/Failure.h"
 
 #include <windows.h>
 

@@ -1,12 +1,12 @@
 #include "tools/preview/ZmiFileCheck.h"
 
-#include "tools/preview/Failure.h"
+#include "support/Handles.h"
+#include "tools/terminal/Failure.h"
 
 #include <windows.h>
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 namespace vantrel::tools {
@@ -47,10 +47,6 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-
 class ZmiFile {
 public:
     explicit ZmiFile(const std::filesystem::path& path) {
@@ -81,7 +77,7 @@ public:
     }
 
 private:
-    std::unique_ptr<void, HandleCloser> handle_;
+    UniqueKernelHandle handle_;
     std::uint64_t size_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// A thread's stay in a single-threaded COM apartment, as the Shell's own threads have it.
+// A thread's stay in a COM apartment.
 #pragma once
 
 #include <objbase.h>
@@ -7,7 +7,8 @@ namespace vantrel::tools {
 
 class ComApartment {
 public:
-    ComApartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    explicit ComApartment(COINIT kind)
+        : entered_(SUCCEEDED(CoInitializeEx(nullptr, static_cast<DWORD>(kind)))) {}
     ~ComApartment() {
         if (entered_)
             CoUninitialize();

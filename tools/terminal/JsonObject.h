@@ -1,6 +1,7 @@
 // A JSON object, written member by member.
 #pragma once
 
+#include <concepts>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,13 +10,20 @@ namespace vantrel::tools {
 
 class JsonObject {
 public:
+    // Control characters are escaped, so that they reach no terminal either.
     void Add(std::string_view name, std::wstring_view text);
     void Add(std::string_view name, const wchar_t* text) { Add(name, std::wstring_view(text)); }
     void Add(std::string_view name, bool value) { AddRaw(name, value ? L"true" : L"false"); }
-    void Add(std::string_view name, unsigned value) { AddRaw(name, std::to_wstring(value)); }
+    template <std::integral Number>
+    void Add(std::string_view name, Number value) {
+        AddRaw(name, std::to_wstring(value));
+    }
+    void Add(std::string_view name, const JsonObject& object) { AddRaw(name, object.Text()); }
     void Add(std::string_view name, const std::vector<JsonObject>& items);
 
-    // The object with its braces, on one line.
+    // The members as they stand between the braces.
+    const std::wstring& Members() const { return members_; }
+    // The object with its braces, on one line but for the items of lists.
     std::wstring Text() const { return L"{" + members_ + L"}"; }
 
 private:

@@ -1,4 +1,6 @@
-#include "tools/preview/JsonObject.h"
+#include "tools/terminal/JsonObject.h"
+
+#include "tools/terminal/Console.h"
 
 #include <array>
 #include <cwchar>
@@ -11,7 +13,7 @@ void JsonObject::Add(std::string_view name, std::wstring_view text) {
         if (unit == L'"' || unit == L'\\') {
             value += L'\\';
             value += unit;
-        } else if (unit < L' ') {
+        } else if (IsControl(unit)) {
             std::array<wchar_t, 8> escape{};
             std::swprintf(escape.data(), escape.size(), L"\\u%04x", static_cast<unsigned>(unit));
             value += escape.data();
