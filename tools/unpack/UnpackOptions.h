@@ -1,0 +1,28 @@
+// What the user of zmi-unpack asked for.
+#pragma once
+
+#include "tools/terminal/CommandLine.h"
+#include "tools/unpack/FrameList.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantrel::tools {
+
+struct UnpackOptions {
+    std::vector<std::wstring> inputs; // as typed
+    FrameList frames;
+    std::optional<std::filesystem::path> out;
+    bool info = false;
+    bool force = false;
+};
+
+extern const std::wstring_view unpackHelp;
+
+// Throws UsageError.
+UnpackOptions ParseUnpackOptions(CommandLine& line);
+
+} // namespace vantrel::tools

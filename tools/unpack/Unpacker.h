@@ -1,0 +1,48 @@
+// The work of zmi-unpack: file by file, frame by frame.
+#pragma once
+
+#include "tools/inspection/ZmiFile.h"
+#include "tools/terminal/Console.h"
+#include "tools/terminal/JsonDocument.h"
+#include "tools/terminal/OutputGuard.h"
+#include "tools/unpack/PictureNames.h"
+#include "tools/unpack/UnpackOptions.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+class Unpacker {
+public:
+    // Both outlive the unpacker; the document is there when --json was given.
+    Unpacker(const UnpackOptions& options, JsonDocument* json);
+
+    // False when a file or a frame was broken; that was reported, and all others were unpacked. Throws
+    // Failure when an output fails.
+    bool Run();
+
+private:
+    struct Results {
+        std::size_t faults = 0;
+        std::size_t pictures = 0;
+        std::filesystem::path first;
+        std::filesystem::path last;
+        std::vector<JsonObject> frames;
+    };
+
+    bool UnpackFile(const std::wstring& name);
+    void UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_t index, Results& results);
+    bool WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+                      const std::filesystem::path& path);
+    void Report(const std::wstring& name, const std::wstring& fault, Results& results) const;
+
+    const UnpackOptions& options_;
+    JsonDocument* json_;
+    OutputGuard guard_;
+    PictureNames names_;
+    Progress progress_;
+};
+
+} // namespace vantrel::tools
