@@ -1,7 +1,7 @@
-#include "tools/preview/Registration.h"
+#include "tools/preview/doctor/Registration.h"
 
+#include "tools/preview/doctor/RegistryReader.h"
 #include "tools/preview/HandlerRegistry.h"
-#include "tools/preview/RegistryReader.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "tools/preview/ZmiFileCheck.h"
+#include "tools/preview/doctor/ZmiFileCheck.h"
 
 #include "support/Handles.h"
 #include "tools/terminal/Failure.h"

@@ -1,9 +1,9 @@
-#include "tools/preview/Doctor.h"
+#include "tools/preview/doctor/Doctor.h"
 
 #include "tools/preview/HandlerRegistry.h"
-#include "tools/preview/Registration.h"
-#include "tools/preview/RegistryReader.h"
-#include "tools/preview/ZmiFileCheck.h"
+#include "tools/preview/doctor/Registration.h"
+#include "tools/preview/doctor/RegistryReader.h"
+#include "tools/preview/doctor/ZmiFileCheck.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
 

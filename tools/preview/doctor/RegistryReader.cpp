@@ -1,4 +1,4 @@
-#include "tools/preview/RegistryReader.h"
+#include "tools/preview/doctor/RegistryReader.h"
 
 namespace vantrel::tools {
 
