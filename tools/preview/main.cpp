@@ -191,9 +191,7 @@ bool Run(CommandLine& arguments, JsonDocument* json) {
     const Options options = Parse(arguments);
     const ComApartment apartment(COINIT_APARTMENTTHREADED);
     if (!options.doctor)
-        return Preview(options, json);
-    Doctor doctor(options.dll);
-    return PrintFindings(doctor.Examine(FindInputFiles(options.inputs)), json);
+        return RunDoctor(options.dll, options.inputs, json);
 }
 
 } // namespace

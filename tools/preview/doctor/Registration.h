@@ -1,23 +1,17 @@
-// The 28 values that the library's registration writes, and which of them are missing or changed.
+// The 28 values of a registration: 27 of classes, for the machine or for one user, and the property
+// handler's.
 #pragma once
 
-#include <windows.h>
-
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace vantrel::tools {
 
 struct RegistrationValue {
-    HKEY root;
     std::wstring key;
-    const wchar_t* name; // null: the key's default value
-    std::wstring data;   // empty: the path of the library
-
-    std::optional<std::wstring> Read() const;
-    // "HKCU\key, value name".
-    std::wstring Name() const;
+    const wchar_t* name;       // null: the key's default value
+    std::wstring data;         // empty: the path of the library
+    bool isForMachine = false; // counts under HKEY_LOCAL_MACHINE alone
 };
 
 std::vector<RegistrationValue> ExpectedRegistration();

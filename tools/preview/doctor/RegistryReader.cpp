@@ -2,23 +2,31 @@
 
 namespace vantrel::tools {
 
-std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name) {
-    DWORD bytes = 0;
-    if (RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, nullptr, &bytes) != ERROR_SUCCESS)
-        return std::nullopt;
-    std::wstring text(bytes / sizeof(wchar_t) + 1, L'\0');
-    bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    if (RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes) != ERROR_SUCCESS)
-        return std::nullopt;
-    text.resize(text.find(L'\0'));
-    return text;
+RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name) {
+    std::wstring text(MAX_PATH, L'\0');
+    for (;;) {
+        auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        const LSTATUS status =
+            RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
+        if (status == ERROR_MORE_DATA) {
+            text.resize(text.size() * 2);
+            continue;
+        }
+        text.resize(status == ERROR_SUCCESS ? text.find(L'\0') : 0);
+        return {status == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : status, text};
+    }
 }
 
-DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name) {
+std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name) {
+    RegistryText value = ReadValue(root, key, name);
+    return value.status == ERROR_SUCCESS ? std::optional(std::move(value.text)) : std::nullopt;
+}
+
+DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD otherwise) {
     DWORD number = 0;
     DWORD bytes = sizeof(number);
     const LSTATUS status = RegGetValueW(root, key.c_str(), name, RRF_RT_REG_DWORD, nullptr, &number, &bytes);
-    return status == ERROR_SUCCESS ? number : 0;
+    return status == ERROR_SUCCESS ? number : otherwise;
 }
 
 bool KeyExists(HKEY root, const std::wstring& key) {
