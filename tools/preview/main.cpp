@@ -191,7 +191,8 @@ bool Run(CommandLine& arguments, JsonDocument* json) {
     const Options options = Parse(arguments);
     const ComApartment apartment(COINIT_APARTMENTTHREADED);
     if (!options.doctor)
-        return RunDoctor(options.dll, options.inputs, json);
+        return Preview(options, json);
+    return RunDoctor(options.dll, options.inputs, json);
 }
 
 } // namespace
