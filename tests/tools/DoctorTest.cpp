@@ -58,7 +58,7 @@ const State states[] = {
          MoveToMachine(f), f.values[server].user = {ERROR_SUCCESS, other}, f.servers.push_back({other});
      },
      {LR"(fail this user's registration (HKCU) hides 1 of the machine's values (HKLM); HKCU names C:\W\)",
-      LR"(fail the classes are split between C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
+      LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
     {"none",
      [](auto& f) {
          for (ValueFacts& v : f.values)
@@ -83,7 +83,7 @@ const State states[] = {
     {"another binding",
      [](auto& f) { f.values[binding].user.text = L"{0}", f.classes[thumbnail].answer = L"{0}"; },
      {LR"([default value] is "{0}", not "{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}". Fix: run)"}},
-    {"ARM64", [](auto& f) { f.isArm64 = true; }, {L"its Explorer can't load an x64 library. Fix: "}},
+    {"ARM64", [](auto& f) { f.isArm64 = true; }, {L"Explorer can't load an x64 library. Fix: "}},
     {"elevated Explorer",
      [](auto& f) { f.isExplorerElevated = true; },
      {L"fail Explorer runs as administrator, where COM ignores what is registered for one user only. Fix: "
@@ -112,7 +112,7 @@ const State states[] = {
      {L"registered for 5 classes, is not a 64-bit library. Fix: "}},
     {"two libraries",
      [](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
-     {LR"(fail the classes are split between C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\V\)"}},
+     {LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\V\)"}},
     {"foreign library",
      [](auto& f) {
          f.values[server].user.text = L"x.dll";
@@ -141,8 +141,8 @@ const State states[] = {
          f.classes[thumbnail].answer = L"{0}";
          f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}}};
      },
-     {LR"(fail the system's thumbnail handler for .zmi is {0}, which the program Y brings. Fix: choose another )",
-      LR"(fail the system's icon handler for .zmi is {2}, which the program Y brings. Fix: choose another )"}},
+     {LR"(fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another )",
+      LR"(fail the system uses another icon handler for .zmi, {2} of the program Y. Fix: choose another )"}},
     {"no handler found",
      [](auto& f) { f.classes[thumbnail].answer = L""; },
      {L"fail the system finds no thumbnail handler for .zmi. Fix: run regsvr32"}},
@@ -276,10 +276,11 @@ TEST_F(DoctorTest, SeesTheSystem) {
     std::filesystem::create_directory(folder_ / L"empty");
     iconsOnly.Set(DWORD{0});
     expectTold(0, {L"good.zmi"},
-               {"are in place, 27 for this user (HKCU)", "Vantrel64.dll creates the five classes",
-                "no setting and no policy", "[ok]   good.zmi", "\nNothing is wrong here."});
+               {"values in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
+                "Vantrel64.dll creates the five classes", "no setting and no policy", "[ok]   good.zmi",
+                "\nNothing is wrong here."});
     expectTold(1, {L"--json", L"empty", L"mode3.zmi", L"frameless.zmi", L"thin.zmi", L"none.zmi"},
-               {R"({"ok": false, "checks": [)",
+               {R"({"checks": [)",
                 R"({"health": "warn", "text": "empty: the folder holds no .zmi file", "fix")",
                 "mode3.zmi: frame 0 is in pixel mode 3",
                 "frameless.zmi: the frame table at offset 167 holds no frame",

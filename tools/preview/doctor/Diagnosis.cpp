@@ -148,8 +148,8 @@ std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
 
 void Diagnosis::CheckMachine() {
     if (facts_.isArm64)
-        Add(Health::Fail, L"this machine is an ARM64 one: its Explorer can't load an x64 library",
-            L"there is none here; Vantrel64 is made for x64 machines");
+        Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
+            L"none on this machine, for Vantrel64 is x64 only");
     if (facts_.isExplorerElevated && isUserOnly_)
         Add(Health::Fail,
             std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
@@ -166,27 +166,25 @@ void Diagnosis::CheckRegistration() {
         return;
     }
     std::vector<std::wstring> wrong;
-    bool isComplete = true;
+    std::ptrdiff_t machineValues = machineValues_;
     for (const ValueFacts& value : facts_.values) {
+        const bool isForMachine = value.expected.isForMachine;
+        machineValues += isForMachine && !value.machine.IsMissing();
         std::wstring fault = FaultOf(value);
         if (fault.empty() || value.IsHiding())
             continue; // those have a check of their own
-        if (!value.expected.isForMachine) {
+        if (isForMachine)
+            Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
+                registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
+        else
             wrong.push_back(std::move(fault));
-            continue;
-        }
-        isComplete = false;
-        Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
-            registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
     }
     if (!wrong.empty())
         Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
     else
-        Add(Health::Ok,
-            std::wstring(isComplete ? L"all" : L"the other") + L" values of the registration are in place" +
-                (userValues_ ? L", " + std::to_wstring(userValues_) + L" for this user (HKCU)" : L"") +
-                (machineValues_ ? L", " + std::to_wstring(machineValues_) + L" for the machine (HKLM)"
-                                : L""));
+        Add(Health::Ok, L"registry values in place: " + std::to_wstring(userValues_) +
+                            L" for this user (HKCU), " + std::to_wstring(machineValues) +
+                            L" for the machine (HKLM)");
     CheckHiding();
 }
 
@@ -261,7 +259,8 @@ void Diagnosis::CheckLibraries() {
         }
     }
     if (registered.size() > 1)
-        Add(Health::Fail, L"the classes are split between " + registered[0] + L" and " + registered[1],
+        Add(Health::Fail,
+            L"the five classes come from two libraries, " + registered[0] + L" and " + registered[1],
             userValues_ && machineValues_ ? unhide_ : registerAgain_);
     else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
         Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
@@ -300,13 +299,13 @@ void Diagnosis::CheckHandlers() {
         const ValueFacts* binding = Binding(kind);
         if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
             continue; // a wrong binding has been told
-        std::wstring other = answer.value_or(L"");
+        std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
         std::wstring fix = registerAgain_;
         for (const ProgramFacts& program : facts_.programs) {
             const std::wstring& claim = program.handlers[static_cast<std::size_t>(kind)];
             if (claim.empty() || IsSame(claim, known.classId) || (answer && !IsSame(claim, *answer)))
                 continue;
-            other = claim + L", which the program " + program.progId + L" brings";
+            other = L", " + claim + L" of the program " + program.progId;
             fix = LR"(choose another program under "Open with", or delete HKEY_CLASSES_ROOT\)" +
                   program.progId + LR"(\ShellEx\)" + known.shellEx;
         }
@@ -314,8 +313,8 @@ void Diagnosis::CheckHandlers() {
             continue;
         isClear = false;
         Add(Health::Fail,
-            other.empty() ? std::wstring(L"the system finds no ") + known.name + L" handler for .zmi"
-                          : std::wstring(L"the system's ") + known.name + L" handler for .zmi is " + other,
+            (other.empty() ? L"the system finds no " : L"the system uses another ") +
+                (known.name + (L" handler for .zmi" + other)),
             fix);
     }
     for (const ProgramFacts& program : facts_.programs) {
@@ -361,7 +360,7 @@ void Diagnosis::CheckFile(const FileFacts& file) {
     const unsigned smallest = narrow ? (wide + narrow - 1) / narrow : 0;
     if (file.IsElsewhere())
         Add(Health::Warn,
-            name + L"its content is not on this machine, so Explorer may show no thumbnail; not opened",
+            name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
             L"in Explorer, choose \"Always keep on this device\" for it");
     else if (file.fault)
         Add(Health::Fail, name + *file.fault, L"make the file again, or get a fresh copy of it");
