@@ -1,6 +1,6 @@
 #include "tools/preview/HandlerRegistry.h"
 
-#include "tools/preview/RegistryReader.h"
+#include "tools/preview/doctor/RegistryReader.h"
 #include "tools/terminal/Failure.h"
 
 #include <windows.h>

@@ -1,14 +1,14 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
 #include "tools/preview/ColumnHost.h"
 #include "tools/preview/ContactSheet.h"
-#include "tools/preview/Doctor.h"
+#include "tools/preview/doctor/Doctor.h"
+#include "tools/preview/doctor/ZmiFileCheck.h"
 #include "tools/preview/ExtractImageHost.h"
 #include "tools/preview/IconHost.h"
 #include "tools/preview/PngFile.h"
 #include "tools/preview/PropertyHost.h"
 #include "tools/preview/Report.h"
 #include "tools/preview/ThumbnailHost.h"
-#include "tools/preview/ZmiFileCheck.h"
 #include "tools/terminal/ComApartment.h"
 #include "tools/terminal/CommandLine.h"
 #include "tools/terminal/Console.h"
@@ -192,8 +192,7 @@ bool Run(CommandLine& arguments, JsonDocument* json) {
     const ComApartment apartment(COINIT_APARTMENTTHREADED);
     if (!options.doctor)
         return Preview(options, json);
-    Doctor doctor(options.dll);
-    return PrintFindings(doctor.Examine(FindInputFiles(options.inputs)), json);
+    return RunDoctor(options.dll, options.inputs, json);
 }
 
 } // namespace

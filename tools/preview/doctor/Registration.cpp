@@ -1,7 +1,6 @@
-#include "tools/preview/Registration.h"
+#include "tools/preview/doctor/Registration.h"
 
 #include "tools/preview/HandlerRegistry.h"
-#include "tools/preview/RegistryReader.h"
 
 #include <array>
 
@@ -39,36 +38,24 @@ constexpr std::array<PropertyList, 8> propertyLists = {{
 
 } // namespace
 
-std::optional<std::wstring> RegistrationValue::Read() const {
-    return ReadText(root, key, name);
-}
-
-std::wstring RegistrationValue::Name() const {
-    return (root == HKEY_CURRENT_USER ? LR"(HKCU\)" : LR"(HKLM\)") + key + L" [" +
-           (name ? name : L"default value") + L"]";
-}
-
 std::vector<RegistrationValue> ExpectedRegistration() {
     std::vector<RegistrationValue> values;
     const std::wstring classes = classesKey;
     for (const HandlerKind kind : allHandlers) {
         const HandlerClass& known = ClassOf(kind);
         const std::wstring classKey = classes + LR"(CLSID\)" + known.classId;
-        values.push_back({HKEY_CURRENT_USER, classKey, nullptr, known.description});
-        values.push_back({HKEY_CURRENT_USER, classKey + LR"(\InProcServer32)", nullptr, L""});
-        values.push_back(
-            {HKEY_CURRENT_USER, classKey + LR"(\InProcServer32)", L"ThreadingModel", L"Apartment"});
+        values.push_back({classKey, nullptr, known.description});
+        values.push_back({classKey + LR"(\InProcServer32)", nullptr, L""});
+        values.push_back({classKey + LR"(\InProcServer32)", L"ThreadingModel", L"Apartment"});
         if (known.shellEx)
-            values.push_back(
-                {HKEY_CURRENT_USER, classes + LR"(.zmi\ShellEx\)" + known.shellEx, nullptr, known.classId});
+            values.push_back({classes + LR"(.zmi\ShellEx\)" + known.shellEx, nullptr, known.classId});
     }
     const HandlerClass& column = ClassOf(HandlerKind::Column);
-    values.push_back(
-        {HKEY_CURRENT_USER, columnHandlersKey + std::wstring(column.classId), nullptr, column.description});
+    values.push_back({columnHandlersKey + std::wstring(column.classId), nullptr, column.description});
     for (const auto& [name, data] : propertyLists)
-        values.push_back({HKEY_CURRENT_USER, classes + L".zmi", name, data});
-    values.push_back({HKEY_LOCAL_MACHINE, propertyHandlersKey + std::wstring(L".zmi"), nullptr,
-                      ClassOf(HandlerKind::Properties).classId});
+        values.push_back({classes + L".zmi", name, data});
+    values.push_back({propertyHandlersKey + std::wstring(L".zmi"), nullptr,
+                      ClassOf(HandlerKind::Properties).classId, true});
     return values;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/preview/ZmiFileCheck.h"
+#include "tools/preview/doctor/ZmiFileCheck.h"
 
 #include "support/Handles.h"
 #include "tools/terminal/Failure.h"
@@ -146,12 +146,12 @@ std::uint64_t PixelBytes(const Frame& frame, unsigned mode) {
     return frame.width * frame.height * (mode == 2 ? 2 : 1);
 }
 
-void CheckPicture(const ZmiFile& file, const Payload& payload) {
+Frame CheckPicture(const ZmiFile& file, const Payload& payload) {
     const Record image = file.Read(payload.begin, imageHeaderSize);
     const std::uint64_t pixelOffset = image.Word(34);
     const std::uint64_t paletteOffset = image.Word(38);
     if (pixelOffset == 0)
-        return; // the blank default picture
+        return {0, 0, 1024, 600, 0}; // the blank default picture
     const unsigned mode = ModeOf(image.Byte(50));
     if (mode == 1)
         payload.Require(L"the colour table", paletteOffset, paletteSize);
@@ -187,14 +187,19 @@ void CheckPicture(const ZmiFile& file, const Payload& payload) {
         throw Failure(L"frame 0 wants a colour table, and the file has none");
     if (PixelBytes(shown, shown.mode) > PixelBytes(shown, mode))
         throw Failure(L"frame 0's own pixel mode needs more bytes than the file gives it");
+    return shown;
 }
 
 } // namespace
 
-std::optional<std::wstring> FindFault(const std::filesystem::path& file) {
+std::optional<std::wstring> FindFault(const std::filesystem::path& file, unsigned* width, unsigned* height) {
     try {
         const ZmiFile opened(file);
-        CheckPicture(opened, CheckHeader(opened));
+        const Frame shown = CheckPicture(opened, CheckHeader(opened));
+        if (width && height) {
+            *width = static_cast<unsigned>(shown.width);
+            *height = static_cast<unsigned>(shown.height);
+        }
     } catch (const Failure& failure) {
         return failure.Message();
     }

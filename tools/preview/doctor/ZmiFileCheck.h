@@ -8,7 +8,9 @@
 namespace vantrel::tools {
 
 // The first thing that is wrong with the file, in the order in which a reader meets it; empty when header,
-// trailer, frame records and all ranges are sound and frame 0 can be painted.
-std::optional<std::wstring> FindFault(const std::filesystem::path& file);
+// trailer, frame records and all ranges are sound and frame 0 can be painted; its size is then stored, in
+// pixels.
+std::optional<std::wstring> FindFault(const std::filesystem::path& file, unsigned* width = nullptr,
+                                      unsigned* height = nullptr);
 
 } // namespace vantrel::tools
