@@ -2,6 +2,8 @@
 
 #include "codec/PixelConversion.h"
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
@@ -13,6 +15,20 @@ const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
     if (mode == PixelMode::Reserved || (number == 0 && mode != PixelMode::Indexed))
         return nullptr;
     return &ElementAt(image.palettes, number == 0 ? 0 : number - 1);
+}
+
+// Fresh memory costs a page fault a page, which is dearest between vector stores: pages are brought in some
+// at a time, no more than the second-level cache holds, before they are written to.
+constexpr unsigned burstWords = 512 * 1024 / sizeof(std::uint32_t);
+constexpr std::ptrdiff_t pageWords = 4096 / sizeof(std::uint32_t);
+
+void TouchPages(std::uint32_t* top, std::ptrdiff_t stride, unsigned firstRow, unsigned rowCount,
+                std::ptrdiff_t width) {
+    std::uint32_t* const first = top + stride * static_cast<std::ptrdiff_t>(firstRow);
+    std::uint32_t* const last = first + stride * static_cast<std::ptrdiff_t>(rowCount - 1);
+    std::uint32_t* const end = std::max(first, last) + width;
+    for (std::uint32_t* word = std::min(first, last); word < end; word += pageWords)
+        *word = 0;
 }
 
 } // namespace
@@ -28,7 +44,10 @@ FrameConverter::FrameConverter(const FrameRecord& frame, const Palette* palette,
 }
 
 bool FrameConverter::Convert(std::uint32_t* top, std::ptrdiff_t stride) {
+    const unsigned burst = std::max(1u, burstWords / std::max<unsigned>(1, width_));
     for (unsigned y = 0; y < height_; ++y) {
+        if (y % burst == 0)
+            TouchPages(top, stride, y, std::min<unsigned>(burst, height_ - y), width_);
         if (!ConvertRow(top + static_cast<std::ptrdiff_t>(y) * stride))
             return false;
     }
