@@ -90,7 +90,8 @@ std::wstring ZmiFile::Fault() const {
     case FileFault::FileHeader:
         return HeaderFault();
     case FileFault::ImageHeader:
-        return Outside(L"the image header", frames_.File().dataOffset, sizeof image);
+        return L"the payload at offset " + Grouped(frames_.File().dataOffset) + L" has " +
+               Grouped(frames_.File().dataSize) + L" bytes, fewer than its 55-byte image header";
     case FileFault::FrameTable:
         return Outside(L"the frame table", image.pixelOffset, sizeof(FrameTableHeader));
     case FileFault::FrameRecords:
@@ -130,7 +131,7 @@ std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const
     return {};
 }
 
-std::optional<std::wstring> FindFault(const std::filesystem::path& path) {
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width, unsigned* height) {
     try {
         ZmiFile file(path);
         if (const std::wstring fault = file.Fault(); !fault.empty())
@@ -145,6 +146,10 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path) {
             if (i == 0 || frame->fault == FrameFault::ColourTable || frame->fault == FrameFault::Pixels)
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;
+            if (i == 0 && width && height) {
+                *width = frame->record.width;
+                *height = frame->record.height;
+            }
         }
         return std::nullopt;
     } catch (const Failure& failure) {

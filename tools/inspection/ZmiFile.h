@@ -40,9 +40,9 @@ private:
     FrameReader frames_;
 };
 
-// Why the file has no picture to show; nothing when it has one. Throws nothing: a file that can't be opened
-// has none either.
-std::optional<std::wstring> FindFault(const std::filesystem::path& path);
+// Why the Shell shows no picture of the file; nothing when it shows one, whose size in pixels is then stored.
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width = nullptr,
+                                      unsigned* height = nullptr);
 
 // Digits in groups of three, as sizes and offsets are read best.
 std::wstring Grouped(std::uint64_t number);

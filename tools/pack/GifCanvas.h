@@ -1,8 +1,8 @@
 // The canvas on which the frames of a GIF picture are laid over each other.
 #pragma once
 
-#include "tools/pack/Rgb565.h"
 #include "tools/pack/WicPicture.h"
+#include "tools/picture/Rgb565.h"
 
 #include <span>
 #include <vector>

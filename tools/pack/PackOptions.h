@@ -2,7 +2,7 @@
 #pragma once
 
 #include "codec/ZmiFormat.h"
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/Rgb565.h"
 #include "tools/terminal/CommandLine.h"
 
 #include <filesystem>

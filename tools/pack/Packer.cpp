@@ -1,9 +1,9 @@
 #include "tools/pack/Packer.h"
 
-#include "tools/pack/ColorTableBuilder.h"
 #include "tools/pack/InputList.h"
 #include "tools/pack/PictureReader.h"
 #include "tools/pack/RowEncoder.h"
+#include "tools/picture/ColorTableBuilder.h"
 #include "tools/terminal/Console.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/pack/Orientation.h"
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/Rgb565.h"
 
 #include <windows.h>
 

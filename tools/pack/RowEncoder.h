@@ -2,8 +2,8 @@
 #pragma once
 
 #include "codec/ZmiFormat.h"
-#include "tools/pack/ColorTable.h"
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/ColorTable.h"
+#include "tools/picture/Rgb565.h"
 
 #include <array>
 #include <cstddef>

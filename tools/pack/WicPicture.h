@@ -1,7 +1,7 @@
 // A picture file as WIC reads it: frames as they are stored, in 32bppBGRA, and their metadata.
 #pragma once
 
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/Rgb565.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
+#include "tools/inspection/ZmiFile.h"
 #include "tools/preview/ColumnHost.h"
 #include "tools/preview/ContactSheet.h"
 #include "tools/preview/doctor/Doctor.h"
-#include "tools/preview/doctor/ZmiFileCheck.h"
 #include "tools/preview/ExtractImageHost.h"
 #include "tools/preview/IconHost.h"
 #include "tools/preview/PngFile.h"

@@ -16,6 +16,8 @@ struct UnpackOptions {
     std::vector<std::wstring> inputs; // as typed
     FrameList frames;
     std::optional<std::filesystem::path> out;
+    std::optional<std::filesystem::path> gif;
+    unsigned delay = 100; // of the GIF's frames, in milliseconds
     bool info = false;
     bool force = false;
 };

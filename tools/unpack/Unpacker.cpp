@@ -1,12 +1,12 @@
 #include "tools/unpack/Unpacker.h"
 
+#include "tools/picture/ColorTableBuilder.h"
 #include "tools/picture/PngWriter.h"
 #include "tools/terminal/Failure.h"
-#include "tools/terminal/OutputFile.h"
 #include "tools/unpack/FileReport.h"
 
 #include <algorithm>
-#include <optional>
+#include <bit>
 
 namespace vantrel::tools {
 
@@ -33,6 +33,10 @@ Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
       progress_(options.inputs.size()) {
     for (const std::wstring& input : options.inputs)
         guard_.Protect(input);
+    if (options.gif) {
+        animationFile_.emplace(*options.gif, FileKind::Gif, guard_);
+        animation_.emplace(*animationFile_, options.delay);
+    }
 }
 
 bool Unpacker::Run() {
@@ -43,6 +47,8 @@ bool Unpacker::Run() {
         progress_.Step(input);
         ok = UnpackFile(input) && ok;
     }
+    if (animation_)
+        FinishAnimation();
     return ok;
 }
 
@@ -72,10 +78,8 @@ bool Unpacker::UnpackFile(const std::wstring& name) {
     if (!fault.empty())
         Report(name, fault, results);
     for (unsigned i = 0; i < count; ++i)
-        if (options_.frames.Contains(i + 1)) {
-            progress_.Part(i, count);
+        if (options_.frames.Contains(i + 1))
             UnpackFrame(*file, name, static_cast<std::uint16_t>(i), results);
-        }
 
     if (json_) {
         JsonObject object;
@@ -102,20 +106,22 @@ void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_
     facts.Add("frame", index + 1);
     if (frame)
         AddFrameFacts(facts, *frame);
-    if (options_.info) {
-        if (frame && !json_)
-            PrintLine(L"  frame " + std::to_wstring(index + 1) + L": " + DescribeFrame(*frame));
-    } else if (fault.empty()) {
-        const std::filesystem::path path = names_.Take(std::filesystem::path(name).stem().wstring() +
-                                                       NumberSuffix(index + 1U, file.Frames().FrameCount()));
-        if (WritePicture(file, index, *frame, path)) {
+    if (options_.info && frame && !json_)
+        PrintLine(L"  frame " + std::to_wstring(index + 1) + L": " + DescribeFrame(*frame));
+    if (fault.empty() && !options_.info) {
+        bool isRead = !animation_ || AddToAnimation(file, index, *frame);
+        if (isRead && (!animation_ || options_.out)) {
+            const std::filesystem::path path =
+                names_.Take(std::filesystem::path(name).stem().wstring() +
+                            NumberSuffix(index + 1U, file.Frames().FrameCount()));
+            isRead = WritePicture(file, index, *frame, path);
             facts.Add("png", path.wstring());
             if (results.pictures++ == 0)
                 results.first = path;
             results.last = path;
-        } else {
-            fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
         }
+        if (!isRead)
+            fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
     }
     if (!fault.empty()) {
         facts.Add("fault", fault);
@@ -138,17 +144,65 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
 
     OutputFile output(path, FileKind::Png, guard_);
     PngWriter png(output, record.width, record.height, !HasTransparency(record), texts);
-    const std::uint64_t frames = file.Frames().FrameCount();
-    std::uint64_t row = 0;
+    double row = 0;
     const auto takeRow = [&](const std::uint32_t* words) {
         png.WriteRow(words);
-        progress_.Part(index * std::uint64_t{record.height} + ++row, frames * record.height);
+        ShowProgress(file, index, ++row / record.height);
     };
     if (!file.Frames().Convert(frame, takeRow))
         return false;
     png.Finish();
     output.Commit();
     return true;
+}
+
+bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame) {
+    const FrameRecord& record = frame.record;
+    const auto forEachPixel = [&](const auto& take) {
+        return file.Frames().Convert(frame, [&](const std::uint32_t* words) {
+            for (const std::uint32_t word : std::span(words, record.width))
+                take(std::bit_cast<Color>(word));
+        });
+    };
+    // Transparent pixels have one colour, which is an entry of its own beside that of opaque ones.
+    std::optional<Color> transparent;
+    bool ok = forEachPixel([&](Color pixel) {
+        if (pixel.alpha == 0)
+            transparent = pixel;
+    });
+    ColorTableBuilder builder(transparent);
+    ok = ok && forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
+    ColorTable table = builder.Build();
+    std::vector<std::uint8_t> indices;
+    indices.reserve(std::size_t{record.width} * record.height);
+    ok = ok && forEachPixel([&](Color pixel) {
+             indices.push_back(pixel.alpha == 0 ? table.KeyIndex() : table.NearestIndex(ToRgb565(pixel)));
+         });
+    if (!ok)
+        return false;
+    const auto key = transparent ? std::optional(table.KeyIndex()) : std::nullopt;
+    animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
+    ++animated_;
+    ShowProgress(file, index, 1);
+    return true;
+}
+
+void Unpacker::FinishAnimation() {
+    const std::wstring path = options_.gif->wstring();
+    if (animated_ == 0)
+        throw Failure(path + L": there is no frame for it");
+    animation_->Finish();
+    animationFile_->Commit();
+    if (json_)
+        json_->Members().Add("gif", path);
+    else
+        PrintLine(std::to_wstring(animated_) + (animated_ == 1 ? L" frame -> " : L" frames -> ") + path);
+}
+
+void Unpacker::ShowProgress(const ZmiFile& file, std::uint16_t index, double part) {
+    constexpr double steps = 1000;
+    progress_.Part(static_cast<std::uint64_t>((index + part) * steps),
+                   static_cast<std::uint64_t>(file.Frames().FrameCount() * steps));
 }
 
 void Unpacker::Report(const std::wstring& name, const std::wstring& fault, Results& results) const {

@@ -1,8 +1,8 @@
 // Chooses the colours of an 8-bit picture.
 #pragma once
 
-#include "tools/pack/ColorTable.h"
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/ColorTable.h"
+#include "tools/picture/Rgb565.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "tools/pack/ColorTableBuilder.h"
+#include "tools/picture/ColorTableBuilder.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/Rgb565.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "tools/pack/ColorTable.h"
+#include "tools/picture/ColorTable.h"
 
 #include <algorithm>
 #include <limits>
