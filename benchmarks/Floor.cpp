@@ -45,6 +45,20 @@ Buffer ReadAll(const wchar_t* path) {
 
 alignas(64) std::uint8_t g_window[64 * 1024];
 
+// Header, trailer, then what lies between; the trailer of a file that fits comes with that.
+template <class Read>
+void WindowRead(std::uint64_t size, Read read) {
+    constexpr std::uint64_t headerBytes = 112, trailerBytes = 4;
+    std::uint64_t end = size;
+    Require(read(0, headerBytes));
+    if (size - headerBytes > sizeof g_window) {
+        end -= trailerBytes;
+        Require(read(end, trailerBytes));
+    }
+    for (std::uint64_t at = headerBytes; at < end; at += sizeof g_window)
+        Require(read(at, static_cast<DWORD>(std::min<std::uint64_t>(sizeof g_window, end - at))));
+}
+
 // A picture that is selected into a context while it lives there.
 class Surface {
 public:
@@ -128,19 +142,27 @@ void FloorRead(const wchar_t* path) {
 }
 
 void WindowRead(IStream& stream) {
-    Require(stream.Seek({}, STREAM_SEEK_SET, nullptr) == S_OK);
-    ULONG done = 0;
-    do {
-        Require(SUCCEEDED(stream.Read(g_window, sizeof g_window, &done)));
-    } while (done == sizeof g_window);
+    STATSTG stat;
+    Require(stream.Stat(&stat, STATFLAG_NONAME) == S_OK);
+    WindowRead(stat.cbSize.QuadPart, [&](std::uint64_t offset, DWORD count) {
+        LARGE_INTEGER distance;
+        distance.QuadPart = static_cast<LONGLONG>(offset);
+        ULONG done;
+        return stream.Seek(distance, STREAM_SEEK_SET, nullptr) == S_OK &&
+               stream.Read(g_window, count, &done) == S_OK;
+    });
 }
 
 void WindowRead(const wchar_t* path) {
     const UniqueKernelHandle file = Open(path);
-    DWORD done = 0;
-    do {
-        Require(ReadFile(file.get(), g_window, sizeof g_window, &done, nullptr));
-    } while (done == sizeof g_window);
+    std::uint64_t position = 0;
+    WindowRead(GetFileSize(file.get(), nullptr), [&](std::uint64_t offset, DWORD count) {
+        if (offset != position)
+            SetFilePointer(file.get(), static_cast<LONG>(offset), nullptr, FILE_BEGIN);
+        position = offset + count;
+        DWORD done;
+        return ReadFile(file.get(), g_window, count, &done, nullptr) && done == count;
+    });
 }
 
 UniqueBitmap FloorThumbnail(IStream& stream, int width, int height, int edge) {

@@ -12,7 +12,7 @@ namespace vantrel::bench {
 void FloorRead(IStream& stream);
 void FloorRead(const wchar_t* path);
 
-// Each reads all bytes through one reused buffer of 64 KiB and does nothing else.
+// Each reads header, trailer and payload through one reused buffer of 64 KiB and does nothing else.
 void WindowRead(IStream& stream);
 void WindowRead(const wchar_t* path);
 

@@ -1,6 +1,7 @@
 #include "benchmarks/Library.h"
 
 #include "benchmarks/Measurement.h"
+#include "support/IColumnProvider.h"
 
 #include <oleauto.h>
 #include <propsys.h>

@@ -20,7 +20,8 @@ struct Row {
         double ratio; // its time over the library's
     };
     std::vector<Peer> peers;
-    std::optional<double> window; // time of nothing but reading through a small window, over the floor's
+    std::optional<double> window; // its time over that of nothing but reading through a small window
+    std::optional<double> windowGoal;
 };
 
 struct Growth {

@@ -1,7 +1,5 @@
 #include "codec/Decoder.h"
 
-#include "codec/FileFramePixels.h"
-
 namespace vantrel {
 
 namespace {
@@ -104,7 +102,7 @@ bool DecodeFacts(PayloadReader& payload, DecodedImage& image, Keep keep) {
 bool KeepPixels(PayloadReader& payload, DecodedImage& image) {
     image.framePixels.reserve(image.frames.size());
     for (const FrameRecord& frame : image.frames) {
-        FileFramePixels pixels(payload, image.header, frame);
+        FramePixels pixels(payload, image.header, frame);
         const std::uint32_t piece = DecodedRowBytes(ModeOf(image.header.flags), frame.width);
         ByteBuffer& kept = image.framePixels.emplace_back();
         kept.reserve(pixels.Size());
@@ -124,7 +122,7 @@ bool decode(PayloadReader& payload, DecodedImage& image, Keep keep, const PixelT
     if (!DecodeFacts(payload, image, keep) || (keep == Keep::Everything && !KeepPixels(payload, image)))
         return false;
     if (takePixels) {
-        FileFramePixels pixels(payload, image.header, ElementAt(image.frames, 0));
+        FramePixels pixels(payload, image.header, ElementAt(image.frames, 0));
         if (!takePixels(image, pixels))
             return false;
     }

@@ -3,7 +3,6 @@
 
 #include "codec/DecodedImage.h"
 #include "codec/FramePixels.h"
-#include "codec/PayloadReader.h"
 
 #include <functional>
 

@@ -39,4 +39,12 @@ bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
     return false;
 }
 
+bool LoadFrom(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels,
+              std::uint32_t windowSize) {
+    FileHeader header;
+    std::optional<PayloadReader> payload;
+    return readFile(source, zmiPictureKind, header, payload, windowSize) &&
+           decode(*payload, image, keep, takePixels);
+}
+
 } // namespace vantrel

@@ -1,9 +1,8 @@
-// The reading algorithm of ZMI files: header, trailer, then access to the payload.
+// The reading algorithm of ZMI files: header, trailer, then the payload and what it holds.
 #pragma once
 
 #include "codec/ByteSource.h"
-#include "codec/PayloadReader.h"
-#include "codec/ZmiFormat.h"
+#include "codec/Decoder.h"
 
 #include <optional>
 
@@ -14,6 +13,10 @@ namespace vantrel {
 // header and the payload nothing is read.
 bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
               std::optional<PayloadReader>& payload,
+              std::uint32_t windowSize = PayloadReader::standardWindow);
+
+// Reads and decodes a picture into an empty image; see decode for the rest.
+bool LoadFrom(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels = {},
               std::uint32_t windowSize = PayloadReader::standardWindow);
 
 } // namespace vantrel

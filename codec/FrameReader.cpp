@@ -1,9 +1,9 @@
 #include "codec/FrameReader.h"
 
 #include "codec/DecodedImage.h"
-#include "codec/FileFramePixels.h"
 #include "codec/FileReader.h"
 #include "codec/FrameConverter.h"
+#include "codec/FramePixels.h"
 #include "codec/PixelConversion.h"
 
 #include <algorithm>
@@ -123,7 +123,7 @@ bool FrameReader::Convert(const FileFrame& frame, const RowTaker& takeRow) {
         return false;
     const auto transparent = MarkTransparent(frame.record, palette);
 
-    FileFramePixels pixels(payload, image_, frame.record);
+    FramePixels pixels(payload, image_, frame.record);
     FrameConverter converter(frame.record, &palette, pixels);
     std::vector<std::uint32_t> words(converter.Width());
     for (unsigned y = 0; y < converter.Height(); ++y) {

@@ -1,7 +1,7 @@
 #include "codec/Load.h"
 
+#include "codec/FileReader.h"
 #include "codec/FileSource.h"
-#include "codec/LoadFrom.h"
 #include "codec/StreamSource.h"
 
 namespace vantrel {

@@ -11,21 +11,10 @@ namespace vantrel {
 
 namespace {
 
-// Flips an 8 x 8 bit matrix along its antidiagonal, swapping blocks of 1, 2 and 4 in turn (H. S. Warren,
-// Hacker's Delight, 7-3). With row r in byte 7 - r, leftmost pixel in the highest bit, byte c of the result
-// is column c and its bit r row r.
-std::uint64_t FlipBits(std::uint64_t rows) {
-    std::uint64_t swap = (rows ^ rows << 9) & 0xAA00AA00AA00AA00;
-    rows ^= swap ^ swap >> 9;
-    swap = (rows ^ rows << 18) & 0xCCCC0000CCCC0000;
-    rows ^= swap ^ swap >> 18;
-    swap = (rows ^ rows << 36) & 0xF0F0F0F000000000;
-    return rows ^ swap ^ swap >> 36;
-}
-
 #ifdef VANTREL_SSE2
-// The same for sixteen matrices at a time: byte i of vector r is row r of matrix i, and then byte i of vector
-// 7 - c is its column c.
+// Transposes sixteen 8 x 8 bit matrices at a time, swapping blocks of 4, 2 and 1 in turn (H. S. Warren,
+// Hacker's Delight, 7-3): byte i of vector r is row r of matrix i, and then byte i of vector 7 - c is its
+// column c.
 void FlipBits(__m128i (&vectors)[8]) {
     const auto swap = [&](int distance, char mask) {
         for (int i = 0; i < 8; ++i) {
@@ -67,24 +56,29 @@ void TransposeStrip(const std::uint8_t* rows, std::size_t rowBytes, unsigned row
         Store(page + 48, _mm_unpackhi_epi32(fours[2], fours[3]));
     }
 }
-#endif
 
 // Up to eight rows into one page.
 void TransposePage(const std::uint8_t* rows, std::size_t rowBytes, unsigned rowCount, std::uint8_t* page,
                    std::size_t width) {
-    std::size_t x = 0;
-#ifdef VANTREL_SSE2
-    for (; x + 128 <= width; x += 128)
-        TransposeStrip(rows + x / 8, rowBytes, rowCount, page + x);
-#endif
-    for (; x < width; x += 8) {
-        std::uint64_t block = 0;
+    for (; width >= 128; width -= 128, rows += 16, page += 128)
+        TransposeStrip(rows, rowBytes, rowCount, page);
+    std::uint8_t rest[8][16] = {}, columns[128];
+    for (unsigned r = 0; r < rowCount && width > 0; ++r)
+        std::memcpy(rest[r], rows + r * rowBytes, (width + 7) / 8);
+    TransposeStrip(rest[0], sizeof rest[0], rowCount, columns);
+    std::memcpy(page, columns, width);
+}
+#else
+void TransposePage(const std::uint8_t* rows, std::size_t rowBytes, unsigned rowCount, std::uint8_t* page,
+                   std::size_t width) {
+    for (std::size_t x = 0; x < width; ++x) {
+        unsigned column = 0;
         for (unsigned r = 0; r < rowCount; ++r)
-            block |= std::uint64_t{rows[r * rowBytes + x / 8]} << 8 * (7 - r);
-        const std::uint64_t columns = FlipBits(block);
-        std::memcpy(page + x, &columns, std::min<std::size_t>(8, width - x));
+            column |= (rows[r * rowBytes + x / 8] >> (7 - x % 8) & 1u) << r;
+        page[x] = static_cast<std::uint8_t>(column);
     }
 }
+#endif
 
 } // namespace
 

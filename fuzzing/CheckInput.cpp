@@ -1,5 +1,6 @@
 #include "fuzzing/CheckInput.h"
 
+#include "codec/FileReader.h"
 #include "codec/FrameConverter.h"
 #include "codec/FrameReader.h"
 #include "tests/builder/MemorySource.h"
@@ -146,23 +147,6 @@ void CheckPixels(const FileFacts& facts, const DecodedImage& image, Keep keep) {
     }
 }
 
-// Pixels that stand in memory.
-class HeldFramePixels final : public FramePixels {
-public:
-    explicit HeldFramePixels(const ByteBuffer& bytes) : bytes_(bytes) {}
-
-    std::uint64_t Size() const override { return bytes_.size(); }
-    const std::uint8_t* Next(std::uint32_t count) override {
-        Require(count <= bytes_.size() - position_, "no more pixels are asked for than there are");
-        position_ += count;
-        return bytes_.data() + position_ - count;
-    }
-
-private:
-    const ByteBuffer& bytes_;
-    std::size_t position_ = 0;
-};
-
 enum class Conversion { Done, Refused, Threw };
 
 // Bottom-up as on a surface, or not at all when the picture is larger than that.
@@ -171,13 +155,11 @@ Conversion Convert(const DecodedImage& image, std::size_t i, FramePixels& pixels
     try {
         FrameConverter converter(image, i, pixels);
         const std::ptrdiff_t width = converter.Width(), height = converter.Height();
-        words.assign(static_cast<std::size_t>(width * height) <= mostPixels
-                         ? static_cast<std::size_t>(width * height)
-                         : 0,
-                     0xDEADBEEF);
-        if (!converter.CanConvert() || (words.empty() && width * height > 0))
+        const auto count = static_cast<std::size_t>(width * height);
+        if (!converter.CanConvert() || count > mostPixels)
             return Conversion::Refused;
-        return words.empty() || converter.Convert(words.data() + width * (height - 1), -width)
+        words.assign(count, 0xDEADBEEF);
+        return count == 0 || converter.Convert(words.data() + width * (height - 1), -width)
                    ? Conversion::Done
                    : Conversion::Refused;
     } catch (const std::out_of_range&) {
@@ -185,49 +167,32 @@ Conversion Convert(const DecodedImage& image, std::size_t i, FramePixels& pixels
     }
 }
 
-// What conversion makes of each frame that is there and of the first that is not; gives out the first
-// frame's.
-Conversion CheckConversion(const DecodedImage& image, std::size_t mostPixels,
-                           std::vector<std::uint32_t>& first) {
-    const ByteBuffer none;
-    Conversion firstMet = Conversion::Threw;
-    for (std::size_t i = 0; i <= image.frames.size(); ++i) {
-        const ByteBuffer& bytes = i < image.frames.size() ? image.framePixels[i] : none;
-        HeldFramePixels pixels(bytes);
-        std::vector<std::uint32_t> words;
-        const Conversion met = Convert(image, i, pixels, mostPixels, words);
-        if (i >= image.frames.size()) {
-            Require(met == Conversion::Threw, "a frame that is not there throws");
-            continue;
+// What conversion has made of a frame, whose pixels the image holds.
+void CheckConversion(const DecodedImage& image, std::size_t i, std::size_t mostPixels, Conversion met,
+                     const std::vector<std::uint32_t>& words) {
+    const FrameRecord& frame = image.frames[i];
+    const ByteBuffer& bytes = image.framePixels[i];
+    const unsigned mode = frame.flags / 8 % 4;
+    const std::size_t width = frame.width, height = frame.height;
+    const std::size_t palette = frame.paletteNumber > 0 ? frame.paletteNumber - 1 : 0;
+    const std::size_t needed = mode == 0   ? (height + 7) / 8 * width
+                               : mode == 1 ? width * height
+                                           : 2 * width * height;
+    const bool hasNoPalette = (frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size();
+    Require(met == (mode == 3                                     ? Conversion::Refused
+                    : hasNoPalette                                ? Conversion::Threw
+                    : width * height > mostPixels                 ? Conversion::Refused
+                    : width * height > 0 && bytes.size() < needed ? Conversion::Threw
+                                                                  : Conversion::Done),
+            "a frame is converted, refused or throws as its record has it");
+    for (std::size_t y = 0; met == Conversion::Done && y < height; y += Step(width, height))
+        for (std::size_t x = 0; x < width; ++x) {
+            const std::size_t at = y * width + x;
+            const std::uint32_t colour = mode == 0   ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
+                                         : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
+                                                     : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
+            Require(words[(height - 1 - y) * width + x] == colour, "a pixel has its colour");
         }
-        const FrameRecord& frame = image.frames[i];
-        const unsigned mode = frame.flags / 8 % 4;
-        const std::size_t width = frame.width, height = frame.height;
-        const std::size_t palette = frame.paletteNumber > 0 ? frame.paletteNumber - 1 : 0;
-        const std::size_t needed = mode == 0   ? (height + 7) / 8 * width
-                                   : mode == 1 ? width * height
-                                               : 2 * width * height;
-        const Conversion expected =
-            mode == 3                                                                    ? Conversion::Refused
-            : (frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size() ? Conversion::Threw
-            : width * height > mostPixels                                                ? Conversion::Refused
-            : width * height > 0 && bytes.size() < needed                                ? Conversion::Threw
-                                                                                         : Conversion::Done;
-        Require(met == expected, "a frame is converted, refused or throws as its record has it");
-        for (std::size_t y = 0; met == Conversion::Done && y < height; y += Step(width, height))
-            for (std::size_t x = 0; x < width; ++x) {
-                const std::size_t at = y * width + x;
-                const std::uint32_t colour = mode == 0 ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
-                                             : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
-                                                         : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
-                Require(words[(height - 1 - y) * width + x] == colour, "a pixel has its colour");
-            }
-        if (i == 0) {
-            firstMet = met;
-            first = std::move(words);
-        }
-    }
-    return firstMet;
 }
 
 // Each byte of header, payload and trailer is read, and none between header and payload.
@@ -237,29 +202,40 @@ void CheckReads(const FileFacts& facts, const Bytes& reads) {
                 "what is to be read is read");
 }
 
-// Frame 0 converted while its file is read is frame 0 converted from memory.
-void CheckConversionOnTheWay(const FileFacts& facts, const DecodedImage& image, const Limits& limits) {
-    std::vector<std::uint32_t> expected, words;
-    const Conversion conversion = CheckConversion(image, limits.pixels, expected);
+// Each frame, and frame 0 also while its file is being read as the handlers have it; `image` holds
+// everything.
+void CheckConversions(const FileFacts& facts, const DecodedImage& image, const Limits& limits) {
+    MemorySource source(facts.file);
+    FileHeader header;
+    std::optional<PayloadReader> payload;
+    Require(readFile(source, 1, header, payload, limits.window), "a file is read as often as one likes");
+    std::vector<std::uint32_t> words;
+    for (std::size_t i = 0; i < image.frames.size(); ++i) {
+        FramePixels pixels(*payload, image.header, image.frames[i]);
+        const Conversion met = Convert(image, i, pixels, limits.pixels, words);
+        CheckConversion(image, i, limits.pixels, met, words);
+        Require(Convert(image, image.frames.size(), pixels, limits.pixels, words) == Conversion::Threw,
+                "a frame that is not there throws");
+    }
     if (image.frames.empty())
         return;
+
     Conversion met = Conversion::Refused;
     const PixelTaker convert = [&](const DecodedImage& decoded, FramePixels& pixels) {
         met = Convert(decoded, 0, pixels, limits.pixels, words);
         return met == Conversion::Done;
     };
-    MemorySource source(facts.file);
+    MemorySource whole(facts.file);
     DecodedImage head;
-    Require(LoadFrom(source, head, Keep::Facts, convert, limits.window) == (conversion == Conversion::Done) &&
-                met == conversion,
-            "converting on the way changes no outcome");
-    if (conversion != Conversion::Done)
+    const bool loaded = LoadFrom(whole, head, Keep::Facts, convert, limits.window);
+    CheckConversion(image, 0, limits.pixels, met, words);
+    Require(loaded == (met == Conversion::Done),
+            "a picture that can't be converted fails the load, no other does");
+    if (!loaded)
         return;
-    CheckReads(facts, source.Reads());
-    Require(words == expected, "converting on the way changes no pixel");
-
+    CheckReads(facts, whole.Reads());
     MemorySource failing(facts.file);
-    failing.failingCall = 1 + facts.file.size() * 7 % source.Calls();
+    failing.failingCall = 1 + facts.file.size() * 7 % whole.Calls();
     head = {};
     Require(!LoadFrom(failing, head, Keep::Facts, convert, limits.window), "a failing read fails the load");
 }
@@ -338,7 +314,7 @@ void CheckInput(const Bytes& file, const Limits& limits) {
         CheckRecordsAndPalettes(facts, image, keep);
         CheckPixels(facts, image, keep);
         if (keep == Keep::Everything)
-            CheckConversionOnTheWay(facts, image, limits);
+            CheckConversions(facts, image, limits);
     }
 }
 

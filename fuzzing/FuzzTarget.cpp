@@ -19,7 +19,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
                                                unsigned seed) {
     ZmiMutator mutator(seed);
     Bytes file(data, data + size);
-    if (mutator.Pick(100) == 0)
+    if (size == 0 || mutator.Pick(100) == 0)
         file = mutator.MakeFile().Build();
     if (mutator.Pick(3) == 0) {
         const std::size_t kept = mutator.Pick(2) == 0 ? 0 : std::min(file.size(), file_header::size);

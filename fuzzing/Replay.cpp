@@ -1,5 +1,4 @@
-// Checks what the fuzzer has found before, and a fixed run of mutations, without libFuzzer; writes the
-// fuzzer's seeds.
+// Checks what the fuzzer has found before, and a fixed run of mutations, without libFuzzer.
 
 #include "fuzzing/CheckInput.h"
 #include "tests/builder/ZmiMutator.h"
@@ -18,22 +17,9 @@ namespace fs = std::filesystem;
 constexpr std::uint32_t seedCount = 64;
 constexpr unsigned generations = 60;
 
-Bytes Seed(std::uint32_t number) {
-    return ZmiMutator(number).MakeFile().Build();
-}
-
 void Check(const Bytes& file) {
     CheckInput(file, largeInputs);
     CheckInput(file, smallInputs);
-}
-
-void WriteSeeds(const fs::path& folder) {
-    fs::create_directories(folder);
-    for (std::uint32_t i = 0; i < seedCount; ++i) {
-        const Bytes seed = Seed(i);
-        std::ofstream(folder / ("seed-" + std::to_string(i) + ".zmi"), std::ios::binary)
-            .write(reinterpret_cast<const char*>(seed.data()), static_cast<std::streamsize>(seed.size()));
-    }
 }
 
 void ReplayFile(const fs::path& path) {
@@ -46,7 +32,7 @@ void ReplayFile(const fs::path& path) {
 void ReplayMutations() {
     for (std::uint32_t i = 0; i < seedCount; ++i) {
         ZmiMutator mutator(i);
-        const Bytes seed = Seed(i);
+        const Bytes seed = mutator.MakeFile().Build();
         Check(seed);
         Bytes file = seed;
         for (unsigned generation = 0; generation < generations; ++generation) {
@@ -62,13 +48,8 @@ void ReplayMutations() {
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.size() == 2 && arguments[0] == "--write-seeds") {
-        WriteSeeds(arguments[1]);
-        return 0;
-    }
     ReplayMutations();
-    for (const fs::path path : arguments) {
+    for (const fs::path path : std::vector<std::string>(argv + 1, argv + argc)) {
         if (!fs::is_directory(path)) {
             ReplayFile(path);
             continue;

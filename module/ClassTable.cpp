@@ -29,7 +29,7 @@ consteval CLSID ParseClassId(const wchar_t (&text)[39]) {
     id.Data1 = ParseHex(text + 1, 8);
     id.Data2 = static_cast<std::uint16_t>(ParseHex(text + 10, 4));
     id.Data3 = static_cast<std::uint16_t>(ParseHex(text + 15, 4));
-    for (unsigned i = 0; i < 8; ++i)
+    for (std::size_t i = 0; i < 8; ++i)
         id.Data4[i] = static_cast<std::uint8_t>(ParseHex(text + (i < 2 ? 20 : 21) + 2 * i, 2));
     return id;
 }

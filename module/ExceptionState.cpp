@@ -11,7 +11,13 @@
 
 namespace __gnu_cxx {
 void __freeres(); // frees the emergency pool
+
+// In place of the runtime's own, which names the exception on stderr, where no host shows it, and brings a
+// demangler.
+void __verbose_terminate_handler() {
+    std::abort();
 }
+} // namespace __gnu_cxx
 
 namespace {
 

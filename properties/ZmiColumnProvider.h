@@ -2,8 +2,7 @@
 #pragma once
 
 #include "support/ComObject.h"
-
-#include <shlobj.h>
+#include "support/IColumnProvider.h"
 
 namespace vantrel {
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "support/ComObject.h"
+#include "support/IColumnProvider.h"
 #include "support/PersistedPath.h"
 
 #include <shlobj.h>

@@ -1,10 +1,13 @@
+# shellcheck shell=sh
 # What the project's commands stand on: Debian packages, builds and the private Wine prefix. Sourced, not run.
 # Every step is silent when there is nothing to do, and says in one line what went wrong.
 
 root=$(cd "$(dirname "$0")" && pwd)
+root=${root%/scripts}
 log=$root/build/setup.log
-export VANTREL_WINEPREFIX=$root/build/wine
-mkdir -p "$root/build"
+export VANTREL_WINEPREFIX="$root/build/wine"
+export TMPDIR="$root/build/tmp" # /tmp may be small
+mkdir -p "$TMPDIR"
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -23,19 +26,8 @@ quietly() {
     fi
 }
 
-as_root() {
-    if [ "$(id -u)" = 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        fail "Debian packages are missing and neither root nor sudo is at hand; install: $missing"
-    fi
-}
-
 install_packages() {
-    export DEBIAN_FRONTEND=noninteractive
-    as_root apt-get update && as_root apt-get install -y --no-install-recommends "$@"
+    $sudo apt-get update && $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 
 # need PACKAGE...: installs those that are missing.
@@ -45,6 +37,11 @@ need() {
         [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
     done
     [ -z "$missing" ] && return
+    sudo=
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || fail "neither root nor sudo is at hand to install Debian packages:$missing"
+        sudo="sudo"
+    fi
     say "Installing Debian packages:$missing"
     # shellcheck disable=SC2086 # one argument a package
     quietly "installing$missing" install_packages $missing
@@ -59,11 +56,8 @@ build() {
     preset=$1
     shift
     if [ ! -e "$root/build/$preset/build.ninja" ]; then
-        say "Configuring $preset"
+        say "Building $preset, for the first time"
         quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
-    fi
-    if env -C "$root" ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -Eq '\] (Building|Linking)'; then
-        say "Building $preset"
     fi
     quietly "building $preset" env -C "$root" ninja -C "build/$preset" "$@"
 }

@@ -37,8 +37,8 @@ BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath) {
 }
 
 BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth) {
-    // The system nests no deeper: whoever gets there follows a link round and round.
-    constexpr unsigned mostLevels = 512;
+    // Whoever gets there follows a link round and round, and the stack is not endless.
+    constexpr unsigned mostLevels = 128;
     if (depth > mostLevels)
         return FALSE;
     {

@@ -2,7 +2,7 @@
 // loading from a source.
 #pragma once
 
-#include "codec/LoadFrom.h"
+#include "codec/FileReader.h"
 #include "tests/builder/ZmiVerdict.h"
 
 #include <algorithm>

@@ -23,7 +23,8 @@ TEST(StreamHandlers, TakeTheirStreamOnce) {
         EXPECT_EQ(E_ACCESSDENIED, initialize->Initialize(&second, STGM_READ));
         second.RefuseInterfaces(S_OK);
         EXPECT_EQ(S_OK, initialize->Initialize(&first, STGM_READ)) << "nothing is held yet";
-        EXPECT_EQ(E_UNEXPECTED, initialize->Initialize(&second, STGM_READ));
+        for (IStream* const refused : {static_cast<IStream*>(&second), static_cast<IStream*>(nullptr)})
+            EXPECT_EQ(E_UNEXPECTED, initialize->Initialize(refused, STGM_READ));
         for (int round = 0; round < 3; ++round) {
             const Answer answer = ask();
             EXPECT_TRUE(shows ? answer.pictures.at(0).width == 9 : answer.text == L"bstr:first") << answer;

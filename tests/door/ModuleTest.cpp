@@ -1,3 +1,4 @@
+#include "support/IColumnProvider.h"
 #include "tests/door/ImportHook.h"
 #include "tests/door/TheDll.h"
 

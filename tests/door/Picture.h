@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -34,6 +35,25 @@ struct Picture {
     std::uint32_t At(unsigned x, unsigned y) const { return words.at(std::size_t{y} * width + x); }
     bool operator==(const Picture&) const = default;
 };
+
+inline Bitmap MakeBitmap(const Picture& picture) {
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader,
+                      static_cast<LONG>(picture.width),
+                      -static_cast<LONG>(picture.height),
+                      1,
+                      32,
+                      BI_RGB,
+                      0,
+                      0,
+                      0,
+                      0,
+                      0};
+    void* bits = nullptr;
+    Bitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    std::copy(picture.words.begin(), picture.words.end(), static_cast<std::uint32_t*>(bits));
+    return bitmap;
+}
 
 inline Picture ReadPicture(HBITMAP bitmap) {
     BITMAP facts{};

@@ -92,6 +92,32 @@ TEST(Pictures, KeepTheirProportionsInASquare) {
     ExpectInSquare(ZmiBuilder{}, 256, FlatPicture(256, 150, 0xFFFFFF));
 }
 
+// As the system's own halftone has it.
+TEST(Pictures, AreScaledWithHalftone) {
+    const ZmiBuilder file = SpeckledFile(60, 44);
+    TestStream stream(file.Build());
+    for (const UINT edge : {29u, 100u}) {
+        const int width = static_cast<int>(edge), height = width * 44 / 60;
+        Picture scaled[2];
+        for (const int mode : {HALFTONE, COLORONCOLOR}) {
+            const Bitmap source = MakeBitmap(NaturalPicture(file)),
+                         target = MakeBitmap(FlatPicture(edge, static_cast<unsigned>(height)));
+            const HDC from = CreateCompatibleDC(nullptr), to = CreateCompatibleDC(nullptr);
+            SelectObject(from, source.get());
+            SelectObject(to, target.get());
+            SetStretchBltMode(to, mode);
+            EXPECT_TRUE(StretchBlt(to, 0, 0, width, height, from, 0, 0, 60, 44, SRCCOPY));
+            DeleteDC(from);
+            DeleteDC(to);
+            Picture& picture = scaled[mode == HALFTONE ? 0 : 1] = ReadPicture(target.get());
+            for (std::uint32_t& word : picture.words)
+                word |= opaque;
+        }
+        EXPECT_NE(scaled[0], scaled[1]) << "the picture shows no difference";
+        EXPECT_EQ((Answer{S_OK, {scaled[0]}}), AskThumbnail(*ThumbnailProviderOf(stream).Get(), edge));
+    }
+}
+
 TEST(Pictures, AreRefusedWithoutAPaintableFrame) {
     const auto oddFrame = [](unsigned mode, std::uint8_t flags) {
         return ZmiBuilder{
@@ -187,8 +213,8 @@ TEST(ExtractImage, KeepsTheRequestUntilTheNextLoad) {
 TEST(ExtractImage, StampsTheDateOfAnyFileThatOpens) {
     const ScratchFile scratch({1, 2, 3});
     const FILETIME written{0x12345678, 0x01D00000};
-    const HANDLE file = CreateFileW(scratch.Path(), GENERIC_READ | FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ,
-                                    nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE file = CreateFileW(scratch.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
     ASSERT_TRUE(SetFileTime(file, nullptr, nullptr, &written));
     const auto handler = ImageHandlerOf(scratch.Path());
     FILETIME stamp{1, 1};
@@ -214,8 +240,8 @@ TEST(IconHandler, MakesEachIconInItsOwnSize) {
     HICON icons[2] = {};
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, &icons[0], nullptr, 32));
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, nullptr, &icons[1], MAKELONG(0, 16)));
-    for (const HICON icon : icons)
-        EXPECT_NE(nullptr, Icon(icon));
+    EXPECT_EQ(large, ReadIcon(Icon(icons[0]).get()));
+    EXPECT_EQ(AsIcon(FlatPicture(16, 5), 16), ReadIcon(Icon(icons[1]).get()));
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, nullptr, nullptr, 0));
 }
 

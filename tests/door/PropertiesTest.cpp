@@ -27,6 +27,7 @@ TEST(PropertyStore, ListsItsThreeKeysForReading) {
     EXPECT_EQ(E_UNEXPECTED, store->Commit());
     EXPECT_EQ(E_POINTER, store->GetCount(nullptr));
     EXPECT_EQ(E_POINTER, store->GetAt(0, nullptr));
+    EXPECT_EQ(S_OK, store->GetAt(3, nullptr));
     EXPECT_EQ(E_POINTER, store->GetValue(titleKey, nullptr));
 }
 

@@ -1,5 +1,7 @@
 #include "tests/door/Requests.h"
 
+#include "tests/door/TestStream.h"
+
 #include <cstring>
 
 namespace vantrel::tests {
@@ -22,22 +24,6 @@ Answer FromBitmap(HRESULT result, HBITMAP bitmap) {
         EXPECT_EQ(Untouched<HBITMAP>(), bitmap);
     }
     return answer;
-}
-
-// The icon's colours with their alpha; none of it is masked away.
-Picture ReadIcon(HICON icon) {
-    ICONINFO info{};
-    EXPECT_TRUE(GetIconInfo(icon, &info));
-    const Bitmap mask(info.hbmMask);
-    const Bitmap colour(info.hbmColor);
-    EXPECT_TRUE(info.fIcon);
-    const Picture masked = ReadPicture(mask.get());
-    const Picture picture = ReadPicture(colour.get());
-    EXPECT_EQ(masked.width, picture.width);
-    EXPECT_EQ(masked.height, picture.height);
-    for (const std::uint32_t word : masked.words)
-        EXPECT_EQ(0u, word & ~opaque);
-    return picture;
 }
 
 // A value that no call hands out, to see what a call leaves alone.
@@ -79,6 +65,21 @@ ComPtr<Interface> PathObject(REFCLSID classId, REFIID iid, const wchar_t* path) 
 }
 
 } // namespace
+
+Picture ReadIcon(HICON icon) {
+    ICONINFO info{};
+    EXPECT_TRUE(GetIconInfo(icon, &info));
+    const Bitmap mask(info.hbmMask);
+    const Bitmap colour(info.hbmColor);
+    EXPECT_TRUE(info.fIcon);
+    const Picture masked = ReadPicture(mask.get());
+    const Picture picture = ReadPicture(colour.get());
+    EXPECT_EQ(masked.width, picture.width);
+    EXPECT_EQ(masked.height, picture.height);
+    for (const std::uint32_t word : masked.words)
+        EXPECT_EQ(0u, word & ~opaque);
+    return picture;
+}
 
 Answer AskThumbnail(IThumbnailProvider& provider, UINT edge) {
     auto bitmap = Untouched<HBITMAP>();
@@ -147,6 +148,11 @@ ComPtr<IExtractImage2> ImageHandlerOf(const wchar_t* path) {
 
 ComPtr<IExtractIconW> IconHandlerOf(const wchar_t* path) {
     return PathObject<IExtractIconW>(iconHandlerClass, IID_IExtractIconW, path);
+}
+
+void LetOneExceptionHappen() {
+    TestStream stream(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
+    AskThumbnail(*ThumbnailProviderOf(stream).Get(), 8);
 }
 
 std::vector<Request> StreamRequests(IStream& stream, UINT edge) {

@@ -1,6 +1,7 @@
 // The requests that hosts make of each handler, asked so that their answers can be compared.
 #pragma once
 
+#include "support/IColumnProvider.h"
 #include "tests/door/Picture.h"
 #include "tests/door/TheDll.h"
 
@@ -47,6 +48,9 @@ Answer AskValue(IPropertyStore& store, const PROPERTYKEY& key);
 Answer AskColumn(IColumnProvider& provider, const wchar_t* path, const wchar_t* extension = L".zmi",
                  DWORD attributes = FILE_ATTRIBUTE_NORMAL, const SHCOLUMNID& column = dimensionsKey);
 
+// The icon's colours with their alpha; none of it is masked away.
+Picture ReadIcon(HICON icon);
+
 // Objects that have been given their file.
 ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream);
 ComPtr<IPropertyStore> PropertyStoreOf(IStream& stream);
@@ -63,5 +67,8 @@ struct Request {
 // Every request of every handler, pictures in boxes of edge x edge.
 std::vector<Request> StreamRequests(IStream& stream, UINT edge = 16);
 std::vector<Request> PathRequests(const wchar_t* path, UINT edge = 16);
+
+// What the C++ runtime sets up for a thread's first exception stays as long as the thread.
+void LetOneExceptionHappen();
 
 } // namespace vantrel::tests

@@ -22,7 +22,8 @@ enum class Refuse {
 };
 
 // While it lives, on one thread. Counts what the library itself calls: memory, BSTRs, GDI objects, icons,
-// files.
+// files, libraries, security descriptors, registry keys. Fails the running test when a key is closed twice or
+// a bitmap deleted while it is selected.
 class ResourceWatch {
 public:
     // Refuses the taking of that number, counted from 1.
@@ -58,11 +59,46 @@ public:
         Taking<"GetDC", HDC, HWND>(nullptr);
         Taking<"CreateFileW", HANDLE, const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD,
                HANDLE>(INVALID_HANDLE_VALUE);
+        Taking<"LoadLibraryW", HMODULE, const wchar_t*>(nullptr);
+        // Found at run time, what it makes is local memory.
+        Hook<"GetProcAddress", FARPROC, HMODULE, const char*>(
+            [this](auto original, HMODULE module, const char* name) {
+                const FARPROC found = original(module, name);
+                if (std::strcmp(name, "ConvertStringSecurityDescriptorToSecurityDescriptorW") != 0)
+                    return found;
+                convert_ = reinterpret_cast<ConvertFn>(reinterpret_cast<void*>(found));
+                converting_ = this;
+                return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Convert));
+            });
+        Opening<"RegCreateKeyW", HKEY, const wchar_t*, HKEY*>();
+        Opening<"RegOpenKeyExW", HKEY, const wchar_t*, DWORD, REGSAM, HKEY*>();
+        Opening<"RegCreateKeyExW", HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*,
+                HKEY*, DWORD*>();
+        Hook<"RegCloseKey", LSTATUS, HKEY>([this](auto original, HKEY key) {
+            EXPECT_TRUE(live_.contains(key)) << "closed twice";
+            Forget(key);
+            return original(key);
+        });
+        Hook<"SelectObject", HGDIOBJ, HDC, HGDIOBJ>([this](auto original, HDC dc, HGDIOBJ object) {
+            selected_[dc] = object;
+            return original(dc, object);
+        });
+        Hook<"DeleteDC", BOOL, HDC>([this](auto original, HDC dc) {
+            selected_.erase(dc);
+            Forget(dc);
+            return original(dc);
+        });
+        Hook<"DeleteObject", BOOL, HGDIOBJ>([this](auto original, HGDIOBJ object) {
+            for (const auto& [dc, held] : selected_)
+                EXPECT_NE(object, held) << "deleted while it is selected";
+            Forget(object);
+            return original(object);
+        });
+        Giving<"FreeLibrary", BOOL, HMODULE>();
+        Giving<"LocalFree", HLOCAL, HLOCAL>();
         Giving<"free", void, void*>();
         Giving<"_aligned_free", void, void*>();
         Giving<"SysFreeString", void, BSTR>();
-        Giving<"DeleteObject", BOOL, HGDIOBJ>();
-        Giving<"DeleteDC", BOOL, HDC>();
         Giving<"ReleaseDC", int, HWND, HDC>();
         Giving<"CloseHandle", BOOL, HANDLE>();
     }
@@ -90,6 +126,23 @@ private:
             const Result taken = original(arguments...);
             return taken == refusal ? taken : Keep(taken);
         });
+    }
+    // Counts the key that a function stores through its last argument of that kind.
+    template <FunctionName name, class... Arguments>
+    void Opening() {
+        Hook<name, LSTATUS, Arguments...>([this](auto original, Arguments... arguments) {
+            const LSTATUS status = original(arguments...);
+            if (status == ERROR_SUCCESS)
+                Keep(*std::get<HKEY*>(std::tuple(arguments...)));
+            return status;
+        });
+    }
+    static BOOL WINAPI Convert(const wchar_t* text, DWORD revision, PSECURITY_DESCRIPTOR* descriptor,
+                               ULONG* size) {
+        if (converting_->Refused("LocalAlloc") || !convert_(text, revision, descriptor, size))
+            return FALSE;
+        converting_->Keep(*descriptor);
+        return TRUE;
     }
     // The functions that give back name the thing last.
     template <FunctionName name, class Result, class... Arguments>
@@ -126,11 +179,16 @@ private:
             bytes_ -= known.mapped();
     }
 
+    using ConvertFn = BOOL(WINAPI*)(const wchar_t*, DWORD, PSECURITY_DESCRIPTOR*, ULONG*);
+    static inline ConvertFn convert_ = nullptr;
+    static inline ResourceWatch* converting_ = nullptr;
+
     unsigned number_;
     Refuse mode_;
     unsigned takings_ = 0;
     std::string refused_{};
     std::map<void*, std::size_t> live_{}; // and their bytes
+    std::map<HDC, HGDIOBJ> selected_{};
     std::size_t bytes_ = 0;
     std::size_t peakBytes_ = 0;
     std::vector<std::unique_ptr<ImportPatch>> hooks_{};

@@ -48,12 +48,6 @@ void Starve(const Request& request) {
     }
 }
 
-// What the C++ runtime sets up for a thread's first exception stays.
-void LetOneExceptionHappen() {
-    TestStream stream(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
-    AskThumbnail(*ThumbnailProviderOf(stream).Get(), 8);
-}
-
 const ZmiBuilder files[] = {
     {.mode = 0, .frames = {{16, 9}}, .title = "Starved"},
     {.mode = 1, .frames = {{16, 9}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColours(1)}}},

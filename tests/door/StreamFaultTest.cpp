@@ -27,7 +27,6 @@ TEST(BrokenStream, FailsEveryRequestAtEveryCall) {
                     const Answer answer = request.ask();
                     EXPECT_EQ(stream.HasLied() ? Answer{request.failure} : whole, answer)
                         << request.name << " at call " << call;
-                    EXPECT_GT(8u, stream.References());
                 }
             }
             stream.BreakAt(0, StreamFault::None);
@@ -35,6 +34,22 @@ TEST(BrokenStream, FailsEveryRequestAtEveryCall) {
         }
         EXPECT_EQ(1u, stream.References());
     }
+}
+
+TEST(BrokenStream, NeedsToGiveNoMoreThanIsRead) {
+    // The gap behind the header is not read, and header and payload are reads of their own.
+    const ZmiBuilder gap{.frames = {{8, 8}}, .gap = 300}, blank{};
+    TestStream broken(gap.Build()), sluggish(blank.Build());
+    broken.LimitReads(1000, file_header::size, gap.PayloadAt());
+    sluggish.LimitReads(150);
+    TestStream* const streams[] = {&broken, &sluggish};
+    for (TestStream* const stream : streams)
+        for (const Request& request : StreamRequests(*stream))
+            EXPECT_EQ(S_OK, request.ask().result) << request.name;
+
+    TestStream other(Bytes(70000, 'x'));
+    EXPECT_EQ(Answer{E_FAIL}, AskThumbnail(*ThumbnailProviderOf(other).Get(), 8));
+    EXPECT_EQ(file_header::size, other.BytesAsked()) << "of what is no ZMI at all";
 }
 
 TEST(BrokenStream, IsMeasuredByTheLowHalfOfItsSize) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
 #include <objidl.h>
 
 #include <algorithm>
@@ -37,12 +38,18 @@ public:
         fault_ = fault;
     }
     void ClaimSize(std::uint64_t size) { claimedSize_ = size; }
+    // No call may give more bytes, and none of those from begin to end.
+    void LimitReads(ULONG most, std::uint64_t begin = 0, std::uint64_t end = 0) {
+        mostBytes_ = most;
+        forbidden_ = {begin, end};
+    }
     // Answers every question for an interface with that.
     void RefuseInterfaces(HRESULT refusal) { refusal_ = refusal; }
 
     // Whether the fault has told its caller anything wrong: a Seek has no bytes to fall short of.
     bool HasLied() const { return hasLied_; }
     unsigned Calls() const { return calls_; }
+    std::uint64_t BytesAsked() const { return bytesAsked_; }
     ULONG References() const { return references_; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
@@ -62,7 +69,10 @@ public:
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
         const StreamFault fault = NextFault();
         hasLied_ = hasLied_ || (fault != StreamFault::None && fault != StreamFault::Moves);
+        if (count > mostBytes_ || (position_ < forbidden_.second && position_ + count > forbidden_.first))
+            return E_ACCESSDENIED;
         ULONG served = 0;
+        bytesAsked_ += count;
         if (fault != StreamFault::Fails && fault != StreamFault::ReadsNothing && position_ < bytes_.size()) {
             served = static_cast<ULONG>(std::min<std::uint64_t>(count, bytes_.size() - position_));
             if (fault == StreamFault::ReadsShort && served > 0)
@@ -89,7 +99,8 @@ public:
             reached->QuadPart = position_;
         return Finish(fault);
     }
-    HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD) override {
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD flags) override {
+        EXPECT_EQ(DWORD{STATFLAG_NONAME}, flags) << "a name would have to be freed";
         const StreamFault fault = NextFault();
         *stat = {};
         stat->type = STGTY_STREAM;
@@ -124,6 +135,9 @@ private:
     std::vector<std::uint8_t> bytes_;
     std::uint64_t position_ = 3; // a host need not hand a stream over at its beginning
     std::optional<std::uint64_t> claimedSize_;
+    ULONG mostBytes_ = ~ULONG{0};
+    std::pair<std::uint64_t, std::uint64_t> forbidden_{};
+    std::uint64_t bytesAsked_ = 0;
     unsigned calls_ = 0;
     unsigned faultAt_ = 0;
     StreamFault fault_ = StreamFault::None;

@@ -6,6 +6,8 @@
 #include <psapi.h>
 #include <shlwapi.h>
 
+#include <thread>
+
 namespace vantrel::tests {
 namespace {
 
@@ -117,6 +119,64 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
         EXPECT_EQ(1u, stream.References());
     std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", bytesBefore,
                 bytesAfter, handlesBefore, handlesAfter, freeBefore);
+}
+
+// How many slots of one kind the process can still take.
+std::size_t FreeSlots(DWORD (*take)(), BOOL (*give)(DWORD)) {
+    std::vector<DWORD> slots;
+    for (DWORD slot = take(); slot != TLS_OUT_OF_INDEXES; slot = take())
+        slots.push_back(slot);
+    for (const DWORD slot : slots)
+        give(slot);
+    return slots.size();
+}
+
+std::size_t FreeSlots() {
+    return FreeSlots([] { return TlsAlloc(); }, [](DWORD slot) { return TlsFree(slot); }) +
+           FreeSlots([] { return FlsAlloc(nullptr); }, [](DWORD slot) { return FlsFree(slot); });
+}
+
+// A picture and a file at which the library throws, on this thread and on one that ends before the library
+// goes.
+void UseAndUnload(const std::wstring& path) {
+    const HMODULE module = LoadLibraryW(path.c_str());
+    const auto use = [=](const ZmiBuilder& file, HRESULT expected) {
+        const auto getClassObject = reinterpret_cast<LPFNGETCLASSOBJECT>(
+            reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+        ComPtr<IClassFactory> factory;
+        ComPtr<IInitializeWithStream> object;
+        TestStream stream(file.Build());
+        ASSERT_EQ(S_OK, getClassObject(thumbnailProviderClass, IID_IClassFactory, &factory));
+        ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, IID_IInitializeWithStream, &object));
+        ASSERT_EQ(S_OK, object->Initialize(&stream, STGM_READ));
+        const auto provider = Ask<IThumbnailProvider>(object.Get(), __uuidof(IThumbnailProvider));
+        EXPECT_EQ(expected, AskThumbnail(*provider.Get(), 8).result);
+    };
+    const auto useBoth = [&] {
+        use({.frames = {{8, 8}}}, S_OK);
+        use({.mode = 0, .frameTable = true}, E_FAIL);
+    };
+    useBoth();
+    std::thread(useBoth).join();
+    EXPECT_TRUE(FreeLibrary(module));
+    EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << "the library does not unload";
+}
+
+TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
+    // Another copy than the one that the rest of this program keeps loaded.
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    const std::wstring copy = folder + (L"soak-" + std::to_wstring(GetCurrentProcessId()) + L".dll");
+    ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
+    for (int cycle = 0; cycle < 10; ++cycle)
+        UseAndUnload(copy);
+    const std::size_t slots = FreeSlots();
+    const SIZE_T bytes = PrivateBytes();
+    for (int cycle = 0; cycle < 200; ++cycle)
+        UseAndUnload(copy);
+    EXPECT_EQ(slots, FreeSlots());
+    EXPECT_LT(PrivateBytes(), bytes + 128 * 1024) << "was " << bytes;
+    EXPECT_TRUE(DeleteFileW(copy.c_str()));
 }
 
 // Nobody else has the file open, not even for deletion.

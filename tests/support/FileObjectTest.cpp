@@ -71,8 +71,26 @@ TEST(FileObject, SeeksAndMeasuresBeyondFourGiB) {
         ASSERT_TRUE(file.seek(FILE_BEGIN, end));
         ASSERT_TRUE(SetEndOfFile(file.handle()));
         EXPECT_EQ(file.size(), size);
+        EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), size);
         ASSERT_TRUE(file.seek(FILE_END, -end)) << "the end is where it was put";
         EXPECT_FALSE(file.seek(FILE_CURRENT, -1)) << "that was the beginning";
+    }
+}
+
+TEST(FileObject, AsksTheFolderForASizeThatTheFileDenies) {
+    const ScratchFile scratch(digits, L".txt");
+    EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u);
+    EXPECT_EQ(FileObject::fileSizeByName(L"C:\\no such file.txt"), 0u);
+    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
+        const ImportHook<"CreateFileW",
+                         HANDLE(const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE)>
+            denied(GetModuleHandleW(nullptr), [=](auto, const wchar_t*, DWORD access, auto...) {
+                EXPECT_EQ(access, 0u);
+                SetLastError(error);
+                return INVALID_HANDLE_VALUE;
+            });
+        EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), error == ERROR_ACCESS_DENIED ? 10u : 0u);
+        EXPECT_EQ(FileObject::fileSizeByName(L"C:\\no such file.txt"), 0u);
     }
 }
 

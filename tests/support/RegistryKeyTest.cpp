@@ -38,8 +38,37 @@ TEST(RegistryKey, SaysWhatItCouldNotDo) {
     ASSERT_TRUE(GetAce(acl, 0, reinterpret_cast<void**>(&entry)));
     EXPECT_EQ(entry->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
     EXPECT_TRUE(IsWellKnownSid(&entry->SidStart, WinWorldSid));
+    EXPECT_TRUE(entry->Mask == GENERIC_ALL || entry->Mask == KEY_ALL_ACCESS) << entry->Mask;
 
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
+    EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
+}
+
+// A link back to the tree that is being deleted.
+TEST(RegistryKey, EndsAtLinks) {
+    const std::wstring base = L"Software\\unit-link-" + std::to_wstring(GetCurrentProcessId());
+    const auto ntdll = [](const char* name) {
+        return reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name));
+    };
+    RegistryKey key, link;
+    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, base.c_str(), key.Put()), ERROR_SUCCESS);
+    struct {
+        ULONG bytes;
+        wchar_t text[1000];
+    } name{};
+    ULONG size = 0;
+    constexpr int keyNameInformation = 3;
+    ASSERT_EQ(reinterpret_cast<LONG(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*)>(ntdll("NtQueryKey"))(
+                  key.Get(), keyNameInformation, &name, sizeof name, &size),
+              0);
+    ASSERT_EQ(RegCreateKeyExW(key.Get(), L"link", 0, nullptr, REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, link.Put(), nullptr),
+              ERROR_SUCCESS);
+    ASSERT_EQ(RegSetValueExW(link.Get(), L"SymbolicLinkValue", 0, REG_LINK,
+                             reinterpret_cast<const BYTE*>(name.text), name.bytes),
+              ERROR_SUCCESS);
+    EXPECT_FALSE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
+    reinterpret_cast<LONG(NTAPI*)(HANDLE)>(ntdll("NtDeleteKey"))(link.Get());
     EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
 }
 

@@ -45,6 +45,7 @@ TEST(VariantHolder, DetachHandsTheTextOver) {
         holder.AssignText(L"replaced");
         holder.AssignText(L"640 x 480");
         holder.DetachTo(&text);
+        EXPECT_EQ(V_VT(&Inside(holder)), VT_EMPTY);
         holder.AssignText(nullptr);
         EXPECT_TRUE(V_VT(&Inside(holder)) == VT_BSTR && !V_BSTR(&Inside(holder)));
     }

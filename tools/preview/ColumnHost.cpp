@@ -1,5 +1,6 @@
 #include "tools/preview/ColumnHost.h"
 
+#include "support/IColumnProvider.h"
 #include "tools/preview/PropertyName.h"
 
 #include <shlobj.h>

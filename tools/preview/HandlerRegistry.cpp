@@ -1,5 +1,6 @@
 #include "tools/preview/HandlerRegistry.h"
 
+#include "support/IColumnProvider.h"
 #include "tools/preview/doctor/RegistryReader.h"
 #include "tools/terminal/Failure.h"
 
