@@ -2,7 +2,7 @@
 // library.
 #pragma once
 
-#include "benchmarks/Handles.h"
+#include "support/Handles.h"
 
 #include <objidl.h>
 

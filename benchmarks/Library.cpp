@@ -2,12 +2,12 @@
 
 #include "benchmarks/Measurement.h"
 #include "support/IColumnProvider.h"
-#include "tools/terminal/ComPtr.h"
 
 #include <oleauto.h>
 #include <propsys.h>
 #include <shlobj.h>
 #include <thumbcache.h>
+#include <wrl/client.h>
 
 #include <cwchar>
 #include <stdexcept>
@@ -17,7 +17,7 @@ namespace vantrel::bench {
 
 namespace {
 
-using tools::ComPtr;
+using Microsoft::WRL::ComPtr;
 
 constexpr CLSID thumbnailProviderId = {
     0xE1A95D7C, 0x0B48, 0x4C63, {0x9F, 0x1D, 0x2A, 0x6B, 0x8C, 0x04, 0xE7, 0x9F}};
@@ -83,16 +83,16 @@ Library::Library(const std::filesystem::path& path) : module_(LoadLibraryW(path.
 
 void Library::Create(REFCLSID classId, REFIID iid, void** object) const {
     ComPtr<IClassFactory> factory;
-    Check(getClassObject_(classId, IID_IClassFactory, factory.PutVoid()), "DllGetClassObject");
+    Check(getClassObject_(classId, IID_PPV_ARGS(factory.GetAddressOf())), "DllGetClassObject");
     Check(factory->CreateInstance(nullptr, iid, object), "CreateInstance");
 }
 
 UniqueBitmap Library::Thumbnail(IStream& stream, unsigned edge) const {
     ComPtr<IInitializeWithStream> initialize;
-    Create(thumbnailProviderId, __uuidof(IInitializeWithStream), initialize.PutVoid());
+    Create(thumbnailProviderId, IID_PPV_ARGS(initialize.GetAddressOf()));
     Check(initialize->Initialize(&stream, STGM_READ), "Initialize");
     ComPtr<IThumbnailProvider> provider;
-    Check(initialize->QueryInterface(__uuidof(IThumbnailProvider), provider.PutVoid()), "QueryInterface");
+    Check(initialize->QueryInterface(IID_PPV_ARGS(provider.GetAddressOf())), "QueryInterface");
     HBITMAP bitmap = nullptr;
     WTS_ALPHATYPE alphaType;
     Check(provider->GetThumbnail(edge, &bitmap, &alphaType), "GetThumbnail");
@@ -101,10 +101,10 @@ UniqueBitmap Library::Thumbnail(IStream& stream, unsigned edge) const {
 
 UniqueBitmap Library::Extract(const wchar_t* path, unsigned edge) const {
     ComPtr<IPersistFile> file;
-    Create(extractImageHandlerId, IID_IPersistFile, file.PutVoid());
+    Create(extractImageHandlerId, IID_PPV_ARGS(file.GetAddressOf()));
     Check(file->Load(path, STGM_READ), "Load");
     ComPtr<IExtractImage> extract;
-    Check(file->QueryInterface(IID_IExtractImage, extract.PutVoid()), "QueryInterface");
+    Check(file->QueryInterface(IID_PPV_ARGS(extract.GetAddressOf())), "QueryInterface");
     const SIZE size{static_cast<LONG>(edge), static_cast<LONG>(edge)};
     wchar_t name[MAX_PATH];
     DWORD priority = 0;
@@ -117,23 +117,24 @@ UniqueBitmap Library::Extract(const wchar_t* path, unsigned edge) const {
 
 void Library::IconPair(const wchar_t* path) const {
     ComPtr<IPersistFile> file;
-    Create(iconHandlerId, IID_IPersistFile, file.PutVoid());
+    Create(iconHandlerId, IID_PPV_ARGS(file.GetAddressOf()));
     Check(file->Load(path, STGM_READ), "Load");
     ComPtr<IExtractIconW> extract;
-    Check(file->QueryInterface(IID_IExtractIconW, extract.PutVoid()), "QueryInterface");
+    Check(file->QueryInterface(IID_IExtractIconW, reinterpret_cast<void**>(extract.GetAddressOf())),
+          "QueryInterface");
     HICON largeIcon = nullptr;
     HICON smallIcon = nullptr;
     Check(extract->Extract(path, 0, &largeIcon, &smallIcon, MAKELONG(32, 16)), "Extract");
-    DestroyIcon(largeIcon);
-    DestroyIcon(smallIcon);
+    const UniqueIcon ownsLarge(largeIcon);
+    const UniqueIcon ownsSmall(smallIcon);
 }
 
 void Library::Properties(IStream& stream) const {
     ComPtr<IInitializeWithStream> initialize;
-    Create(propertyStoreId, __uuidof(IInitializeWithStream), initialize.PutVoid());
+    Create(propertyStoreId, IID_PPV_ARGS(initialize.GetAddressOf()));
     Check(initialize->Initialize(&stream, STGM_READ), "Initialize");
     ComPtr<IPropertyStore> store;
-    Check(initialize->QueryInterface(__uuidof(IPropertyStore), store.PutVoid()), "QueryInterface");
+    Check(initialize->QueryInterface(IID_PPV_ARGS(store.GetAddressOf())), "QueryInterface");
     for (const PROPERTYKEY& key : {titleKey, dimensionsKey, bitDepthKey}) {
         PROPVARIANT value;
         Check(store->GetValue(key, &value), "GetValue");
@@ -143,7 +144,7 @@ void Library::Properties(IStream& stream) const {
 
 void Library::Column(const wchar_t* path) const {
     ComPtr<IColumnProvider> provider;
-    Create(columnProviderId, IID_IColumnProvider, provider.PutVoid());
+    Create(columnProviderId, IID_IColumnProvider, reinterpret_cast<void**>(provider.GetAddressOf()));
     SHCOLUMNDATA item{};
     wchar_t extension[] = L".zmi";
     item.pwszExt = extension;

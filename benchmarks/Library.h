@@ -1,7 +1,7 @@
 // The library as a host meets it: the shipped DLL through its class factories.
 #pragma once
 
-#include "benchmarks/Handles.h"
+#include "support/Handles.h"
 
 #include <objbase.h>
 

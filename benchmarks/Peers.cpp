@@ -11,7 +11,7 @@ namespace vantrel::bench {
 
 namespace {
 
-using tools::ComPtr;
+using Microsoft::WRL::ComPtr;
 
 void Require(bool succeeded, const char* what) {
     if (!succeeded)
@@ -41,18 +41,18 @@ UniqueBitmap MakeDib(Size size, void*& bits) {
 
 UniqueBitmap ScaleWithWic(IWICImagingFactory& factory, IWICBitmapDecoder& decoder, unsigned edge) {
     ComPtr<IWICBitmapFrameDecode> frame;
-    Require(decoder.GetFrame(0, frame.Put()) == S_OK, "GetFrame");
+    Require(decoder.GetFrame(0, frame.GetAddressOf()) == S_OK, "GetFrame");
     UINT width;
     UINT height;
     frame->GetSize(&width, &height);
     const Size size = Fit(width, height, edge);
     ComPtr<IWICFormatConverter> converter;
-    Require(factory.CreateFormatConverter(converter.Put()) == S_OK, "CreateFormatConverter");
+    Require(factory.CreateFormatConverter(converter.GetAddressOf()) == S_OK, "CreateFormatConverter");
     Require(converter->Initialize(frame.Get(), GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone, nullptr,
                                   0, WICBitmapPaletteTypeCustom) == S_OK,
             "IWICFormatConverter");
     ComPtr<IWICBitmapScaler> scaler;
-    Require(factory.CreateBitmapScaler(scaler.Put()) == S_OK, "CreateBitmapScaler");
+    Require(factory.CreateBitmapScaler(scaler.GetAddressOf()) == S_OK, "CreateBitmapScaler");
     Require(scaler->Initialize(converter.Get(), size.width, size.height, WICBitmapInterpolationModeFant) ==
                 S_OK,
             "IWICBitmapScaler");
@@ -86,8 +86,8 @@ UniqueBitmap ScaleWithGdiPlus(Gdiplus::GpBitmap* bitmap, unsigned edge) {
 } // namespace
 
 WicPeer::WicPeer() {
-    Require(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                             factory_.PutVoid()) == S_OK,
+    Require(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                             IID_PPV_ARGS(factory_.GetAddressOf())) == S_OK,
             "CoCreateInstance");
 }
 
@@ -95,7 +95,7 @@ UniqueBitmap WicPeer::Thumbnail(IStream& stream, unsigned edge) const {
     stream.Seek({}, STREAM_SEEK_SET, nullptr);
     ComPtr<IWICBitmapDecoder> decoder;
     Require(factory_->CreateDecoderFromStream(&stream, nullptr, WICDecodeMetadataCacheOnDemand,
-                                              decoder.Put()) == S_OK,
+                                              decoder.GetAddressOf()) == S_OK,
             "CreateDecoderFromStream");
     return ScaleWithWic(*factory_.Get(), *decoder.Get(), edge);
 }
@@ -103,7 +103,7 @@ UniqueBitmap WicPeer::Thumbnail(IStream& stream, unsigned edge) const {
 UniqueBitmap WicPeer::Thumbnail(const wchar_t* path, unsigned edge) const {
     ComPtr<IWICBitmapDecoder> decoder;
     Require(factory_->CreateDecoderFromFilename(path, nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
-                                                decoder.Put()) == S_OK,
+                                                decoder.GetAddressOf()) == S_OK,
             "CreateDecoderFromFilename");
     return ScaleWithWic(*factory_.Get(), *decoder.Get(), edge);
 }

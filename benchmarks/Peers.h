@@ -1,11 +1,11 @@
 // What a user would pick instead: the platform's own ways from a BMP file to a small bitmap.
 #pragma once
 
-#include "benchmarks/Handles.h"
-#include "tools/terminal/ComPtr.h"
+#include "support/Handles.h"
 
 #include <objidl.h>
 #include <wincodec.h>
+#include <wrl/client.h>
 
 namespace vantrel::bench {
 
@@ -18,7 +18,7 @@ public:
     UniqueBitmap Thumbnail(const wchar_t* path, unsigned edge) const;
 
 private:
-    tools::ComPtr<IWICImagingFactory> factory_;
+    Microsoft::WRL::ComPtr<IWICImagingFactory> factory_;
 };
 
 // GDI+'s own thumbnail call.

@@ -9,23 +9,13 @@ void MakeBlankDefault(DecodedImage& image) {
     image.header.width = blankDefaultWidth;
     image.header.height = blankDefaultHeight;
     image.frameCount = 1;
-    image.tableExtra = 0;
-    FrameRecord frame{};
-    frame.width = blankDefaultWidth;
-    frame.height = blankDefaultHeight;
-    image.frames.push_back(frame);
+    image.frames.push_back(SingleFrame(image.header));
 }
 
 void MakeSingleFrame(DecodedImage& image, bool hasPalette) {
     image.frameCount = 1;
-    image.tableExtra = 0;
-    FrameRecord frame{};
-    frame.frameDataOffset = image.header.pixelOffset;
+    FrameRecord frame = SingleFrame(image.header);
     frame.paletteNumber = hasPalette ? 1 : 0;
-    frame.transparentKey = image.header.transparentKey;
-    frame.flags = image.header.flags;
-    frame.width = image.header.width;
-    frame.height = image.header.height;
     image.frames.push_back(frame);
 }
 

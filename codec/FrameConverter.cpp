@@ -44,19 +44,20 @@ FrameConverter::FrameConverter(const FrameRecord& frame, const Palette* palette,
 }
 
 bool FrameConverter::Convert(std::uint32_t* top, std::ptrdiff_t stride) {
-    if (pixels_.Size() < DecodedByteCount(mode_, width_, height_))
-        ThrowOutOfRange();
     const unsigned burst = std::max(1u, burstWords / std::max<unsigned>(1, width_));
     for (unsigned y = 0; y < height_; ++y) {
         if (y % burst == 0)
             TouchPages(top, stride, y, std::min<unsigned>(burst, height_ - y), width_);
-        if (!ConvertRow(y, top + static_cast<std::ptrdiff_t>(y) * stride))
+        if (!ConvertRow(top + static_cast<std::ptrdiff_t>(y) * stride))
             return false;
     }
     return true;
 }
 
-bool FrameConverter::ConvertRow(unsigned y, std::uint32_t* words) {
+bool FrameConverter::ConvertRow(std::uint32_t* words) {
+    const unsigned y = row_++;
+    if (y == 0 && pixels_.Size() < DecodedByteCount(mode_, width_, height_))
+        ThrowOutOfRange();
     if (mode_ != PixelMode::Monochrome || y % 8 == 0)
         bytes_ = pixels_.Next(DecodedRowBytes(mode_, width_));
     if (!bytes_)

@@ -27,14 +27,15 @@ public:
     // False when pixels can't be read. Throws std::out_of_range when there are fewer than the frame needs: a
     // frame may be of another mode than its file.
     bool Convert(std::uint32_t* top, std::ptrdiff_t stride);
+    // Writes the next row alone, the top one first; there are no more than Height(). Otherwise as Convert.
+    bool ConvertRow(std::uint32_t* words);
 
 private:
-    bool ConvertRow(unsigned y, std::uint32_t* words);
-
     PixelMode mode_;
     std::uint16_t width_;
     std::uint16_t height_;
     FramePixels& pixels_;
+    unsigned row_ = 0;
     const std::uint8_t* bytes_ = nullptr; // of the present row or page
     std::uint32_t palette_[256];
 };

@@ -135,4 +135,20 @@ constexpr std::uint64_t PixelByteCount(PixelMode mode, std::uint16_t width, std:
     return std::uint64_t{height} * RowBytes(mode, width);
 }
 
+// The one frame of a file without a frame table, as a record; blank without a picture in the file.
+constexpr FrameRecord SingleFrame(const ImageHeader& header) {
+    FrameRecord frame{};
+    if (header.pixelOffset == 0) {
+        frame.width = blankDefaultWidth;
+        frame.height = blankDefaultHeight;
+        return frame;
+    }
+    frame.frameDataOffset = header.pixelOffset;
+    frame.transparentKey = header.transparentKey;
+    frame.flags = header.flags;
+    frame.width = header.width;
+    frame.height = header.height;
+    return frame;
+}
+
 } // namespace vantrel

@@ -2,6 +2,7 @@
 
 #include "codec/FileReader.h"
 #include "codec/FrameConverter.h"
+#include "codec/FrameReader.h"
 #include "tests/builder/MemorySource.h"
 
 #include <cstdio>
@@ -239,10 +240,54 @@ void CheckConversions(const FileFacts& facts, const DecodedImage& image, const L
     Require(!LoadFrom(failing, head, Keep::Facts, convert, limits.window), "a failing read fails the load");
 }
 
+// Frames taken one by one: with their own tables where they have some, and also out of a file that does not
+// load.
+void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
+    MemorySource source(file);
+    FrameReader reader(source);
+    bool loads = reader.Fault() == FileFault::None;
+    for (std::uint16_t i = 0; i < reader.FrameCount(); ++i) {
+        const auto frame = reader.Frame(i);
+        Require(frame.has_value(), "a record that is there can be read");
+        loads = loads && frame->fault != FrameFault::ColourTable && frame->fault != FrameFault::Pixels;
+        const std::size_t width = frame->record.width, height = frame->record.height;
+        if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
+            continue;
+        const FileFacts facts(file);
+        const unsigned mode = frame->record.flags / 8 % 4;
+        const std::size_t at = frame->record.frameDataOffset;
+        const std::size_t rowBytes = mode == 0 ? (width + 7) / 8 : width * mode;
+        const std::size_t palette =
+            i == 0 ? facts.Header(image_header::paletteOffset) : std::size_t{frame->record.paletteNumber};
+        std::size_t y = 0;
+        const auto takeRow = [&](const std::uint32_t* words) {
+            // One-bit pixels of a file of another mode have a meaning, but no use.
+            for (std::size_t x = 0; x < width && (mode != 0 || facts.mode == 0); ++x) {
+                const std::size_t pixel = at + y * rowBytes;
+                const std::uint32_t raw = facts.blank ? 0
+                                          : mode == 0 ? file[pixel + x / 8] >> (7 - x % 8) & 1
+                                                      : GetField(file, pixel + x * mode, {0, mode});
+                const std::uint32_t colour = mode == 0   ? raw == 0 ? 0xFFFFFF : 0
+                                             : mode == 1 ? Rgb(GetField(file, palette + 2 * raw, {0, 2}))
+                                                         : Rgb(raw);
+                const bool transparent =
+                    mode != 0 && frame->record.flags & 0x20 && raw == frame->record.transparentKey;
+                Require(words[x] == (transparent ? colour : 0xFF000000 | colour),
+                        "a frame's pixel has its own colour, and is transparent if it is the key's");
+            }
+            ++y;
+        };
+        Require(reader.Convert(*frame, takeRow) && y == height, "a frame without a fault has all its rows");
+    }
+    if (reader.Fault() != FileFault::NoFrame)
+        Require(loads == (verdict == Verdict::Loads), "frames have no fault where their file loads");
+}
+
 } // namespace
 
 void CheckInput(const Bytes& file, const Limits& limits) {
     const Verdict verdict = Judge(file);
+    CheckFrames(file, verdict, limits);
     for (const Keep keep : {Keep::Facts, Keep::Everything}) {
         if (keep == Keep::Everything && verdict == Verdict::Loads &&
             FileFacts(file).AllPixelBytes() > limits.pixelBytes)

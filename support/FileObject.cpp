@@ -33,17 +33,17 @@ std::uint64_t SizeOf(HANDLE file) {
 }
 
 // Null when it can't be opened.
-UniqueFile Open(const wchar_t* name, DWORD access, DWORD shareMode, DWORD disposition,
-                DWORD flagsAndAttributes) {
+UniqueKernelHandle Open(const wchar_t* name, DWORD access, DWORD shareMode, DWORD disposition,
+                        DWORD flagsAndAttributes) {
     const HANDLE handle =
         CreateFileW(name, access, shareMode, nullptr, disposition, flagsAndAttributes, nullptr);
-    return UniqueFile(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+    return UniqueKernelHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
 } // namespace
 
 std::uint64_t FileObject::fileSizeByName(const wchar_t* name) {
-    if (const UniqueFile file =
+    if (const UniqueKernelHandle file =
             Open(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL))
         return SizeOf(file.get());
     if (GetLastError() != ERROR_ACCESS_DENIED)

@@ -36,7 +36,7 @@ public:
 private:
     bool readInChunks(std::uint32_t count, std::uint8_t* buffer);
 
-    UniqueFile handle_;
+    UniqueKernelHandle handle_;
 };
 
 } // namespace vantrel

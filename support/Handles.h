@@ -36,10 +36,12 @@ using UniqueInterface = UniqueHandle<Interface*, ReleaseInterface>;
 
 using UniqueModule = UniqueHandle<HMODULE, FreeLibrary>;
 using UniqueLocalMemory = UniqueHandle<HLOCAL, LocalFree>;
-using UniqueFile = UniqueHandle<HANDLE, CloseHandle>;
+using UniqueKernelHandle = UniqueHandle<HANDLE, CloseHandle>;
 using UniqueSearch = UniqueHandle<HANDLE, FindClose>;
 using UniqueBitmap = UniqueHandle<HBITMAP, DeleteObject>;
+using UniqueIcon = UniqueHandle<HICON, DestroyIcon>;
 using UniqueBrush = UniqueHandle<HBRUSH, DeleteObject>;
+using UniqueFont = UniqueHandle<HFONT, DeleteObject>;
 using UniqueDc = UniqueHandle<HDC, DeleteDC>;
 using UniqueScreenDc = UniqueHandle<HDC, ReleaseScreenDc>;
 

@@ -46,13 +46,13 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
         {With(good, good.size() - 1, {0, 1}, 'X'), "trailer tag at offset 1,367 is not zpix"},
         {With(small, 0, file_header::dataSize, 54), "54 bytes, fewer than its 55-byte image header"},
         {With(good, payload, image_header::pixelOffset, 168),
-         "outside the payload (112 to 1,367): the pixels of frame 0, 1,200 bytes at offset 168"},
-        {With(good, payload, image_header::flags, 0x18), "frame 0 is in pixel mode 3"},
-        {With(good, payload, image_header::width, 0), "frame 0 is 0 x 20 pixels"},
-        {With(frames, payload, image_header::paletteOffset, 1), "the colour table, 512 bytes at offset 1"},
+         "outside the payload (112 to 1,367): the pixels of frame 1, 1,200 bytes at offset 168"},
+        {With(good, payload, image_header::flags, 0x18), "frame 1 is in pixel mode 3"},
+        {With(good, payload, image_header::width, 0), "frame 1 is 0 x 20 pixels"},
+        {With(frames, payload, image_header::paletteOffset, 1), "the colour table of frame 1, 512 bytes at offset 1"},
         {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
         {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
-         "the pixels of frame 1, 9 bytes at offset 99,999"},
+         "the pixels of frame 2, 9 bytes at offset 99,999"},
     };
     Write(L"good.zmi", good);
     Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi"};
@@ -77,7 +77,7 @@ TEST_F(PreviewTest, WritesJsonThatParses) {
     run.Ended(1, "bad.zmi: no picture");
     EXPECT_TRUE(IsJson(run.out)) << run.out;
     for (const char* part :
-         {R"({"ok": false, "files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
+         {R"({"files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
           R"("result": "300 x 200", "width": 300, "height": 200, "png": "out\\good-300.png")",
           R"("handler": "icon", "request": "16", "ok": true)",
           R"("handler": "column", "request": "dimensions", "ok": true, "result": "30 x 20")",
@@ -101,11 +101,17 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
         {{L"folder"}, 1, "folder: the folder holds no .zmi file"},
         {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
-        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good.zmi: "},
+        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: a file stands where"},
+        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; one"},
+        {{L"--sheet=--good.zmi", L"good.zmi"}, 2, "must end in .png"},
+        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this exists and is not a PNG file"},
+        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the files to read"},
         {{L"--", L"--good.zmi"}, 0, ""},
     };
     std::filesystem::create_directory(folder_ / L"folder");
     Write(L"good.zmi", single.Build());
+    Write(L"good.png", single.Build());
+    Write(L"text.png", {'t'});
     Write(L"--good.zmi", several.Build());
     for (const auto& [arguments, exitCode, words] : cases) {
         const ToolRun run = Preview(arguments);

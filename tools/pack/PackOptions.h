@@ -1,8 +1,9 @@
 // What the user asks of zmi-pack.
 #pragma once
 
-#include "tools/pack/Rgb565.h"
-#include "tools/pack/ZmiFormat.h"
+#include "codec/ZmiFormat.h"
+#include "tools/picture/Rgb565.h"
+#include "tools/terminal/CommandLine.h"
 
 #include <filesystem>
 #include <optional>
@@ -12,20 +13,19 @@
 
 namespace vantrel::tools {
 
-enum class PackTask { Pack, Help, Version };
-
 struct PackOptions {
-    PackTask task = PackTask::Pack;
-    zmi::PixelMode mode = zmi::PixelMode::Rgb565;
+    PixelMode mode = PixelMode::Rgb565;
     std::string title; // in the ANSI code page
     std::optional<Color> transparent;
+    bool force = false;
     bool dither = true;
-    std::vector<std::filesystem::path> inputs; // none: the blank default picture
+    bool rotate = true;                        // upright, where an input says how
+    std::vector<std::filesystem::path> inputs; // as typed; none: the blank default picture
     std::filesystem::path output;
 };
 
 // Throws UsageError.
-PackOptions ParsePackOptions(int count, wchar_t** arguments);
+PackOptions ParsePackOptions(CommandLine& line);
 
 extern const std::wstring_view packHelp;
 

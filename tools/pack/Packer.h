@@ -7,8 +7,7 @@
 namespace vantrel::tools {
 
 // Packs the inputs, or the blank default picture when there are none, and puts the file in place of an older
-// one. Needs COM on this thread. Returns what the file holds. Throws PackError and
-// std::filesystem::filesystem_error; the output is then as it was.
+// one. Needs COM on this thread. Returns what the file holds. Throws Failure; the output is then as it was.
 ZmiContent Pack(const PackOptions& options);
 
 } // namespace vantrel::tools

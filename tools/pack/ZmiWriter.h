@@ -2,10 +2,9 @@
 // trailer.
 #pragma once
 
-#include "tools/pack/ZmiFormat.h"
+#include "codec/ZmiFormat.h"
 #include "tools/terminal/OutputFile.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -15,6 +14,8 @@
 
 namespace vantrel::tools {
 
+inline constexpr std::size_t longestTitle = sizeof(ImageHeader::text) - 1; // bytes; a zero byte ends it
+
 struct FrameSize {
     std::uint16_t width = 0; // pixels
     std::uint16_t height = 0;
@@ -22,14 +23,14 @@ struct FrameSize {
 
 // What a file holds beside its pixels.
 struct ZmiContent {
-    std::string title; // in the ANSI code page, at most zmi::longestTitle bytes
-    zmi::PixelMode mode = zmi::PixelMode::Rgb565;
-    std::vector<FrameSize> frames; // none makes the blank default picture
-    std::optional<std::array<std::uint16_t, zmi::colorTableEntries>> colorTable; // for indexed mode
-    std::optional<std::uint32_t> transparentKey;                                 // 16-bit colour or index
+    std::string title; // in the ANSI code page, at most longestTitle bytes
+    PixelMode mode = PixelMode::Rgb565;
+    std::vector<FrameSize> frames;               // none makes the blank default picture
+    std::optional<Palette> colorTable;           // for indexed mode
+    std::optional<std::uint32_t> transparentKey; // 16-bit colour or index
 };
 
-// The length of the whole file in bytes. Throws PackError when it is 2 GiB or more or has more than 65,535
+// The length of the whole file in bytes. Throws Failure when it is 2 GiB or more or has more than 65,535
 // frames: readers take positions in the file for signed 32-bit numbers and count frames in 16 bits.
 std::uint32_t ZmiFileSize(const ZmiContent& content);
 
@@ -37,13 +38,12 @@ std::uint32_t ZmiFileSize(const ZmiContent& content);
 // tables of their own in the order in which those stand.
 class ZmiWriter {
 public:
-    // Writes all that stands before the pixels. Throws as ZmiFileSize does, and
-    // std::filesystem::filesystem_error.
+    // Writes all that stands before the pixels. Throws as ZmiFileSize does.
     ZmiWriter(OutputFile& output, const ZmiContent& content);
 
-    // Bytes of whole rows, frame after frame. Throws std::filesystem::filesystem_error.
+    // Bytes of whole rows, frame after frame. Throws Failure.
     void WriteRows(std::span<const std::byte> rows);
-    // Writes the trailer. Throws PackError when there were more or fewer rows than announced.
+    // Writes the trailer. Throws Failure when there were more or fewer rows than announced.
     void Finish();
 
 private:

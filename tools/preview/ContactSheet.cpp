@@ -156,8 +156,8 @@ void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LO
     x = tile.right + 7 + labelWidth + 8;
 }
 
-void ContactSheet::Save(const std::filesystem::path& file) const {
-    WritePng(file, canvas_->Width(), canvas_->Height(), true, canvas_->Pixels());
+void ContactSheet::Save(const std::filesystem::path& file, const OutputGuard& guard) const {
+    WritePng(file, guard, canvas_->Width(), canvas_->Height(), true, canvas_->Pixels());
 }
 
 } // namespace vantrel::tools

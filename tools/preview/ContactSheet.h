@@ -3,6 +3,7 @@
 
 #include "tools/preview/Canvas.h"
 #include "tools/preview/Report.h"
+#include "tools/terminal/OutputGuard.h"
 
 #include <filesystem>
 #include <memory>
@@ -20,8 +21,8 @@ public:
     // Draws the next card. The report's pictures are needed only during the call.
     void Add(const FileReport& report);
 
-    // Throws Failure or std::filesystem::filesystem_error.
-    void Save(const std::filesystem::path& file) const;
+    // Throws as WritePng does.
+    void Save(const std::filesystem::path& file, const OutputGuard& guard) const;
 
 private:
     void DrawHeading(std::size_t fileCount);

@@ -1,6 +1,6 @@
 #include "tools/preview/ExtractImageHost.h"
 
-#include "tools/preview/ComApartment.h"
+#include "tools/terminal/ComApartment.h"
 
 #include <shlobj.h>
 
@@ -22,7 +22,7 @@ constexpr SIZE box = {160, 120};
 HRESULT ExtractOnSecondThread(IExtractImage& extractor, HBITMAP& bitmap) {
     HRESULT result = E_UNEXPECTED;
     std::thread([&] {
-        const ComApartment apartment;
+        const ComApartment apartment(COINIT_APARTMENTTHREADED);
         result = extractor.Extract(&bitmap);
     }).join();
     return result;

@@ -1,8 +1,8 @@
 // The stream over a file that the Shell hands to its handlers.
 #pragma once
 
-#include "tools/preview/Failure.h"
 #include "tools/preview/InputFile.h"
+#include "tools/terminal/Failure.h"
 
 #include <objidl.h>
 #include <shlwapi.h>

@@ -1,10 +1,10 @@
 // What every kind of host has in common: it asks one handler about one file and reports each answer.
 #pragma once
 
-#include "tools/preview/Failure.h"
 #include "tools/preview/HandlerRegistry.h"
 #include "tools/preview/InputFile.h"
 #include "tools/preview/Picture.h"
+#include "tools/terminal/Failure.h"
 
 #include <functional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "tools/preview/InputFile.h"
 
-#include "tools/preview/Failure.h"
+#include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
 
 #include <shlwapi.h>

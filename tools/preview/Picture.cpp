@@ -1,6 +1,6 @@
 #include "tools/preview/Picture.h"
 
-#include "tools/preview/Failure.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <memory>

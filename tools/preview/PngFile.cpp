@@ -1,6 +1,6 @@
 #include "tools/preview/PngFile.h"
 
-#include "tools/preview/Failure.h"
+#include "tools/terminal/Failure.h"
 #include "tools/terminal/OutputFile.h"
 
 #include <wincodec.h>
@@ -52,9 +52,9 @@ ComPtr<IStream> Encode(unsigned width, unsigned height, bool isOpaque,
 
 } // namespace
 
-void WritePng(const std::filesystem::path& file, unsigned width, unsigned height, bool isOpaque,
-              const std::uint32_t* pixels) {
-    OutputFile output(file);
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
+              bool isOpaque, const std::uint32_t* pixels) {
+    OutputFile output(file, FileKind::Png, guard);
     const auto stream = Encode(width, height, isOpaque, {pixels, std::size_t{width} * height});
     STATSTG facts{};
     HGLOBAL memory = nullptr;

@@ -1,6 +1,6 @@
 #include "tools/preview/PropertyName.h"
 
-#include "tools/preview/Failure.h"
+#include "tools/terminal/Failure.h"
 
 #include <objbase.h>
 

@@ -1,6 +1,5 @@
 #include "tools/preview/Report.h"
 
-#include "tools/preview/JsonObject.h"
 #include "tools/terminal/Console.h"
 
 #include <algorithm>
@@ -83,9 +82,8 @@ void PrintReports(const std::vector<FileReport>& reports) {
     }
 }
 
-void PrintJson(const std::vector<FileReport>& reports) {
-    std::vector<JsonObject> files;
-    bool allOk = true;
+void PrintJson(const std::vector<FileReport>& reports, JsonDocument& document) {
+    document.BeginList("files");
     for (const FileReport& report : reports) {
         std::vector<JsonObject> results;
         for (const HandlerResult& result : report.results)
@@ -96,14 +94,9 @@ void PrintJson(const std::vector<FileReport>& reports) {
         if (!report.Ok())
             file.Add("reason", report.Reason());
         file.Add("results", results);
-        files.push_back(file);
-        allOk = allOk && report.Ok();
+        document.Append(file);
         PrintFailure(report);
     }
-    JsonObject document;
-    document.Add("ok", allOk);
-    document.Add("files", files);
-    PrintLine(document.Text());
 }
 
 } // namespace vantrel::tools

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/preview/HandlerHost.h"
+#include "tools/terminal/JsonDocument.h"
 
 #include <optional>
 #include <string>
@@ -23,6 +24,6 @@ struct FileReport {
 
 // One aligned line per result on stdout, and one per failed file on stderr.
 void PrintReports(const std::vector<FileReport>& reports);
-void PrintJson(const std::vector<FileReport>& reports);
+void PrintJson(const std::vector<FileReport>& reports, JsonDocument& document);
 
 } // namespace vantrel::tools

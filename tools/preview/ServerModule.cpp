@@ -1,6 +1,6 @@
 #include "tools/preview/ServerModule.h"
 
-#include "tools/preview/Failure.h"
+#include "tools/terminal/Failure.h"
 
 #include <unknwn.h>
 #include <wrl/client.h>

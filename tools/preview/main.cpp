@@ -1,18 +1,19 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
+#include "tools/inspection/ZmiFile.h"
 #include "tools/preview/ColumnHost.h"
-#include "tools/preview/ComApartment.h"
 #include "tools/preview/ContactSheet.h"
-#include "tools/preview/Doctor.h"
+#include "tools/preview/doctor/Doctor.h"
 #include "tools/preview/ExtractImageHost.h"
 #include "tools/preview/IconHost.h"
 #include "tools/preview/PngFile.h"
 #include "tools/preview/PropertyHost.h"
 #include "tools/preview/Report.h"
 #include "tools/preview/ThumbnailHost.h"
-#include "tools/preview/ZmiFileCheck.h"
+#include "tools/terminal/ComApartment.h"
 #include "tools/terminal/CommandLine.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/LongPath.h"
+#include "tools/terminal/RunTool.h"
 
 #include <algorithm>
 #include <memory>
@@ -21,10 +22,6 @@
 namespace vantrel::tools {
 
 namespace {
-
-constexpr int exitFine = 0;
-constexpr int exitFailed = 1;
-constexpr int exitUsage = 2;
 
 constexpr const wchar_t* help = LR"(zmi-preview shows what the Shell gets from the installed ZMI library.
 
@@ -38,6 +35,7 @@ its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
   --sheet FILE   one PNG page with all files; single PNGs only with --out
   --dll FILE     use this library, registered or not
   --json         one JSON document on stdout instead of lines
+  --force        replace files that are not PNG files
   --doctor       find out why there are no thumbnails, and how to cure it
   --help         this text
   --version      the version
@@ -53,10 +51,8 @@ struct Options {
     std::optional<std::filesystem::path> out;
     std::optional<std::filesystem::path> sheet;
     std::optional<std::filesystem::path> dll;
-    bool json = false;
     bool doctor = false;
-    bool help = false;
-    bool version = false;
+    bool force = false;
     std::vector<std::wstring> inputs;
 };
 
@@ -73,9 +69,8 @@ std::vector<unsigned> ParseSizes(const std::wstring& list) {
     return sizes;
 }
 
-Options Parse(int count, wchar_t** arguments) {
+Options Parse(CommandLine& line) {
     Options options;
-    CommandLine line(count, arguments);
     while (const auto argument = line.Next()) {
         if (!line.IsOption())
             options.inputs.push_back(*argument);
@@ -87,20 +82,16 @@ Options Parse(int count, wchar_t** arguments) {
             options.sheet = line.Value();
         else if (*argument == L"--dll")
             options.dll = LongPath(line.Value());
-        else if (*argument == L"--json")
-            options.json = true;
+        else if (*argument == L"--force")
+            options.force = true;
         else if (*argument == L"--doctor")
             options.doctor = true;
-        else if (*argument == L"--help" || *argument == L"-h")
-            options.help = true;
-        else if (*argument == L"--version")
-            options.version = true;
-        else
+        else if (*argument != L"--json")
             throw UsageError(L"unknown option " + *argument);
     }
     if (options.doctor && (options.sheet || options.out))
         throw UsageError(L"--doctor writes no pictures");
-    if (options.inputs.empty() && !options.doctor && !options.help && !options.version)
+    if (options.inputs.empty() && !options.doctor)
         throw UsageError(L"no file given");
     return options;
 }
@@ -108,7 +99,8 @@ Options Parse(int count, wchar_t** arguments) {
 // Writes a file's pictures into one folder. Files of the same name from different folders get a number.
 class PictureFolder {
 public:
-    explicit PictureFolder(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    PictureFolder(std::filesystem::path folder, const OutputGuard& guard)
+        : folder_(std::move(folder)), guard_(guard) {}
 
     void Write(FileReport& report) {
         const std::wstring stem = report.file.path.stem().wstring();
@@ -119,7 +111,7 @@ public:
             if (result.picture.pixels.empty())
                 continue;
             const std::filesystem::path file = folder_ / (unique + L"-" + result.pngSuffix + L".png");
-            WritePng(file, result.picture);
+            WritePng(file, guard_, result.picture);
             // In the slashes that the folder was given in.
             const bool isGeneric = folder_.native().find(L'/') != std::wstring::npos;
             result.png = isGeneric ? file.generic_wstring() : file.wstring();
@@ -134,11 +126,17 @@ private:
     };
 
     std::filesystem::path folder_;
+    const OutputGuard& guard_;
     std::set<std::wstring, IgnoreCase> taken_;
 };
 
-int Preview(const Options& options) {
+bool Preview(const Options& options, JsonDocument* json) {
     const std::vector<InputFile> files = FindInputFiles(options.inputs);
+    OutputGuard guard(options.force);
+    for (const InputFile& file : files)
+        guard.Protect(file.path);
+    if (options.sheet)
+        guard.Check(*options.sheet, FileKind::Png);
     std::optional<ContactSheet> sheet;
     std::vector<unsigned> sizes = options.sizes;
     if (options.sheet) {
@@ -157,7 +155,7 @@ int Preview(const Options& options) {
     hosts.push_back(std::make_unique<IconHost>(registry));
     hosts.push_back(std::make_unique<ColumnHost>(registry));
 
-    PictureFolder folder(options.out.value_or(L""));
+    PictureFolder folder(options.out.value_or(L""), guard);
     std::vector<FileReport> reports;
     {
         Progress progress(files.size());
@@ -179,34 +177,22 @@ int Preview(const Options& options) {
         }
     }
     if (sheet)
-        sheet->Save(*options.sheet);
-    if (options.json)
-        PrintJson(reports);
+        sheet->Save(*options.sheet, guard);
+    if (json)
+        PrintJson(reports, *json);
     else
         PrintReports(reports);
-    if (sheet && !options.json)
+    if (sheet && !json)
         PrintLine(L"sheet -> " + options.sheet->wstring());
-    return std::all_of(reports.begin(), reports.end(), [](const auto& report) { return report.Ok(); })
-               ? exitFine
-               : exitFailed;
+    return std::all_of(reports.begin(), reports.end(), [](const auto& report) { return report.Ok(); });
 }
 
-int Run(int count, wchar_t** arguments) {
-    const Options options = Parse(count, arguments);
-    if (options.help) {
-        PrintLine(help);
-        return exitFine;
-    }
-    if (options.version) {
-        PrintLine(L"zmi-preview " VANTREL_VERSION);
-        return exitFine;
-    }
-    const ComApartment apartment;
+bool Run(CommandLine& arguments, JsonDocument* json) {
+    const Options options = Parse(arguments);
+    const ComApartment apartment(COINIT_APARTMENTTHREADED);
     if (!options.doctor)
-        return Preview(options);
-    Doctor doctor(options.dll);
-    return PrintFindings(doctor.Examine(FindInputFiles(options.inputs)), options.json) ? exitFine
-                                                                                       : exitFailed;
+        return Preview(options, json);
+    return RunDoctor(options.dll, options.inputs, json);
 }
 
 } // namespace
@@ -215,17 +201,5 @@ int Run(int count, wchar_t** arguments) {
 
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tools;
-    try {
-        return Run(count, arguments);
-    } catch (const UsageError& error) {
-        PrintError(L"zmi-preview: " + error.Message() + L" (zmi-preview --help shows how)");
-        return exitUsage;
-    } catch (const Failure& failure) {
-        PrintError(L"zmi-preview: " + failure.Message());
-    } catch (const std::filesystem::filesystem_error& error) {
-        PrintError(L"zmi-preview: " + DescribeFileError(error));
-    } catch (const std::exception& error) {
-        PrintError(L"zmi-preview: " + std::filesystem::path(error.what()).wstring());
-    }
-    return exitFailed;
+    return RunTool({.name = L"zmi-preview", .help = help, .run = Run, .takesJson = true}, count, arguments);
 }

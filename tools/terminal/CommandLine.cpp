@@ -1,17 +1,26 @@
 #include "tools/terminal/CommandLine.h"
 
-#include "tools/terminal/Console.h"
-
+#include <algorithm>
 #include <utility>
 
 namespace vantrel::tools {
 
-UsageError::UsageError(std::wstring message)
-    : std::runtime_error(ToUtf8(message)), message_(std::move(message)) {}
+namespace {
+
+bool LooksLikeOption(std::wstring_view argument) {
+    return argument.size() > 1 && argument.front() == L'-';
+}
+
+} // namespace
 
 CommandLine::CommandLine(int count, wchar_t** arguments) {
     for (int i = 1; i < count; ++i)
         arguments_.emplace_back(arguments[i]);
+}
+
+bool CommandLine::Has(std::wstring_view option) const {
+    const auto end = std::find(arguments_.begin(), arguments_.end(), L"--");
+    return std::find(arguments_.begin(), end, option) != end;
 }
 
 std::optional<std::wstring> CommandLine::Next() {
@@ -25,7 +34,7 @@ std::optional<std::wstring> CommandLine::Next() {
         optionsEnded_ = true;
         return Next();
     }
-    isOption_ = !optionsEnded_ && argument.size() > 1 && argument.front() == L'-';
+    isOption_ = !optionsEnded_ && LooksLikeOption(argument);
     if (!isOption_)
         return argument;
 
@@ -40,10 +49,12 @@ std::optional<std::wstring> CommandLine::Next() {
 std::wstring CommandLine::Value() {
     if (attachedValue_)
         return *std::exchange(attachedValue_, std::nullopt);
-    // A value that looks like an option is far more often a forgotten value; "--name=--value" still passes
-    // it.
-    if (position_ == arguments_.size() || arguments_[position_].starts_with(L"--"))
+    if (position_ == arguments_.size())
         throw UsageError(option_ + L" needs a value");
+    // Far more often a forgotten value than a value.
+    if (LooksLikeOption(arguments_[position_]))
+        throw UsageError(option_ + L" needs a value; one that begins with a dash is written " + option_ +
+                         L"=VALUE");
     return arguments_[position_++];
 }
 

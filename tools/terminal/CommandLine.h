@@ -1,34 +1,29 @@
 // The arguments of a tool, taken apart one by one.
 #pragma once
 
+#include "tools/terminal/Failure.h"
+
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vantrel::tools {
 
-// Wrong usage; the tool prints the message and "--help" as the way out, and ends with exit code 2.
-class UsageError : public std::runtime_error {
-public:
-    explicit UsageError(std::wstring message);
-    const std::wstring& Message() const { return message_; }
-
-private:
-    std::wstring message_;
-};
-
 // Walks over "--name value", "--name=value" and plain arguments in the order given; "--" ends the options.
 class CommandLine {
 public:
     CommandLine(int count, wchar_t** arguments);
 
+    // True when this option, one without a value, stands anywhere among the arguments.
+    bool Has(std::wstring_view option) const;
+
     // The next argument: an option's name with its dashes, or a plain argument. Empty at the end.
     std::optional<std::wstring> Next();
     // True when the argument just given was an option ("--" was not seen before it).
     bool IsOption() const { return isOption_; }
-    // The value of the option just given. Throws UsageError when it is missing.
+    // The value of the option just given. Throws UsageError when it is missing; one that begins with a dash
+    // is taken only behind "=".
     std::wstring Value();
 
 private:

@@ -1,12 +1,12 @@
 #include "tools/terminal/Console.h"
 
+#include "tools/terminal/Failure.h"
+
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cwchar>
-#include <iterator>
-#include <utility>
 
 namespace vantrel::tools {
 
@@ -20,21 +20,28 @@ bool IsConsole(HANDLE handle) {
     return GetConsoleMode(handle, &mode) != 0;
 }
 
-// What cannot be written (a closed pipe, a full disk behind a redirection) is lost in silence: there is no
-// better place left to say so.
-void Write(DWORD stream, std::wstring_view text) {
+// False when not all of it could be written; GetLastError tells why.
+bool Write(DWORD stream, std::wstring_view text) {
     const HANDLE handle = GetStdHandle(stream);
+    if (!handle)
+        return true; // a process without standard handles has nobody to tell
     DWORD written = 0;
     if (IsConsole(handle)) {
-        WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-        return;
+        constexpr std::size_t largestWrite = 1U << 13; // old consoles fail above 64 KB
+        for (; !text.empty(); text.remove_prefix(written))
+            if (!WriteConsoleW(handle, text.data(), static_cast<DWORD>(std::min(text.size(), largestWrite)),
+                               &written, nullptr))
+                return false;
+        return true;
     }
     const std::string bytes = ToUtf8(text);
-    std::string_view rest = bytes;
-    while (!rest.empty() &&
-           WriteFile(handle, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr) != 0 &&
-           written > 0)
-        rest.remove_prefix(written);
+    for (std::string_view rest = bytes; !rest.empty(); rest.remove_prefix(written)) {
+        SetLastError(ERROR_WRITE_FAULT); // for a write that fails by taking nothing
+        if (!WriteFile(handle, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr) ||
+            written == 0)
+            return false;
+    }
+    return true;
 }
 
 void EraseProgress() {
@@ -49,31 +56,53 @@ std::size_t Columns(wchar_t character) {
     return character < 0x1100 ? 1 : 2;
 }
 
-// WIC's own codes, for which the system's message table has no words.
-constexpr auto wicWords = std::to_array<std::pair<std::uint32_t, const wchar_t*>>({
-    {0x88982F07, L"not a picture of a kind that this system can read"},
-    {0x88982F0B, L"the picture's format version is not supported"},
-    {0x88982F44, L"the picture has no such frame"},
-    {0x88982F50, L"not a picture of a kind that this system can read"},
-    {0x88982F51, L"the picture is too large"},
-    {0x88982F60, L"the picture is damaged"},
-    {0x88982F61, L"the picture's header is damaged"},
-    {0x88982F62, L"the picture has no frame"},
-    {0x88982F72, L"the picture is cut short"},
-    {0x88982F80, L"the picture's pixel format is not supported"},
-    {0x88982F81, L"the picture's kind does not support this"},
-});
-
 } // namespace
 
 void PrintLine(std::wstring_view text) {
-    EraseProgress();
-    Write(STD_OUTPUT_HANDLE, std::wstring(text) + L'\n');
+    PrintText(Visible(text) + L'\n');
 }
 
 void PrintError(std::wstring_view text) {
     EraseProgress();
-    Write(STD_ERROR_HANDLE, std::wstring(text) + L'\n');
+    Write(STD_ERROR_HANDLE, Visible(text) + L'\n');
+}
+
+void PrintText(std::wstring_view text) {
+    EraseProgress();
+    if (!Write(STD_OUTPUT_HANDLE, text))
+        FailWithLastError(L"stdout");
+}
+
+bool IsControl(wchar_t character) {
+    const auto isWithin = [character](wchar_t first, wchar_t last) {
+        return character >= first && character <= last;
+    };
+    return character < L' ' || isWithin(0x7F, 0x9F) || character == 0x061C || isWithin(0x200E, 0x200F) ||
+           isWithin(0x2028, 0x202E) || isWithin(0x2066, 0x2069);
+}
+
+std::wstring Visible(std::wstring_view text) {
+    std::wstring visible;
+    for (const wchar_t character : text) {
+        if (!IsControl(character)) {
+            visible += character;
+            continue;
+        }
+        std::array<wchar_t, 12> name{};
+        std::swprintf(name.data(), name.size(), L"<U+%04X>", static_cast<unsigned>(character));
+        visible += name.data();
+    }
+    return visible;
+}
+
+std::string ToUtf8(std::wstring_view text) {
+    if (text.empty())
+        return {};
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+    return bytes;
 }
 
 bool IsWatched() {
@@ -92,13 +121,27 @@ Progress::~Progress() {
 
 void Progress::Step(std::wstring_view item) {
     ++done_;
-    if (!watched_)
-        return;
+    item_ = Visible(item);
+    percent_ = 0;
+    if (watched_)
+        Show();
+}
 
+void Progress::Part(std::uint64_t done, std::uint64_t total) {
+    const std::uint64_t percent = total == 0 ? 0 : done * 100 / total;
+    if (!watched_ || percent == percent_)
+        return;
+    percent_ = percent;
+    Show();
+}
+
+void Progress::Show() {
     constexpr std::size_t widestLine = 78;
     std::wstring line = L"[" + std::to_wstring(done_) + L"/" + std::to_wstring(total_) + L"] ";
+    if (percent_ > 0)
+        line += std::to_wstring(percent_) + L"% ";
     std::size_t columns = line.size();
-    for (const wchar_t character : item) {
+    for (const wchar_t character : item_) {
         if (columns + Columns(character) > widestLine)
             break;
         columns += Columns(character);
@@ -107,41 +150,6 @@ void Progress::Step(std::wstring_view item) {
     EraseProgress();
     Write(STD_ERROR_HANDLE, line);
     g_progressColumns = columns;
-}
-
-std::string ToUtf8(std::wstring_view text) {
-    if (text.empty())
-        return {};
-    const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
-
-std::wstring DescribeHresult(long hresult) {
-    const auto code = static_cast<std::uint32_t>(hresult);
-    std::array<wchar_t, 512> buffer{};
-    std::wstring words;
-    for (const auto& [known, text] : wicWords)
-        if (known == code)
-            words = text;
-    if (words.empty()) {
-        const DWORD length =
-            FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                           buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
-        words.assign(buffer.data(), length);
-        while (!words.empty() && (words.back() <= L' ' || words.back() == L'.'))
-            words.pop_back();
-    }
-    if (words.empty())
-        words = L"unknown error";
-    std::swprintf(buffer.data(), buffer.size(), L" (0x%08X)", static_cast<unsigned>(code));
-    return words + buffer.data();
-}
-
-std::wstring DescribeFileError(const std::filesystem::filesystem_error& error) {
-    return error.path1().wstring() + L": " + DescribeHresult(HRESULT_FROM_WIN32(error.code().value()));
 }
 
 } // namespace vantrel::tools

@@ -1,12 +1,11 @@
 #include "tools/terminal/LongPath.h"
 
-#include "tools/terminal/CommandLine.h"
+#include "tools/terminal/Failure.h"
 
 #include <windows.h>
 
 #include <string>
 #include <string_view>
-#include <system_error>
 
 namespace vantrel::tools {
 
@@ -26,9 +25,7 @@ std::filesystem::path LongPath(const std::filesystem::path& path) {
         const DWORD length =
             GetFullPathNameW(path.c_str(), static_cast<DWORD>(absolute.size()), absolute.data(), nullptr);
         if (length == 0)
-            throw std::filesystem::filesystem_error(
-                "cannot make the path absolute", path,
-                std::error_code(static_cast<int>(GetLastError()), std::system_category()));
+            FailWithLastError(path.wstring());
         const bool fits = length < absolute.size();
         absolute.resize(length);
         if (fits)

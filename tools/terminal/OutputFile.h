@@ -1,37 +1,43 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
+#include "support/Handles.h"
+#include "tools/terminal/OutputGuard.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <span>
 
 namespace vantrel::tools {
 
-// Names a temporary file beside the target; Commit renames it over the target. Without a Commit, and when the
-// user presses Ctrl+C, the temporary file is deleted and the target stays as it was. Fill it either through
-// Write or by opening TemporaryPath, not both.
+// Fills a temporary file beside the target; Commit renames it over the target. Without a Commit, and when the
+// user presses Ctrl+C, the temporary file is deleted and the target stays as it was.
 class OutputFile {
 public:
-    // Creates missing parent folders. Throws std::filesystem::filesystem_error.
-    explicit OutputFile(const std::filesystem::path& target);
+    // Creates missing parent folders. Throws what OutputGuard::Check throws, and Failure.
+    OutputFile(const std::filesystem::path& target, FileKind kind, const OutputGuard& guard);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    const std::filesystem::path& TemporaryPath() const { return temporary_; }
-
-    // Appends bytes to the temporary file. Throws std::filesystem::filesystem_error.
+    // Writes bytes where the last ones ended, or where Seek has gone. Throws Failure.
     void Write(std::span<const std::byte> bytes);
-
-    // Close the temporary file first, if you opened it. Throws std::filesystem::filesystem_error.
+    // Throws Failure.
+    void Seek(std::uint64_t offset);
+    // Throws Failure.
     void Commit();
 
-private:
-    void Close();
+    // Deletes every uncommitted file and lets none be committed any more: the process is about to end.
+    static void DiscardAll();
 
+private:
+    void CreateFolders(const std::filesystem::path& folder) const;
+
+    std::filesystem::path shown_; // as the user typed it
     std::filesystem::path target_;
     std::filesystem::path temporary_;
-    void* handle_; // a HANDLE; INVALID_HANDLE_VALUE while Write was not called
+    UniqueKernelHandle handle_;
     bool committed_ = false;
 };
 

@@ -1,0 +1,382 @@
+#include "tools/preview/doctor/Diagnosis.h"
+
+#include "tools/terminal/Failure.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace vantrel::tools {
+
+namespace {
+
+constexpr unsigned smallestThumbnail = 48; // of Explorer's medium icons
+constexpr unsigned largestThumbnail = 256; // of its extra large ones
+
+struct SettingEffect {
+    std::wstring_view name;
+    Health health;
+    const wchar_t* effect;
+    const wchar_t* fix;
+};
+
+constexpr std::wstring_view approvedOnly = L"EnforceShellExtensionSecurity";
+constexpr auto settingEffects = std::to_array<SettingEffect>({
+    {L"IconsOnly", Health::Fail, L"Explorer shows icons instead of thumbnails",
+     L"in Explorer's folder options, under View, clear \"Always show icons, never thumbnails\""},
+    {L"DisableThumbnails", Health::Fail, L"a policy turns thumbnails off",
+     L"ask your administrator, or delete this value"},
+    {L"DisableThumbnailsOnNetworkFolders", Health::Warn, L"a policy turns thumbnails off in network folders",
+     L"copy the files to a local folder"},
+    {approvedOnly, Health::Fail, L"a policy lets only approved shell extensions load",
+     L"ask your administrator to approve the five classes"},
+});
+
+const std::vector<HandlerKind> everyKind(allHandlers.begin(), allHandlers.end());
+
+bool IsSame(const std::wstring& left, const std::wstring& right) {
+    return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
+std::wstring Quoted(const std::wstring& text) {
+    return L'"' + text + L'"';
+}
+
+// One fault as it is; several as their number and the first.
+std::wstring Counted(const std::vector<std::wstring>& faults, const wchar_t* summary) {
+    if (faults.size() == 1)
+        return faults.front();
+    return std::to_wstring(faults.size()) + L' ' + summary + L", the first: " + faults.front();
+}
+
+class Diagnosis {
+public:
+    explicit Diagnosis(const DoctorFacts& facts);
+
+    std::vector<Finding> Findings();
+
+private:
+    void Add(Health health, std::wstring text, std::wstring fix = {}) {
+        findings_.push_back({health, std::move(text), std::move(fix)});
+    }
+    // A class's value of the registration: its binding to .zmi, or its server's path.
+    const ValueFacts* Binding(HandlerKind kind) const;
+    const ValueFacts* Server(HandlerKind kind) const;
+    // What is wrong with a value and where it stands or ought to; empty when nothing is wrong.
+    std::wstring FaultOf(const ValueFacts& value) const;
+    void CheckMachine();
+    void CheckRegistration();
+    void CheckHiding();
+    void CheckLibraries();
+    std::wstring FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const;
+    void CheckCom();
+    void CheckHandlers();
+    void CheckSettings();
+    void CheckFile(const FileFacts& file);
+
+    const DoctorFacts& facts_;
+    std::ptrdiff_t userValues_ = 0; // of the 27 that either hive may hold
+    std::ptrdiff_t machineValues_ = 0;
+    bool isUserOnly_ = false;    // a class's server is registered for this user alone
+    std::wstring registerAgain_; // fixes
+    std::wstring unhide_;
+    std::vector<Finding> findings_;
+};
+
+Diagnosis::Diagnosis(const DoctorFacts& facts) : facts_(facts) {
+    for (const ValueFacts& value : facts_.values) {
+        if (value.expected.isForMachine)
+            continue;
+        userValues_ += !value.user.IsMissing();
+        machineValues_ += !value.machine.IsMissing();
+        isUserOnly_ = isUserOnly_ || (value.expected.data.empty() && value.machine.IsMissing());
+    }
+    isUserOnly_ = isUserOnly_ && userValues_;
+    std::wstring library = facts_.ownLibrary.value_or(LR"(...\Vantrel64.dll)");
+    for (const ServerFacts& server : facts_.servers)
+        if (server.path == facts_.givenLibrary && FaultOf(server, everyKind).empty())
+            library = server.path;
+    library = Quoted(library);
+    registerAgain_ = machineValues_ ? L"repair the installation: msiexec /fa with its .msi file"
+                                    : L"run regsvr32 " + library;
+    unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine's registration stays";
+}
+
+std::vector<Finding> Diagnosis::Findings() {
+    CheckMachine();
+    CheckRegistration();
+    CheckLibraries();
+    CheckCom();
+    CheckHandlers();
+    CheckSettings();
+    for (const FileFacts& file : facts_.files)
+        CheckFile(file);
+    return std::move(findings_);
+}
+
+const ValueFacts* Diagnosis::Binding(HandlerKind kind) const {
+    for (const ValueFacts& value : facts_.values)
+        if (value.expected.data == ClassOf(kind).classId)
+            return &value;
+    return nullptr; // the column handler's binding has no identifier for its data
+}
+
+const ValueFacts* Diagnosis::Server(HandlerKind kind) const {
+    for (const ValueFacts& value : facts_.values)
+        if (value.expected.data.empty() &&
+            value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos)
+            return &value;
+    return nullptr;
+}
+
+std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
+    const RegistryText& found = value.Effective();
+    const std::wstring& wanted = value.expected.data;
+    const bool isMachines = value.expected.isForMachine || (value.user.IsMissing() && machineValues_);
+    const std::wstring name = (isMachines ? LR"(HKLM\)" : LR"(HKCU\)") + value.expected.key + L" [" +
+                              (value.expected.name ? value.expected.name : L"default value") + L"]";
+    if (found.IsMissing())
+        return name + L" is missing";
+    if (found.status == ERROR_UNSUPPORTED_TYPE)
+        return name + L" is of the wrong type, not a string";
+    if (found.status != ERROR_SUCCESS)
+        return name + L" can't be read: " + DescribeHresult(HRESULT_FROM_WIN32(found.status));
+    if (!wanted.empty() && found.text != wanted)
+        return name + L" is " + Quoted(found.text) + L", not " + Quoted(wanted);
+    return {};
+}
+
+void Diagnosis::CheckMachine() {
+    if (facts_.isArm64)
+        Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
+            L"none on this machine, for Vantrel64 is x64 only");
+    if (facts_.isExplorerElevated && isUserOnly_)
+        Add(Health::Fail,
+            std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
+                L" runs as administrator, where COM ignores what is registered for one user only",
+            L"install Vantrel64 with its installer, which registers it for the machine");
+}
+
+void Diagnosis::CheckRegistration() {
+    if (userValues_ == 0 && machineValues_ == 0) {
+        // The property handler's value outlives an unregistration, so it does not count here.
+        Add(Health::Fail,
+            L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
+            L"install Vantrel64, or " + registerAgain_ + L" as the user who is to see the thumbnails");
+        return;
+    }
+    std::vector<std::wstring> wrong;
+    std::ptrdiff_t machineValues = machineValues_;
+    for (const ValueFacts& value : facts_.values) {
+        const bool isForMachine = value.expected.isForMachine;
+        machineValues += isForMachine && !value.machine.IsMissing();
+        std::wstring fault = FaultOf(value);
+        if (fault.empty() || value.IsHiding())
+            continue; // those have a check of their own
+        if (isForMachine)
+            Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
+                registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
+        else
+            wrong.push_back(std::move(fault));
+    }
+    if (!wrong.empty())
+        Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
+    else
+        Add(Health::Ok, L"registry values in place: " + std::to_wstring(userValues_) +
+                            L" for this user (HKCU), " + std::to_wstring(machineValues) +
+                            L" for the machine (HKLM)");
+    CheckHiding();
+}
+
+// A registration for this user, as version 1.0.0 left it, hides the machine's.
+void Diagnosis::CheckHiding() {
+    std::ptrdiff_t count = 0;
+    std::wstring difference;
+    for (const ValueFacts& value : facts_.values) {
+        if (!value.IsHiding())
+            continue;
+        ++count;
+        if (difference.empty())
+            difference = FaultOf(value);
+        if (difference.empty() && value.expected.data.empty() && !IsSame(value.user.text, value.machine.text))
+            difference = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
+    }
+    if (count > 0)
+        Add(difference.empty() ? Health::Warn : Health::Fail,
+            L"this user's registration (HKCU) hides " + std::to_wstring(count) +
+                L" of the machine's values (HKLM)" + (difference.empty() ? L"" : L"; " + difference),
+            unhide_);
+}
+
+// Empty when these classes can be made from it.
+std::wstring Diagnosis::FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const {
+    if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
+        return L" is not found";
+    if (server.loaded == HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT))
+        return L" is not a 64-bit library";
+    if (FAILED(server.loaded))
+        return L" can't be loaded: " + DescribeHresult(server.loaded);
+    for (const HandlerKind kind : kinds) {
+        const HRESULT created = server.created[static_cast<std::size_t>(kind)];
+        if (created == CLASS_E_CLASSNOTAVAILABLE || created == HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND))
+            return L" is another library, not Vantrel64";
+        if (FAILED(created))
+            return L" can't create the class " +
+                   (ClassOf(kind).description + (L": " + DescribeHresult(created)));
+    }
+    return {};
+}
+
+void Diagnosis::CheckLibraries() {
+    std::vector<std::wstring> registered;
+    auto expected = facts_.givenLibrary ? facts_.givenLibrary : facts_.ownLibrary;
+    for (const ServerFacts& server : facts_.servers) {
+        std::vector<HandlerKind> kinds;
+        bool isHiding = false;
+        for (const HandlerKind kind : allHandlers) {
+            const ValueFacts* value = Server(kind);
+            if (!value || !IsSame(value->Effective().text, server.path))
+                continue;
+            kinds.push_back(kind);
+            isHiding = isHiding || value->IsHiding();
+        }
+        const bool isRegistered = !kinds.empty();
+        const std::wstring fault = FaultOf(server, isRegistered ? kinds : everyKind);
+        if (fault.empty()) {
+            Add(Health::Ok, server.path + L" creates the five classes");
+            if (isRegistered)
+                registered.push_back(server.path);
+        } else if (isRegistered) {
+            Add(Health::Fail,
+                server.path + L", registered for " +
+                    (kinds.size() == 1 ? ClassOf(kinds[0]).description
+                                       : std::to_wstring(kinds.size()) + L" classes") +
+                    L"," + fault,
+                isHiding ? unhide_ : registerAgain_);
+        } else {
+            Add(Health::Fail, server.path + fault, L"give the path of Vantrel64.dll with --dll");
+            expected.reset();
+        }
+    }
+    if (registered.size() > 1)
+        Add(Health::Fail,
+            L"the five classes come from two libraries, " + registered[0] + L" and " + registered[1],
+            userValues_ && machineValues_ ? unhide_ : registerAgain_);
+    else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
+        Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
+            L"the registered library is " + registered[0] + L", not " + *expected,
+            machineValues_ ? L"install the one that you want" : L"run regsvr32 " + Quoted(*expected));
+}
+
+void Diagnosis::CheckCom() {
+    std::vector<std::wstring> faults;
+    for (const HandlerKind kind : allHandlers) {
+        const auto& created = facts_.classes[static_cast<std::size_t>(kind)].created;
+        if (!created)
+            return;
+        if (FAILED(*created))
+            faults.push_back(std::wstring(L"COM can't create the class ") + ClassOf(kind).description +
+                             L": " + DescribeHresult(*created));
+    }
+    const bool isTold = std::any_of(findings_.begin(), findings_.end(),
+                                    [](const Finding& finding) { return finding.health == Health::Fail; });
+    if (faults.empty())
+        Add(Health::Ok, L"COM creates the five classes");
+    else if (facts_.isDoctorElevated && isUserOnly_)
+        Add(Health::Warn,
+            L"this program runs as administrator, where COM ignores what is registered for one user only, so "
+            L"what Explorer gets was not checked",
+            L"run the doctor in an ordinary command prompt");
+    else if (!isTold)
+        Add(Health::Fail, Counted(faults, L"classes can't be created"), registerAgain_);
+}
+
+void Diagnosis::CheckHandlers() {
+    bool isClear = true;
+    for (const HandlerKind kind : allHandlers) {
+        const HandlerClass& known = ClassOf(kind);
+        const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
+        const ValueFacts* binding = Binding(kind);
+        if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
+            continue; // a wrong binding has been told
+        std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
+        std::wstring fix = registerAgain_;
+        for (const ProgramFacts& program : facts_.programs) {
+            const std::wstring& claim = program.handlers[static_cast<std::size_t>(kind)];
+            if (claim.empty() || IsSame(claim, known.classId) || (answer && !IsSame(claim, *answer)))
+                continue;
+            other = L", " + claim + L" of the program " + program.progId;
+            fix = LR"(choose another program under "Open with", or delete HKEY_CLASSES_ROOT\)" +
+                  program.progId + LR"(\ShellEx\)" + known.shellEx;
+        }
+        if (!answer && other.empty())
+            continue;
+        isClear = false;
+        Add(Health::Fail,
+            (other.empty() ? L"the system finds no " : L"the system uses another ") +
+                (known.name + (L" handler for .zmi" + other)),
+            fix);
+    }
+    for (const ProgramFacts& program : facts_.programs) {
+        if (program.defaultIcon.empty() || program.defaultIcon == L"%1")
+            continue;
+        isClear = false;
+        Add(Health::Warn,
+            L"the program " + program.progId + L" has an icon of its own, which Explorer may show instead",
+            LR"(if it does, delete HKEY_CLASSES_ROOT\)" + program.progId + LR"(\DefaultIcon)");
+    }
+    if (isClear)
+        Add(Health::Ok, L"no other program's handler or icon stands in the way");
+}
+
+void Diagnosis::CheckSettings() {
+    const std::size_t before = findings_.size();
+    const bool areApproved = std::all_of(facts_.classes.begin(), facts_.classes.end(),
+                                         [](const ClassFacts& one) { return one.isApproved; });
+    for (const std::wstring& setting : facts_.settings)
+        for (const auto& [name, health, effect, fix] : settingEffects)
+            if (setting.ends_with(L'\\' + std::wstring(name)) && !(name == approvedOnly && areApproved))
+                Add(health, effect + (L" (" + setting + L")"), fix);
+    for (const HandlerKind kind : allHandlers)
+        if (const auto& key = facts_.classes[static_cast<std::size_t>(kind)].blockingKey)
+            Add(Health::Fail, std::wstring(L"the class ") + ClassOf(kind).description + L" is blocked",
+                std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
+    if (findings_.size() == before)
+        Add(Health::Ok, L"no setting and no policy turns thumbnails off");
+}
+
+void Diagnosis::CheckFile(const FileFacts& file) {
+    const std::wstring name = file.shown + L": ";
+    if (file.unread) {
+        Add(file.isFolder ? Health::Warn : Health::Fail, *file.unread,
+            file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
+        return;
+    }
+    if (!file.shown.ends_with(L".zmi") &&
+        !IsSame(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi"))
+        Add(Health::Warn, name + L"the Shell goes by the extension, and this one is not .zmi",
+            L"rename the file");
+    const auto [narrow, wide] = std::minmax(file.width, file.height);
+    const unsigned smallest = narrow ? (wide + narrow - 1) / narrow : 0;
+    if (file.IsElsewhere())
+        Add(Health::Warn,
+            name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
+            L"in Explorer, choose \"Always keep on this device\" for it");
+    else if (file.fault)
+        Add(Health::Fail, name + *file.fault, L"make the file again, or get a fresh copy of it");
+    else if (smallest > smallestThumbnail)
+        Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
+            name + std::to_wstring(file.width) + L" x " + std::to_wstring(file.height) +
+                L" pixels is too thin for thumbnails smaller than " + std::to_wstring(smallest) + L" pixels",
+            L"crop the picture, or put it on a squarer canvas");
+    else
+        Add(Health::Ok, name + L"header, trailer and frames are sound");
+}
+
+} // namespace
+
+std::vector<Finding> Diagnose(const DoctorFacts& facts) {
+    return Diagnosis(facts).Findings();
+}
+
+} // namespace vantrel::tools

@@ -1,0 +1,265 @@
+#include "tools/preview/doctor/DoctorFacts.h"
+#include "tools/inspection/ZmiFile.h"
+
+#include "support/Handles.h"
+#include "tools/preview/InputFile.h"
+#include "tools/terminal/Failure.h"
+
+#include <propsys.h>
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <set>
+
+namespace vantrel::tools {
+
+namespace {
+
+const std::pair<HKEY, const wchar_t*> hives[] = {{HKEY_CURRENT_USER, LR"(HKCU\)"},
+                                                 {HKEY_LOCAL_MACHINE, LR"(HKLM\)"}};
+
+template <class Function>
+Function FindFunction(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+// Some of the functions that follow end the process there, or answer for other reasons than Windows does.
+bool IsWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+bool IsArm64() {
+    const auto ask = FindFunction<BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*)>(GetModuleHandleW(L"kernel32.dll"),
+                                                                           "IsWow64Process2");
+    USHORT process = 0;
+    USHORT machine = 0;
+    return ask && ask(GetCurrentProcess(), &process, &machine) && machine == IMAGE_FILE_MACHINE_ARM64;
+}
+
+// Above medium integrity, where COM ignores what is registered for one user.
+bool IsElevated(HANDLE process) {
+    HANDLE opened = nullptr;
+    if (!OpenProcessToken(process, TOKEN_QUERY, &opened))
+        return GetLastError() == ERROR_ACCESS_DENIED; // this user's, and yet out of reach
+    const UniqueKernelHandle token(opened);
+    alignas(TOKEN_MANDATORY_LABEL) std::array<std::byte, 256> buffer{};
+    DWORD size = 0;
+    if (!GetTokenInformation(token.get(), TokenIntegrityLevel, buffer.data(), buffer.size(), &size))
+        return false;
+    PSID level = reinterpret_cast<const TOKEN_MANDATORY_LABEL*>(buffer.data())->Label.Sid;
+    return *GetSidSubAuthority(level, *GetSidSubAuthorityCount(level) - 1U) > SECURITY_MANDATORY_MEDIUM_RID;
+}
+
+void AskForRights(DoctorFacts& facts) {
+    facts.isDoctorElevated = IsElevated(GetCurrentProcess());
+    facts.isUacOff =
+        ReadNumber(HKEY_LOCAL_MACHINE, LR"(Software\Microsoft\Windows\CurrentVersion\Policies\System)",
+                   L"EnableLUA", 1) == 0;
+    // Without UAC all of a user's processes have the same rights.
+    facts.isExplorerElevated = facts.isUacOff && facts.isDoctorElevated;
+    DWORD processId = 0;
+    GetWindowThreadProcessId(GetShellWindow(), &processId);
+    const UniqueKernelHandle explorer(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (explorer)
+        facts.isExplorerElevated = IsElevated(explorer.get());
+}
+
+std::optional<std::wstring> LibraryBesideThisProgram() {
+    std::wstring program(32768, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
+    std::filesystem::path library = std::filesystem::path(program).replace_filename(L"Vantrel64.dll");
+    if (GetFileAttributesW(library.c_str()) == INVALID_FILE_ATTRIBUTES)
+        return std::nullopt;
+    return library.wstring();
+}
+
+CLSID ParseClassId(const wchar_t* text) {
+    CLSID classId{};
+    Check(CLSIDFromString(text, &classId), text);
+    return classId;
+}
+
+template <class Request>
+HRESULT ResultOf(Request&& request) {
+    try {
+        request();
+        return S_OK;
+    } catch (const Failure& failure) {
+        return failure.Result();
+    }
+}
+
+ServerFacts LoadServer(const std::wstring& path) {
+    ServerFacts facts{path};
+    if (std::filesystem::path(path).is_absolute() &&
+        GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
+        facts.loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+        return facts;
+    }
+    facts.loaded = ResultOf([&] {
+        const ServerModule module(path);
+        for (std::size_t i = 0; i < allHandlers.size(); ++i)
+            facts.created[i] = ResultOf([&] {
+                const HandlerClass& known = ClassOf(allHandlers[i]);
+                IUnknown* object = nullptr;
+                module.Create(ParseClassId(known.classId), *known.interfaceId,
+                              reinterpret_cast<void**>(&object));
+                object->Release();
+            });
+    });
+    return facts;
+}
+
+HRESULT CreateByCom(const HandlerClass& known) {
+    IUnknown* object = nullptr;
+    const HRESULT result = CoCreateInstance(ParseClassId(known.classId), nullptr, CLSCTX_INPROC_SERVER,
+                                            *known.interfaceId, reinterpret_cast<void**>(&object));
+    const UniqueInterface<IUnknown> owner(object);
+    return result;
+}
+
+std::optional<std::wstring> AskPropertySystem() {
+    std::array<wchar_t, MAX_PATH> folder{};
+    GetSystemDirectoryW(folder.data(), static_cast<UINT>(folder.size()));
+    const std::filesystem::path path = std::filesystem::path(folder.data()) / L"propsys.dll";
+    const UniqueModule propsys(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    const auto ask = propsys ? FindFunction<decltype(&PSLookupPropertyHandlerCLSID)>(
+                                   propsys.get(), "PSLookupPropertyHandlerCLSID")
+                             : nullptr;
+    if (!ask)
+        return std::nullopt;
+    CLSID classId{};
+    std::array<wchar_t, 39> text{};
+    if (SUCCEEDED(ask((std::filesystem::path(folder.data()) / L"picture.zmi").c_str(), &classId)))
+        StringFromGUID2(classId, text.data(), static_cast<int>(text.size()));
+    return text.data();
+}
+
+std::optional<std::wstring> AskShell(const wchar_t* shellEx) {
+    std::array<wchar_t, 64> text{};
+    auto size = static_cast<DWORD>(text.size());
+    if (AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, L".zmi", shellEx, text.data(), &size) == S_OK)
+        return text.data();
+    // It promises an answer for interface identifiers, so silence about "IconHandler" says nothing.
+    return shellEx[0] == L'{' ? std::optional<std::wstring>(L"") : std::nullopt;
+}
+
+ClassFacts AskForClass(HandlerKind kind, bool isWine) {
+    const HandlerClass& known = ClassOf(kind);
+    ClassFacts facts;
+    facts.created = CreateByCom(known);
+    if (isWine && KeyExists(HKEY_CURRENT_USER, classesKey + (LR"(CLSID\)" + std::wstring(known.classId))))
+        facts.created.reset(); // its COM reads HKEY_LOCAL_MACHINE alone
+    if (!isWine && kind == HandlerKind::Properties)
+        facts.answer = AskPropertySystem();
+    else if (!isWine && known.shellEx)
+        facts.answer = AskShell(known.shellEx);
+    const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
+    for (const auto& [root, name] : hives) {
+        // Whatever type the values are of: their names are what counts.
+        const auto isListed = [&, root = root](const wchar_t* list) {
+            return !ReadValue(root, extensions + list, known.classId).IsMissing();
+        };
+        facts.isApproved = facts.isApproved || isListed(L"Approved");
+        if (isListed(L"Blocked"))
+            facts.blockingKey = name + extensions + L"Blocked";
+    }
+    return facts;
+}
+
+std::vector<ProgramFacts> FindPrograms() {
+    const std::wstring choices = LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts\.zmi\)";
+    std::set<std::wstring> names;
+    for (const wchar_t* choice : {L"UserChoice", LR"(UserChoiceLatest\ProgId)"})
+        names.insert(ReadText(HKEY_CURRENT_USER, choices + choice, L"ProgId").value_or(L""));
+    names.insert(ReadClassText(L".zmi").value_or(L""));
+    names.erase(L"");
+    std::vector<ProgramFacts> programs;
+    for (const std::wstring& name : names) {
+        ProgramFacts& program = programs.emplace_back(ProgramFacts{name});
+        for (std::size_t i = 0; i < allHandlers.size(); ++i)
+            if (const wchar_t* shellEx = ClassOf(allHandlers[i]).shellEx)
+                program.handlers[i] = ReadClassText(name + LR"(\ShellEx\)" + shellEx).value_or(L"");
+        program.defaultIcon = ReadClassText(name + LR"(\DefaultIcon)").value_or(L"");
+    }
+    return programs;
+}
+
+std::vector<std::wstring> FindSettings() {
+    const std::wstring windows = LR"(Software\Microsoft\Windows\CurrentVersion\)";
+    const std::wstring policies = windows + LR"(Policies\Explorer)";
+    const std::pair<std::wstring, const wchar_t*> known[] = {
+        {windows + LR"(Explorer\Advanced)", L"IconsOnly"},
+        {policies, L"DisableThumbnails"},
+        {policies, L"DisableThumbnailsOnNetworkFolders"},
+        {policies, L"EnforceShellExtensionSecurity"},
+    };
+    std::vector<std::wstring> settings;
+    for (const auto& [root, rootName] : hives)
+        for (const auto& [key, name] : known)
+            if (ReadNumber(root, key, name) != 0)
+                settings.push_back(rootName + key + L'\\' + name);
+    return settings;
+}
+
+FileFacts ExamineFile(const InputFile& file) {
+    FileFacts facts{.shown = file.shown, .attributes = GetFileAttributesW(file.path.c_str())};
+    if (facts.attributes == INVALID_FILE_ATTRIBUTES) {
+        const DWORD error = GetLastError();
+        const bool isAbsent = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+        facts.unread =
+            file.shown + L": " + (isAbsent ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error)));
+    } else if (!facts.IsElsewhere()) {
+        facts.fault = FindFault(file.path, &facts.width, &facts.height);
+    }
+    return facts;
+}
+
+} // namespace
+
+bool FileFacts::IsElsewhere() const {
+    constexpr DWORD recallOnOpen = 0x40000; // not in every SDK
+    constexpr DWORD recallOnDataAccess = 0x400000;
+    return !unread && (attributes & (FILE_ATTRIBUTE_OFFLINE | recallOnOpen | recallOnDataAccess)) != 0;
+}
+
+DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary,
+                        const std::vector<std::wstring>& arguments) {
+    DoctorFacts facts;
+    facts.isArm64 = IsArm64();
+    if (!IsWine())
+        AskForRights(facts);
+    if (givenLibrary)
+        facts.givenLibrary = givenLibrary->wstring();
+    facts.ownLibrary = LibraryBesideThisProgram();
+
+    std::set<std::wstring> paths;
+    if (givenLibrary)
+        paths.insert(*facts.givenLibrary);
+    for (RegistrationValue& expected : ExpectedRegistration()) {
+        ValueFacts& value = facts.values.emplace_back(ValueFacts{std::move(expected), {}, {}});
+        const auto& [key, name, data, isForMachine] = value.expected;
+        if (!isForMachine)
+            value.user = ReadValue(HKEY_CURRENT_USER, key, name);
+        value.machine = ReadValue(HKEY_LOCAL_MACHINE, key, name);
+        if (data.empty() && value.Effective().status == ERROR_SUCCESS)
+            paths.insert(value.Effective().text);
+    }
+    for (const std::wstring& path : paths)
+        facts.servers.push_back(LoadServer(path));
+    std::transform(allHandlers.begin(), allHandlers.end(), facts.classes.begin(),
+                   [](HandlerKind kind) { return AskForClass(kind, IsWine()); });
+    facts.programs = FindPrograms();
+    facts.settings = FindSettings();
+    for (const std::wstring& argument : arguments) {
+        try {
+            for (const InputFile& file : FindInputFiles({argument}))
+                facts.files.push_back(ExamineFile(file));
+        } catch (const Failure& failure) {
+            facts.files.push_back({.shown = argument, .isFolder = true, .unread = failure.Message()});
+        }
+    }
+    return facts;
+}
+
+} // namespace vantrel::tools

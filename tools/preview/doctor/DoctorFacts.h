@@ -1,0 +1,82 @@
+// What the doctor asks of the system, as plain values; Diagnosis.h judges them.
+#pragma once
+
+#include "tools/preview/doctor/Registration.h"
+#include "tools/preview/doctor/RegistryReader.h"
+#include "tools/preview/HandlerRegistry.h"
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+// One value of the registration as it stands in the two hives.
+struct ValueFacts {
+    RegistrationValue expected;
+    RegistryText user;
+    RegistryText machine;
+
+    // As HKEY_CLASSES_ROOT shows it: the user's value hides the machine's.
+    const RegistryText& Effective() const { return user.IsMissing() ? machine : user; }
+    bool IsHiding() const { return !user.IsMissing() && !machine.IsMissing(); }
+};
+
+// A library, loaded by its path.
+struct ServerFacts {
+    std::wstring path;
+    HRESULT loaded = S_OK;                             // "file not found" for the library itself only
+    std::array<HRESULT, allHandlers.size()> created{}; // each class, made by the library's own factory
+};
+
+struct ClassFacts {
+    std::optional<HRESULT> created{}; // by COM, through the registry; absent where COM sees half of that
+    // The class that the system names for .zmi: empty when it names none, absent where it can't be asked.
+    std::optional<std::wstring> answer{};
+    bool isApproved = false;
+    std::optional<std::wstring> blockingKey{};
+};
+
+// A program that .zmi files are opened with, and what it registers for itself.
+struct ProgramFacts {
+    std::wstring progId;
+    std::array<std::wstring, allHandlers.size()> handlers{}; // class identifiers
+    std::wstring defaultIcon{};
+};
+
+struct FileFacts {
+    std::wstring shown; // as the user wrote it
+    bool isFolder = false;
+    DWORD attributes = 0;
+    std::optional<std::wstring> unread{}; // why nothing more is known: not found, an empty folder
+    std::optional<std::wstring> fault{};  // what is wrong with it as a ZMI file
+    unsigned width = 0;                   // of frame 0 in pixels
+    unsigned height = 0;
+
+    // A placeholder whose content is in a cloud or on another medium; it isn't opened.
+    bool IsElsewhere() const;
+};
+
+struct DoctorFacts {
+    bool isArm64 = false; // the machine, not this program
+    bool isUacOff = false;
+    bool isExplorerElevated = false;
+    bool isDoctorElevated = false;
+    std::vector<ValueFacts> values;
+    std::vector<ServerFacts> servers;         // every registered path once, and the given library's
+    std::optional<std::wstring> givenLibrary; // by --dll
+    std::optional<std::wstring> ownLibrary;   // that lies beside this program, as the installer puts both
+    std::array<ClassFacts, allHandlers.size()> classes;
+    std::vector<ProgramFacts> programs;
+    std::vector<std::wstring> settings; // names of values that are not 0, as "HKCU\\key\\name"
+    std::vector<FileFacts> files;
+};
+
+// Asks the system. COM must be initialized; the arguments are files and folders. Nothing is changed, but
+// registered libraries are loaded.
+DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary,
+                        const std::vector<std::wstring>& arguments);
+
+} // namespace vantrel::tools

@@ -1,0 +1,40 @@
+#include "tools/preview/doctor/RegistryReader.h"
+
+namespace vantrel::tools {
+
+RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name) {
+    std::wstring text(MAX_PATH, L'\0');
+    for (;;) {
+        auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        const LSTATUS status =
+            RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
+        if (status == ERROR_MORE_DATA) {
+            text.resize(text.size() * 2);
+            continue;
+        }
+        text.resize(status == ERROR_SUCCESS ? text.find(L'\0') : 0);
+        return {status == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : status, text};
+    }
+}
+
+std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name) {
+    RegistryText value = ReadValue(root, key, name);
+    return value.status == ERROR_SUCCESS ? std::optional(std::move(value.text)) : std::nullopt;
+}
+
+DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD otherwise) {
+    DWORD number = 0;
+    DWORD bytes = sizeof(number);
+    const LSTATUS status = RegGetValueW(root, key.c_str(), name, RRF_RT_REG_DWORD, nullptr, &number, &bytes);
+    return status == ERROR_SUCCESS ? number : otherwise;
+}
+
+bool KeyExists(HKEY root, const std::wstring& key) {
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(root, key.c_str(), 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS)
+        return false;
+    RegCloseKey(opened);
+    return true;
+}
+
+} // namespace vantrel::tools

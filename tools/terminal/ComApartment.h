@@ -1,0 +1,23 @@
+// A thread's stay in a COM apartment.
+#pragma once
+
+#include <objbase.h>
+
+namespace vantrel::tools {
+
+class ComApartment {
+public:
+    explicit ComApartment(COINIT kind)
+        : entered_(SUCCEEDED(CoInitializeEx(nullptr, static_cast<DWORD>(kind)))) {}
+    ~ComApartment() {
+        if (entered_)
+            CoUninitialize();
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+private:
+    bool entered_;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,83 @@
+#include "tools/terminal/OutputGuard.h"
+
+#include "codec/ZmiFormat.h"
+#include "support/Handles.h"
+#include "tools/terminal/Failure.h"
+#include "tools/terminal/LongPath.h"
+
+#include <array>
+#include <iterator>
+#include <optional>
+#include <string_view>
+
+namespace vantrel::tools {
+
+namespace {
+
+struct KindFacts {
+    const wchar_t* name;
+    const wchar_t* extension;
+    std::string_view firstBytes;
+};
+constexpr std::array<KindFacts, 3> kinds = {{{L"ZMI", L".zmi", {zmiMagic, std::size(zmiMagic)}},
+                                             {L"PNG", L".png", "\x89PNG\r\n\x1A\n"},
+                                             {L"GIF", L".gif", "GIF8"}}};
+
+// Null when the file can't be opened; GetLastError tells why.
+UniqueKernelHandle Open(const std::filesystem::path& path, DWORD access) {
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle =
+        CreateFileW(LongPath(path).c_str(), access, shareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+    return UniqueKernelHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
+std::optional<std::pair<std::uint32_t, std::uint64_t>> IdentityOf(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION facts{};
+    if (!GetFileInformationByHandle(file, &facts))
+        return std::nullopt;
+    return std::pair(std::uint32_t{facts.dwVolumeSerialNumber},
+                     std::uint64_t{facts.nFileIndexHigh} << 32 | facts.nFileIndexLow);
+}
+
+bool BeginsWith(HANDLE file, std::string_view bytes) {
+    std::array<char, 16> start{};
+    DWORD count = 0;
+    return ReadFile(file, start.data(), static_cast<DWORD>(start.size()), &count, nullptr) &&
+           std::string_view(start.data(), count).starts_with(bytes);
+}
+
+} // namespace
+
+void OutputGuard::Protect(const std::filesystem::path& input) {
+    if (const UniqueKernelHandle file = Open(input, FILE_READ_ATTRIBUTES))
+        if (const auto identity = IdentityOf(file.get()))
+            protected_.insert(*identity);
+}
+
+void OutputGuard::Check(const std::filesystem::path& target, FileKind kind) const {
+    const KindFacts& facts = kinds[static_cast<std::size_t>(kind)];
+    const std::wstring name = target.wstring();
+    if (CompareStringOrdinal(target.extension().c_str(), -1, facts.extension, -1, TRUE) != CSTR_EQUAL)
+        throw UsageError(L"a " + std::wstring(facts.name) + L" file is written, so its name must end in " +
+                         facts.extension + L", not \"" + name + L"\"");
+
+    const DWORD attributes = GetFileAttributesW(LongPath(target).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        throw Failure(name + L": this is a folder, no file can take its place");
+    const UniqueKernelHandle file = Open(target, GENERIC_READ);
+    if (!file) {
+        if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)
+            return;
+        FailWithLastError(name);
+    }
+    const auto identity = IdentityOf(file.get());
+    if (!identity)
+        FailWithLastError(name);
+    if (protected_.contains(*identity))
+        throw UsageError(name + L": this is one of the files to read, and is not overwritten");
+    if (!force_ && !BeginsWith(file.get(), facts.firstBytes))
+        throw UsageError(name + L": this exists and is not a " + facts.name +
+                         L" file; only --force replaces it");
+}
+
+} // namespace vantrel::tools

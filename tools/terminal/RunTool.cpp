@@ -1,0 +1,70 @@
+#include "tools/terminal/RunTool.h"
+
+#include "tools/terminal/Console.h"
+#include "tools/terminal/Failure.h"
+#include "tools/terminal/OutputFile.h"
+
+#include <windows.h>
+
+#include <cstring>
+#include <new>
+#include <optional>
+
+namespace vantrel::tools {
+
+namespace {
+
+enum ExitCode { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
+
+// Runs on a thread of its own, whatever the others do. Not ExitProcess, which waits for locks that they may
+// hold; and Wine's own way ends the process with exit code 0.
+BOOL WINAPI EndNow(DWORD) {
+    OutputFile::DiscardAll();
+    TerminateProcess(GetCurrentProcess(), interrupted);
+    return TRUE;
+}
+
+} // namespace
+
+int RunTool(const Tool& tool, int count, wchar_t** arguments) {
+    SetConsoleCtrlHandler(EndNow, TRUE);
+    std::optional<JsonDocument> json;
+    ExitCode exitCode = failed;
+    std::wstring words;
+    try {
+        CommandLine line(count, arguments);
+        if (line.Has(L"--help") || line.Has(L"-h")) {
+            PrintText(std::wstring(tool.help) + L'\n');
+            return done;
+        }
+        if (line.Has(L"--version")) {
+            PrintLine(std::wstring(tool.name) + L" " VANTREL_VERSION);
+            return done;
+        }
+        if (tool.takesJson && line.Has(L"--json"))
+            json.emplace();
+        const bool ok = tool.run(line, json ? &*json : nullptr);
+        if (json)
+            json->Close(ok);
+        return ok ? done : failed;
+    } catch (const UsageError& error) {
+        exitCode = wrongUsage;
+        words = error.Message() + L" (" + std::wstring(tool.name) + L" --help shows how)";
+    } catch (const Failure& failure) {
+        words = failure.Message();
+    } catch (const std::bad_alloc&) {
+        words = L"not enough memory";
+    } catch (const std::exception& error) {
+        words.assign(error.what(), error.what() + std::strlen(error.what()));
+    }
+    PrintError(std::wstring(tool.name) + L": " + words);
+    try {
+        if (json)
+            json->Close(false, words);
+    } catch (const Failure&) {
+        // stdout is what failed, or fails too; the exit code says so.
+    }
+    return exitCode;
+}
+
+} // namespace vantrel::tools
