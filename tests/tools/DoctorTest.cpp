@@ -49,6 +49,7 @@ const State states[] = {
     {"for the machine", [](auto& f) { MoveToMachine(f), f.isExplorerElevated = true; }, {}},
     {"shadow",
      [](auto& f) {
+         f.isExplorerElevated = true;
          for (ValueFacts& v : f.values)
              v.machine = v.Effective();
      },
@@ -59,6 +60,14 @@ const State states[] = {
      },
      {LR"(fail this user's registration (HKCU) hides 1 of the machine's values (HKLM); HKCU names C:\W\)",
       LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
+    {"a shadow of what is gone",
+     [](auto& f) {
+         MoveToMachine(f), f.values[server].user = {ERROR_SUCCESS, other},
+                           f.values[threading].user = {ERROR_SUCCESS};
+         f.servers.push_back({other, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)});
+     },
+     {L"hides 2 of the machine's values (HKLM); HKCU names",
+      LR"(fail C:\W\Vantrel64.dll, registered for Vantrel Thumbnail Provider, is not found. Fix: run regsvr32 /u)"}},
     {"none",
      [](auto& f) {
          for (ValueFacts& v : f.values)
@@ -127,8 +136,9 @@ const State states[] = {
      [](auto& f) { f.ownLibrary = other; },
      {LR"(warn the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
     {"other copy given",
-     [](auto& f) { f.givenLibrary = other, f.servers.push_back({other}); },
-     {LR"(fail the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
+     [](auto& f) { f.givenLibrary = other, f.servers.push_back({other}), f.values[threading].user = {}; },
+     {LR"([ThreadingModel] is missing. Fix: run regsvr32 "C:\W\)",
+      LR"(fail the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
     {"foreign library given",
      [](auto& f) {
          f.givenLibrary = L"x.dll";
@@ -139,7 +149,8 @@ const State states[] = {
      [](auto& f) {
          f.classes[icon].answer.reset();
          f.classes[thumbnail].answer = L"{0}";
-         f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}}};
+         f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}},
+                       {.progId = L"Z", .handlers = {L"{3}"}}};
      },
      {LR"(fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another )",
       LR"(fail the system uses another icon handler for .zmi, {2} of the program Y. Fix: choose another )"}},
