@@ -287,7 +287,7 @@ TEST_F(DoctorTest, SeesTheSystem) {
     std::filesystem::create_directory(folder_ / L"empty");
     iconsOnly.Set(DWORD{0});
     expectTold(0, {L"good.zmi"},
-               {"values in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
+               {"values are in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
                 "Vantrel64.dll creates the five classes", "no setting and no policy", "[ok]   good.zmi",
                 "\nNothing is wrong here."});
     expectTold(1, {L"--json", L"empty", L"mode3.zmi", L"frameless.zmi", L"thin.zmi", L"none.zmi"},

@@ -165,15 +165,13 @@ void Diagnosis::CheckRegistration() {
             L"install Vantrel64, or " + registerAgain_ + L" as the user who is to see the thumbnails");
         return;
     }
+    const std::size_t before = findings_.size();
     std::vector<std::wstring> wrong;
-    std::ptrdiff_t machineValues = machineValues_;
     for (const ValueFacts& value : facts_.values) {
-        const bool isForMachine = value.expected.isForMachine;
-        machineValues += isForMachine && !value.machine.IsMissing();
         std::wstring fault = FaultOf(value);
         if (fault.empty() || value.IsHiding())
             continue; // those have a check of their own
-        if (isForMachine)
+        if (value.expected.isForMachine)
             Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
                 registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
         else
@@ -181,11 +179,11 @@ void Diagnosis::CheckRegistration() {
     }
     if (!wrong.empty())
         Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
-    else
-        Add(Health::Ok, L"registry values in place: " + std::to_wstring(userValues_) +
-                            L" for this user (HKCU), " + std::to_wstring(machineValues) +
-                            L" for the machine (HKLM)");
     CheckHiding();
+    if (findings_.size() == before)
+        Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
+                            L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
+                            L" for the machine (HKLM)");
 }
 
 // A registration for this user, as version 1.0.0 left it, hides the machine's.
