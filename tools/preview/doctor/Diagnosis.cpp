@@ -59,9 +59,8 @@ private:
     void Add(Health health, std::wstring text, std::wstring fix = {}) {
         findings_.push_back({health, std::move(text), std::move(fix)});
     }
-    // A class's value of the registration: its binding to .zmi, or its server's path.
-    const ValueFacts* Binding(HandlerKind kind) const;
-    const ValueFacts* Server(HandlerKind kind) const;
+    // The value that holds this text for a class; without text, its server's path. Null when there is none.
+    const ValueFacts* Find(HandlerKind kind, std::wstring_view data) const;
     // What is wrong with a value and where it stands or ought to; empty when nothing is wrong.
     std::wstring FaultOf(const ValueFacts& value) const;
     void CheckMachine();
@@ -114,19 +113,12 @@ std::vector<Finding> Diagnosis::Findings() {
     return std::move(findings_);
 }
 
-const ValueFacts* Diagnosis::Binding(HandlerKind kind) const {
-    for (const ValueFacts& value : facts_.values)
-        if (value.expected.data == ClassOf(kind).classId)
-            return &value;
-    return nullptr; // the column handler's binding has no identifier for its data
-}
-
-const ValueFacts* Diagnosis::Server(HandlerKind kind) const {
-    for (const ValueFacts& value : facts_.values)
-        if (value.expected.data.empty() &&
-            value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos)
-            return &value;
-    return nullptr;
+const ValueFacts* Diagnosis::Find(HandlerKind kind, std::wstring_view data) const {
+    const auto found = std::find_if(facts_.values.begin(), facts_.values.end(), [&](const ValueFacts& value) {
+        return value.expected.data == data &&
+               (!data.empty() || value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos);
+    });
+    return found == facts_.values.end() ? nullptr : &*found;
 }
 
 std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
@@ -232,7 +224,7 @@ void Diagnosis::CheckLibraries() {
         std::vector<HandlerKind> kinds;
         bool isHiding = false;
         for (const HandlerKind kind : allHandlers) {
-            const ValueFacts* value = Server(kind);
+            const ValueFacts* value = Find(kind, {});
             if (!value || !IsSame(value->Effective().text, server.path))
                 continue;
             kinds.push_back(kind);
@@ -250,7 +242,9 @@ void Diagnosis::CheckLibraries() {
                     (kinds.size() == 1 ? ClassOf(kinds[0]).description
                                        : std::to_wstring(kinds.size()) + L" classes") +
                     L"," + fault,
-                isHiding ? unhide_ : registerAgain_);
+                isHiding                           ? unhide_
+                : server.path == facts_.ownLibrary ? L"install Vantrel64 again"
+                                                   : registerAgain_);
         } else {
             Add(Health::Fail, server.path + fault, L"give the path of Vantrel64.dll with --dll");
             expected.reset();
@@ -294,7 +288,7 @@ void Diagnosis::CheckHandlers() {
     for (const HandlerKind kind : allHandlers) {
         const HandlerClass& known = ClassOf(kind);
         const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
-        const ValueFacts* binding = Binding(kind);
+        const ValueFacts* binding = Find(kind, known.classId); // none for the column handler
         if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
             continue; // a wrong binding has been told
         std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
