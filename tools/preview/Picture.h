@@ -1,7 +1,7 @@
 // A picture as a host got it, taken out of GDI's hands.
 #pragma once
 
-#include <windows.h>
+#include "support/Handles.h"
 
 #include <cstdint>
 #include <string>
@@ -19,10 +19,9 @@ struct Picture {
     std::wstring Dimensions() const { return std::to_wstring(width) + L" x " + std::to_wstring(height); }
 };
 
-// Both take the handle over, destroy it in every case, and throw Failure. Thumbnails and extracted images are
-// opaque whatever their alpha bytes hold.
-Picture TakePicture(HBITMAP bitmap);
+// Both throw Failure. Thumbnails and extracted images are opaque whatever their alpha bytes hold.
+Picture TakePicture(UniqueBitmap bitmap);
 // Icons show through their alpha, or through their mask when all of their alpha is 0.
-Picture TakePicture(HICON icon);
+Picture TakePicture(UniqueIcon icon);
 
 } // namespace vantrel::tools

@@ -61,8 +61,8 @@ void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsig
     Check(stream->Stat(&facts, STATFLAG_NONAME), L"memory stream");
     Check(GetHGlobalFromStream(stream.Get(), &memory), L"memory stream");
     const auto* bytes = static_cast<const std::byte*>(GlobalLock(memory));
+    const UniqueHandle<HGLOBAL, GlobalUnlock> unlock(memory);
     output.Write({bytes, static_cast<std::size_t>(facts.cbSize.QuadPart)});
-    GlobalUnlock(memory);
     output.Commit();
 }
 
