@@ -17,23 +17,29 @@ struct DecodedImage {
     std::uint16_t frameCount = 0;
     std::uint16_t tableExtra = 0;
     std::vector<FrameRecord> frames; // one per frame, in file order
-    // The pixels of the leading frames that were asked for, same order: page order in mode 0, file order
-    // otherwise.
+    // Nothing, or one buffer per frame, same order: page order in mode 0, file order otherwise.
     std::vector<ByteBuffer> framePixels;
     std::vector<Palette> palettes; // in the order loaded
 };
 
-// Bytes of a frame's pixels as they stand in a DecodedImage whose header names the mode.
+// Bytes of a decoded frame's row, in mode 0 of a page of eight rows (see toPageOrder), and of all its pixels.
+constexpr std::uint32_t DecodedRowBytes(PixelMode mode, std::uint16_t width) {
+    return mode == PixelMode::Monochrome ? width : RowBytes(mode, width);
+}
 constexpr std::uint64_t DecodedByteCount(PixelMode mode, std::uint16_t width, std::uint16_t height) {
-    return mode == PixelMode::Monochrome ? (height + 7u) / 8u * std::uint64_t{width}
-                                         : PixelByteCount(mode, width, height);
+    const unsigned rows = mode == PixelMode::Monochrome ? (height + 7u) / 8u : height;
+    return std::uint64_t{rows} * DecodedRowBytes(mode, width);
+}
+
+[[noreturn]] inline void ThrowOutOfRange() {
+    throw std::out_of_range("invalid vector<T> subscript");
 }
 
 // A list's element. Throws std::out_of_range when the index is not in the list.
 template <class List>
 auto& ElementAt(List& list, std::size_t index) {
     if (index >= list.size())
-        throw std::out_of_range("invalid vector<T> subscript");
+        ThrowOutOfRange();
     return list[index];
 }
 

@@ -1,38 +1,23 @@
 #include "codec/Decoder.h"
 
-#include "codec/PageOrder.h"
-
-#include <algorithm>
+#include "codec/FileFramePixels.h"
 
 namespace vantrel {
 
 namespace {
 
-void MakeBlankDefault(DecodedImage& image, std::uint32_t framesWanted) {
+void MakeBlankDefault(DecodedImage& image) {
     image.header.flags = blankDefaultFlag;
     image.header.width = blankDefaultWidth;
     image.header.height = blankDefaultHeight;
     image.frameCount = 1;
-    image.tableExtra = 0;
-    FrameRecord frame{};
-    frame.width = blankDefaultWidth;
-    frame.height = blankDefaultHeight;
-    image.frames.push_back(frame);
-    if (framesWanted > 0)
-        image.framePixels.emplace_back(
-            DecodedByteCount(PixelMode::Monochrome, blankDefaultWidth, blankDefaultHeight), std::uint8_t{0});
+    image.frames.push_back(SingleFrame(image.header));
 }
 
 void MakeSingleFrame(DecodedImage& image, bool hasPalette) {
     image.frameCount = 1;
-    image.tableExtra = 0;
-    FrameRecord frame{};
-    frame.frameDataOffset = image.header.pixelOffset;
+    FrameRecord frame = SingleFrame(image.header);
     frame.paletteNumber = hasPalette ? 1 : 0;
-    frame.transparentKey = image.header.transparentKey;
-    frame.flags = image.header.flags;
-    frame.width = image.header.width;
-    frame.height = image.header.height;
     image.frames.push_back(frame);
 }
 
@@ -61,9 +46,9 @@ bool ReadFrameTable(PayloadReader& payload, DecodedImage& image) {
     return payload.Read(records, image.frames.data(), bytes);
 }
 
-// Turns the records' palette offsets into palette numbers and loads the wanted frames' own tables.
-bool NumberPalettes(PayloadReader& payload, std::uint32_t paletteOffset, DecodedImage& image,
-                    std::uint32_t framesWanted) {
+// Turns the records' palette offsets into palette numbers and loads the frames' own tables where they are
+// kept.
+bool NumberPalettes(PayloadReader& payload, std::uint32_t paletteOffset, DecodedImage& image, Keep keep) {
     for (std::uint32_t i = 0; i < image.frames.size(); ++i) {
         FrameRecord& frame = image.frames[i];
         if (paletteOffset == 0) {
@@ -72,50 +57,27 @@ bool NumberPalettes(PayloadReader& payload, std::uint32_t paletteOffset, Decoded
             frame.paletteNumber = 1;
         } else {
             const std::uint32_t own = frame.paletteNumber;
-            if (i < framesWanted ? !ReadPalette(payload, own, image)
-                                 : !payload.Contains(payload.TablePosition(own), sizeof(Palette)))
+            if (keep == Keep::Everything ? !ReadPalette(payload, own, image)
+                                         : !payload.Contains(payload.TablePosition(own), sizeof(Palette)))
                 return false;
-            // One less than its position: not the number of the table just loaded, and meant so.
+            // One less than its position: intentionally not the number of the table just loaded.
             frame.paletteNumber = i - 1;
         }
     }
     return true;
 }
 
-bool ReadPixels(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted) {
-    const PixelMode mode = ModeOf(image.header.flags);
-    if (mode == PixelMode::Monochrome)
-        ElementAt(image.frames, 0);
-    image.framePixels.reserve(std::min<std::size_t>(framesWanted, image.frames.size()));
-    for (std::uint32_t i = 0; i < image.frames.size(); ++i) {
-        const FrameRecord& frame = image.frames[i];
-        const std::int64_t position = payload.PixelPosition(frame.frameDataOffset);
-        const std::uint64_t count = PixelByteCount(mode, frame.width, frame.height);
-        if (!payload.Contains(position, count))
-            return false;
-        if (i >= framesWanted)
-            continue;
-        ByteBuffer pixels;
-        pixels.resize(count);
-        if (!payload.Read(position, pixels.data(), count))
-            return false;
-        image.framePixels.push_back(mode == PixelMode::Monochrome
-                                        ? toPageOrder(pixels, frame.width, frame.height)
-                                        : std::move(pixels));
-    }
-    return true;
-}
-
-bool DecodeFrames(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted) {
+bool DecodeFacts(PayloadReader& payload, DecodedImage& image, Keep keep) {
     if (!payload.Read(0, &image.header, sizeof image.header))
         return false;
     if (image.header.pixelOffset == 0) {
-        MakeBlankDefault(image, framesWanted);
+        MakeBlankDefault(image);
         return true;
     }
 
+    const PixelMode mode = ModeOf(image.header.flags);
     std::uint32_t paletteOffset = 0;
-    if (ModeOf(image.header.flags) == PixelMode::Indexed) {
+    if (mode == PixelMode::Indexed) {
         paletteOffset = image.header.paletteOffset;
         if (!ReadPalette(payload, paletteOffset, image))
             return false;
@@ -123,23 +85,47 @@ bool DecodeFrames(PayloadReader& payload, DecodedImage& image, std::uint32_t fra
     }
 
     if (image.header.flags & frameTableFlag) {
-        if (!ReadFrameTable(payload, image) || !NumberPalettes(payload, paletteOffset, image, framesWanted))
+        if (!ReadFrameTable(payload, image) || !NumberPalettes(payload, paletteOffset, image, keep))
             return false;
     } else {
         MakeSingleFrame(image, paletteOffset != 0);
     }
-    return ReadPixels(payload, image, framesWanted);
+
+    if (mode == PixelMode::Monochrome)
+        ElementAt(image.frames, 0);
+    for (const FrameRecord& frame : image.frames) {
+        if (!payload.Contains(payload.PixelPosition(frame.frameDataOffset),
+                              PixelByteCount(mode, frame.width, frame.height)))
+            return false;
+    }
+    return true;
+}
+
+bool KeepPixels(PayloadReader& payload, DecodedImage& image) {
+    image.framePixels.reserve(image.frames.size());
+    for (const FrameRecord& frame : image.frames) {
+        FileFramePixels pixels(payload, image.header, frame);
+        const std::uint32_t piece = DecodedRowBytes(ModeOf(image.header.flags), frame.width);
+        ByteBuffer& kept = image.framePixels.emplace_back();
+        kept.reserve(pixels.Size());
+        while (kept.size() < pixels.Size()) {
+            const std::uint8_t* const bytes = pixels.Next(piece);
+            if (!bytes)
+                return false;
+            kept.insert(kept.end(), bytes, bytes + piece);
+        }
+    }
+    return true;
 }
 
 } // namespace
 
-bool decode(PayloadReader& payload, DecodedImage& image, std::uint32_t framesWanted,
-            const PixelTaker& takePixels) {
-    if (!DecodeFrames(payload, image, framesWanted))
+bool decode(PayloadReader& payload, DecodedImage& image, Keep keep, const PixelTaker& takePixels) {
+    if (!DecodeFacts(payload, image, keep) || (keep == Keep::Everything && !KeepPixels(payload, image)))
         return false;
     if (takePixels) {
-        FileFramePixels pixels(payload, image, 0);
-        if (!takePixels(pixels))
+        FileFramePixels pixels(payload, image.header, ElementAt(image.frames, 0));
+        if (!takePixels(image, pixels))
             return false;
     }
     return payload.ReadRest();

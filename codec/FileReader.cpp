@@ -17,30 +17,26 @@ bool IsValid(const FileHeader& header, std::uint8_t expectedKind, std::uint64_t 
 
 } // namespace
 
-bool readFile(FileWindow& file, std::uint8_t expectedKind, FileHeader& header,
-              std::optional<PayloadReader>& payload) {
+bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
+              std::optional<PayloadReader>& payload, std::uint32_t windowSize) {
     header = {};
     payload.reset();
 
-    if (file.FileSize() == 0)
+    const std::uint64_t fileSize = source.Size();
+    FileHeader read;
+    if (fileSize == 0 || !source.ReadAt(0, &read, sizeof read))
         return false;
-    const std::uint8_t* const head = file.View(0, sizeof header);
-    if (!head)
-        return false;
-    std::memcpy(&header, head, sizeof header);
-    if (!IsValid(header, expectedKind, file.FileSize()))
-        return false;
-
-    // A signed position on purpose: a payload that ends at 2 GiB or beyond fails here.
-    const auto trailerOffset = static_cast<std::int32_t>(header.dataOffset + header.dataSize);
-    char trailer[sizeof zmiTrailer];
-    if (!file.Read(trailerOffset, trailer, sizeof trailer) ||
-        std::memcmp(trailer, zmiTrailer, sizeof trailer) != 0)
+    header = read;
+    if (!IsValid(header, expectedKind, fileSize))
         return false;
 
     // Values, for packed fields bind to no reference.
-    payload.emplace(PayloadReader(file, header.dataOffset, header.dataSize));
-    return true;
+    payload.emplace(source, std::uint32_t{header.dataOffset}, std::uint32_t{header.dataSize}, windowSize);
+    char trailer[sizeof zmiTrailer];
+    if (payload->ReadTrailer(trailer) && std::memcmp(trailer, zmiTrailer, sizeof trailer) == 0)
+        return true;
+    payload.reset();
+    return false;
 }
 
 } // namespace vantrel

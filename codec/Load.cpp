@@ -1,29 +1,20 @@
 #include "codec/Load.h"
 
-#include "codec/FileReader.h"
 #include "codec/FileSource.h"
+#include "codec/LoadFrom.h"
 #include "codec/StreamSource.h"
 
 namespace vantrel {
 
-namespace {
-
-bool LoadFrom(ByteSource&& source, DecodedImage& image, std::uint32_t framesWanted,
-              const PixelTaker& takePixels) {
-    FileWindow file(source);
-    FileHeader header;
-    std::optional<PayloadReader> payload;
-    return readFile(file, zmiPictureKind, header, payload) &&
-           decode(*payload, image, framesWanted, takePixels);
-}
-
-} // namespace
-
-bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted,
-          const PixelTaker& takePixels) {
-    if (stream)
-        return LoadFrom(StreamSource(*stream), image, framesWanted, takePixels);
-    return path && LoadFrom(FileSource(path), image, framesWanted, takePixels);
+bool load(const wchar_t* path, IStream* stream, DecodedImage& image, const PixelTaker& takePixels) {
+    if (stream) {
+        StreamSource source(*stream);
+        return LoadFrom(source, image, Keep::Facts, takePixels);
+    }
+    if (!path)
+        return false;
+    FileSource source(path);
+    return LoadFrom(source, image, Keep::Facts, takePixels);
 }
 
 } // namespace vantrel

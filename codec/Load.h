@@ -1,4 +1,4 @@
-// Reading and decoding of a ZMI picture in one operation.
+// Loading of a ZMI picture from what the Shell hands over.
 #pragma once
 
 #include "codec/Decoder.h"
@@ -10,10 +10,8 @@
 namespace vantrel {
 
 // Reads the stream when there is one, else the file at the path; with neither, false. `image` comes in empty
-// and holds the picture on true; see decode for framesWanted and takePixels. A stream's position is moved,
-// its reference count is not; a file is closed before the call returns. Throws std::bad_alloc, and what
-// decode throws.
-bool load(const wchar_t* path, IStream* stream, DecodedImage& image, std::uint32_t framesWanted = allFrames,
-          const PixelTaker& takePixels = {});
+// and holds the facts on true; see decode for takePixels. A stream's position is moved, its reference count
+// is not; a file is closed before the call returns. Throws std::bad_alloc, and what decode throws.
+bool load(const wchar_t* path, IStream* stream, DecodedImage& image, const PixelTaker& takePixels = {});
 
 } // namespace vantrel

@@ -1,20 +1,27 @@
 // Bounds-checked access to a file's payload, which never stands in memory as a whole.
 #pragma once
 
-#include "codec/FileWindow.h"
+#include "codec/ByteBuffer.h"
+#include "codec/ByteSource.h"
+#include "codec/ZmiFormat.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace vantrel {
 
-// Gives out the ranges that the decoder wants and, at the end, reads everything that nobody wanted, so that a
-// byte that cannot be read still fails the load. Every operation fails when a range is not wholly in the
-// payload or cannot be read.
+// Gives out the ranges that the decoder wants, through one small window that reads ahead, and at the end
+// reads everything that nobody wanted, so that a byte that cannot be read still fails the load. Nothing but
+// payload and trailer is read. Positions count from the payload's first byte. Every operation fails when a
+// range is not wholly in the payload or cannot be read.
 class PayloadReader {
 public:
-    // The payload is the dataSize bytes at file offset dataOffset; the window outlives the reader.
-    PayloadReader(FileWindow& file, std::uint32_t dataOffset, std::uint32_t dataSize)
-        : file_(file), dataOffset_(dataOffset), dataSize_(dataSize) {}
+    static constexpr std::uint32_t standardWindow = 64 * 1024;
+
+    // The payload is the dataSize bytes at file offset dataOffset; the source outlives the reader. A window
+    // grows only where more bytes are viewed at once.
+    PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::uint32_t dataSize,
+                  std::uint32_t windowSize = standardWindow);
 
     // Where a file offset lies in the payload: the 32-bit difference to dataOffset, unsigned for tables,
     // signed for pixel data. May point outside; Contains tells.
@@ -23,16 +30,36 @@ public:
 
     bool Contains(std::int64_t position, std::uint64_t count) const;
 
+    // Copies bytes, without reading ahead: the window stays where it is.
     bool Read(std::int64_t position, void* buffer, std::uint64_t count);
-    // The bytes in the file's window, where they stay until the next View; null on failure.
+    // The bytes in the window, at least one, where they stay until the next View; null on failure.
     const std::uint8_t* View(std::int64_t position, std::uint64_t count);
     // Reads every byte that has not been read yet.
     bool ReadRest();
 
+    // The four bytes where the trailer ought to be.
+    bool ReadTrailer(char (&trailer)[sizeof zmiTrailer]);
+
 private:
-    FileWindow& file_;
+    struct Range {
+        std::uint64_t begin;
+        std::uint64_t end;
+    };
+
+    std::uint64_t HeldFrom(std::uint64_t position) const;
+    bool MoveTo(std::uint64_t position, std::uint64_t count);
+    bool Copy(std::uint64_t position, void* buffer, std::uint64_t count);
+    bool ReadSource(std::uint64_t position, void* buffer, std::uint64_t count);
+    bool ReadGap(std::uint64_t begin, std::uint64_t end);
+
+    ByteSource& source_;
     std::uint32_t dataOffset_;
     std::uint32_t dataSize_;
+    std::uint32_t windowSize_;
+    std::int32_t trailerOffset_;
+    ByteBuffer bytes_;
+    Range held_{}; // where in the payload the leading bytes of the buffer come from
+    std::vector<Range> read_;
 };
 
 } // namespace vantrel

@@ -1,23 +1,10 @@
 #include "codec/PixelConversion.h"
 
+#include "codec/Sse2.h"
+
 #include <cstring>
 
-#include <emmintrin.h>
-
 namespace vantrel {
-
-namespace {
-
-// SSE2, which every x64 processor has: of plain loops GCC makes a quarter to a half more instructions.
-__m128i Load(const std::uint8_t* bytes) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
-
-void Store(std::uint32_t* words, __m128i vector) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(words), vector);
-}
-
-} // namespace
 
 void ExpandPalette(const Palette& palette, std::uint32_t* words) {
     for (std::size_t i = 0; i < 256; ++i)
@@ -26,9 +13,10 @@ void ExpandPalette(const Palette& palette, std::uint32_t* words) {
 
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width) {
     const auto mask = static_cast<std::uint8_t>(1u << bit);
+    std::size_t x = 0;
+#ifdef VANTREL_SSE2 // of plain loops GCC makes a quarter to a half more instructions
     const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
     const __m128i zero = _mm_setzero_si128();
-    std::size_t x = 0;
     for (; x + 16 <= width; x += 16) {
         const __m128i bits = _mm_and_si128(Load(page + x), masks);
         const __m128i white = _mm_cmpeq_epi8(bits, zero);
@@ -42,6 +30,7 @@ void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t*
         Store(words + x + 8, _mm_unpacklo_epi16(blueGreen8, red8));
         Store(words + x + 12, _mm_unpackhi_epi16(blueGreen8, red8));
     }
+#endif
     for (; x < width; ++x)
         words[x] = (page[x] & mask) != 0 ? 0x00000000u : 0x00FFFFFFu;
 }
@@ -60,13 +49,14 @@ void ConvertIndexedRow(const std::uint8_t* indices, const std::uint32_t* palette
 }
 
 void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::size_t width) {
+    std::size_t x = 0;
+#ifdef VANTREL_SSE2
     // Words are made in halves of 16 bits; fields at their largest get the bits below them, too.
     const __m128i fullGreenBlue = _mm_set1_epi16(static_cast<short>(0xFCF8));
     const __m128i restGreenBlue = _mm_set1_epi16(0x0307);
     const __m128i greens = _mm_set1_epi16(static_cast<short>(0xFC00));
     const __m128i fullRed = _mm_set1_epi16(0x00F8);
     const __m128i restRed = _mm_set1_epi16(0x0007);
-    std::size_t x = 0;
     for (; x + 8 <= width; x += 8) {
         const __m128i colours = Load(pixels + 2 * x);
         __m128i greenBlue = _mm_or_si128(_mm_and_si128(_mm_slli_epi16(colours, 5), greens),
@@ -78,6 +68,7 @@ void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::siz
         Store(words + x, _mm_unpacklo_epi16(greenBlue, red));
         Store(words + x + 4, _mm_unpackhi_epi16(greenBlue, red));
     }
+#endif
     for (; x < width; ++x) {
         std::uint16_t colour;
         std::memcpy(&colour, pixels + 2 * x, sizeof colour);

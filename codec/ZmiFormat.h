@@ -118,17 +118,37 @@ constexpr PixelMode ModeOf(std::uint8_t flags) {
     return static_cast<PixelMode>(flags >> 3 & 3);
 }
 
-// Bytes that a frame's pixels take in a file of the given mode.
-constexpr std::uint64_t PixelByteCount(PixelMode mode, std::uint16_t width, std::uint16_t height) {
-    const std::uint64_t rows = height;
+// Bytes that a row of pixels takes in a file of the given mode.
+constexpr std::uint32_t RowBytes(PixelMode mode, std::uint16_t width) {
     switch (mode) {
     case PixelMode::Monochrome:
-        return rows * ((width + 7u) / 8u);
+        return (width + 7u) / 8u;
     case PixelMode::Rgb565:
-        return rows * width * 2;
+        return width * 2u;
     default:
-        return rows * width;
+        return width;
     }
+}
+
+// The same for all rows of a frame.
+constexpr std::uint64_t PixelByteCount(PixelMode mode, std::uint16_t width, std::uint16_t height) {
+    return std::uint64_t{height} * RowBytes(mode, width);
+}
+
+// The one frame of a file without a frame table, as a record; blank without a picture in the file.
+constexpr FrameRecord SingleFrame(const ImageHeader& header) {
+    FrameRecord frame{};
+    if (header.pixelOffset == 0) {
+        frame.width = blankDefaultWidth;
+        frame.height = blankDefaultHeight;
+        return frame;
+    }
+    frame.frameDataOffset = header.pixelOffset;
+    frame.transparentKey = header.transparentKey;
+    frame.flags = header.flags;
+    frame.width = header.width;
+    frame.height = header.height;
+    return frame;
 }
 
 } // namespace vantrel

@@ -1,7 +1,8 @@
 #include "fuzzing/CheckInput.h"
 
-#include "render/PaintFrame.h"
-#include "tests/codec/LoadFrom.h"
+#include "codec/FrameConverter.h"
+#include "codec/FrameReader.h"
+#include "tests/builder/MemorySource.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -83,7 +84,7 @@ void CheckHeader(const FileFacts& facts, const DecodedImage& image) {
             "the frame table's head is carried over");
 }
 
-void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, std::uint32_t wanted) {
+void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, Keep keep) {
     const std::uint32_t first = facts.Header(image_header::paletteOffset);
     const bool hasPalettes = !facts.blank && facts.mode == 1;
     std::vector<std::uint32_t> tables;
@@ -103,7 +104,7 @@ void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, 
         std::uint32_t number = hasPalettes ? 1 : 0;
         if (hasPalettes && i > 0 && facts.Record(i, frame_record::paletteOffset) != first) {
             number = static_cast<std::uint32_t>(i - 1);
-            if (i < wanted)
+            if (keep == Keep::Everything)
                 tables.push_back(facts.Record(i, frame_record::paletteOffset));
         }
         SetField(expected, 0, frame_record::paletteOffset, number);
@@ -111,15 +112,15 @@ void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, 
                 "a frame record is carried over but for its palette's number");
     }
     Require(image.palettes.size() == tables.size(),
-            "the palettes of the wanted frames are there and no others");
+            "the palettes that are to be kept are there and no others");
     for (std::size_t i = 0; i < tables.size(); ++i)
         Require(SameBytes(image.palettes[i].colours, facts.file, tables[i], sizeof(Palette)),
                 "a palette is a copy");
 }
 
-void CheckPixels(const FileFacts& facts, const DecodedImage& image, std::uint32_t wanted) {
-    Require(image.framePixels.size() == std::min<std::size_t>(wanted, facts.frameCount),
-            "pixels of the wanted frames and no others");
+void CheckPixels(const FileFacts& facts, const DecodedImage& image, Keep keep) {
+    Require(image.framePixels.size() == (keep == Keep::Everything ? facts.frameCount : 0),
+            "all frames' pixels are kept or none");
     for (std::size_t i = 0; i < image.framePixels.size(); ++i) {
         const ByteBuffer& pixels = image.framePixels[i];
         if (facts.blank) {
@@ -145,136 +146,199 @@ void CheckPixels(const FileFacts& facts, const DecodedImage& image, std::uint32_
     }
 }
 
-std::uint32_t Rgb(unsigned colour) {
-    const unsigned red = colour / 2048, green = colour / 32 % 64, blue = colour % 32;
-    return (red == 31 ? 255 : red * 8) * 65536 + (green == 63 ? 255 : green * 4) * 256 +
-           (blue == 31 ? 255 : blue * 8);
-}
+// Pixels that stand in memory.
+class HeldFramePixels final : public FramePixels {
+public:
+    explicit HeldFramePixels(const ByteBuffer& bytes) : bytes_(bytes) {}
 
-enum class Painting { Done, Refused, Threw };
+    std::uint64_t Size() const override { return bytes_.size(); }
+    const std::uint8_t* Next(std::uint32_t count) override {
+        Require(count <= bytes_.size() - position_, "no more pixels are asked for than there are");
+        position_ += count;
+        return bytes_.data() + position_ - count;
+    }
 
-Painting Paint(const DecodedImage& image, std::size_t i, FramePixels& pixels, BitmapSurface& surface) {
+private:
+    const ByteBuffer& bytes_;
+    std::size_t position_ = 0;
+};
+
+enum class Conversion { Done, Refused, Threw };
+
+// Bottom-up as on a surface, or not at all when the picture is larger than that.
+Conversion Convert(const DecodedImage& image, std::size_t i, FramePixels& pixels, std::size_t mostPixels,
+                   std::vector<std::uint32_t>& words) {
     try {
-        return PaintFrame(image, i, pixels, surface) ? Painting::Done : Painting::Refused;
+        FrameConverter converter(image, i, pixels);
+        const std::ptrdiff_t width = converter.Width(), height = converter.Height();
+        words.assign(static_cast<std::size_t>(width * height) <= mostPixels
+                         ? static_cast<std::size_t>(width * height)
+                         : 0,
+                     0xDEADBEEF);
+        if (!converter.CanConvert() || (words.empty() && width * height > 0))
+            return Conversion::Refused;
+        return words.empty() || converter.Convert(words.data() + width * (height - 1), -width)
+                   ? Conversion::Done
+                   : Conversion::Refused;
     } catch (const std::out_of_range&) {
-        return Painting::Threw;
+        return Conversion::Threw;
     }
 }
 
-// What painting makes of each frame that is there and of the first that is not.
-void CheckPainting(const DecodedImage& image) {
+// What conversion makes of each frame that is there and of the first that is not; gives out the first
+// frame's.
+Conversion CheckConversion(const DecodedImage& image, std::size_t mostPixels,
+                           std::vector<std::uint32_t>& first) {
     const ByteBuffer none;
-    for (std::size_t i = 0; i <= image.framePixels.size(); ++i) {
-        const ByteBuffer& bytes = i < image.framePixels.size() ? image.framePixels[i] : none;
+    Conversion firstMet = Conversion::Threw;
+    for (std::size_t i = 0; i <= image.frames.size(); ++i) {
+        const ByteBuffer& bytes = i < image.frames.size() ? image.framePixels[i] : none;
         HeldFramePixels pixels(bytes);
-        BitmapSurface surface;
-        const Painting painting = Paint(image, i, pixels, surface);
+        std::vector<std::uint32_t> words;
+        const Conversion met = Convert(image, i, pixels, mostPixels, words);
         if (i >= image.frames.size()) {
-            Require(painting == Painting::Threw, "a frame that is not there throws");
+            Require(met == Conversion::Threw, "a frame that is not there throws");
             continue;
         }
         const FrameRecord& frame = image.frames[i];
         const unsigned mode = frame.flags / 8 % 4;
         const std::size_t width = frame.width, height = frame.height;
-        if (mode == 3) {
-            Require(painting == Painting::Refused, "the reserved mode is refused");
-            continue;
-        }
         const std::size_t palette = frame.paletteNumber > 0 ? frame.paletteNumber - 1 : 0;
         const std::size_t needed = mode == 0   ? (height + 7) / 8 * width
                                    : mode == 1 ? width * height
                                                : 2 * width * height;
-        if ((frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size()) {
-            Require(painting == Painting::Threw, "a palette that is not there throws");
-            continue;
-        }
-        if (width * height > BitmapSurface::mostPixels) {
-            Require(painting == Painting::Refused, "no surface, no picture");
-            continue;
-        }
-        Require(painting == (bytes.size() < needed ? Painting::Threw : Painting::Done),
-                "too few pixels throw");
-        for (std::size_t y = 0; painting == Painting::Done && y < height; y += Step(width, height))
+        const Conversion expected =
+            mode == 3                                                                    ? Conversion::Refused
+            : (frame.paletteNumber > 0 || mode == 1) && palette >= image.palettes.size() ? Conversion::Threw
+            : width * height > mostPixels                                                ? Conversion::Refused
+            : width * height > 0 && bytes.size() < needed                                ? Conversion::Threw
+                                                                                         : Conversion::Done;
+        Require(met == expected, "a frame is converted, refused or throws as its record has it");
+        for (std::size_t y = 0; met == Conversion::Done && y < height; y += Step(width, height))
             for (std::size_t x = 0; x < width; ++x) {
                 const std::size_t at = y * width + x;
-                const std::uint32_t expected = mode == 0
-                                                   ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
-                                               : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
-                                                           : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
-                Require(surface.Bits()[(height - 1 - y) * width + x] == expected, "a pixel has its colour");
+                const std::uint32_t colour = mode == 0 ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
+                                             : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
+                                                         : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
+                Require(words[(height - 1 - y) * width + x] == colour, "a pixel has its colour");
             }
+        if (i == 0) {
+            firstMet = met;
+            first = std::move(words);
+        }
     }
+    return firstMet;
 }
 
-// Each byte of header, payload and trailer is read.
-void CheckReads(const FileFacts& facts, const std::vector<unsigned>& reads) {
+// Each byte of header, payload and trailer is read, and none between header and payload.
+void CheckReads(const FileFacts& facts, const Bytes& reads) {
     for (std::size_t i = 0; i < reads.size(); ++i)
-        Require(reads[i] > 0 || (i >= file_header::size && i < facts.payload), "what is to be read is read");
+        Require((reads[i] > 0) == (i < file_header::size || i >= facts.payload),
+                "what is to be read is read");
 }
 
-// Frame 0 painted while its file is read is frame 0 painted from memory; `image` holds that one's pixels.
-void CheckPaintingOnTheWay(const FileFacts& facts, const DecodedImage& image) {
+// Frame 0 converted while its file is read is frame 0 converted from memory.
+void CheckConversionOnTheWay(const FileFacts& facts, const DecodedImage& image, const Limits& limits) {
+    std::vector<std::uint32_t> expected, words;
+    const Conversion conversion = CheckConversion(image, limits.pixels, expected);
     if (image.frames.empty())
         return;
-    HeldFramePixels held(image.framePixels[0]);
-    BitmapSurface expected, surface;
-    const Painting painting = Paint(image, 0, held, expected);
-
+    Conversion met = Conversion::Refused;
+    const PixelTaker convert = [&](const DecodedImage& decoded, FramePixels& pixels) {
+        met = Convert(decoded, 0, pixels, limits.pixels, words);
+        return met == Conversion::Done;
+    };
     MemorySource source(facts.file);
     DecodedImage head;
-    Painting met = Painting::Refused;
-    const PixelTaker paint = [&](FramePixels& pixels) {
-        met = Paint(head, 0, pixels, surface);
-        return met == Painting::Done;
-    };
-    Require(LoadFrom(source, head, 0, paint) == (painting == Painting::Done) && met == painting,
-            "painting on the way changes no outcome");
-    if (painting != Painting::Done)
+    Require(LoadFrom(source, head, Keep::Facts, convert, limits.window) == (conversion == Conversion::Done) &&
+                met == conversion,
+            "converting on the way changes no outcome");
+    if (conversion != Conversion::Done)
         return;
     CheckReads(facts, source.Reads());
-    const std::size_t bytes = std::size_t{4} * image.frames[0].width * image.frames[0].height;
-    Require(bytes == 0 || std::memcmp(surface.Bits(), expected.Bits(), bytes) == 0,
-            "painting on the way changes no pixel");
+    Require(words == expected, "converting on the way changes no pixel");
 
     MemorySource failing(facts.file);
     failing.failingCall = 1 + facts.file.size() * 7 % source.Calls();
     head = {};
-    Require(!LoadFrom(failing, head, 0, paint), "a failing read fails the load, painting or not");
+    Require(!LoadFrom(failing, head, Keep::Facts, convert, limits.window), "a failing read fails the load");
+}
+
+// Frames taken one by one: with their own tables where they have some, and also out of a file that does not
+// load.
+void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
+    MemorySource source(file);
+    FrameReader reader(source);
+    bool loads = reader.Fault() == FileFault::None;
+    for (std::uint16_t i = 0; i < reader.FrameCount(); ++i) {
+        const auto frame = reader.Frame(i);
+        Require(frame.has_value(), "a record that is there can be read");
+        loads = loads && frame->fault != FrameFault::ColourTable && frame->fault != FrameFault::Pixels;
+        const std::size_t width = frame->record.width, height = frame->record.height;
+        if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
+            continue;
+        const FileFacts facts(file);
+        const unsigned mode = frame->record.flags / 8 % 4;
+        const std::size_t at = frame->record.frameDataOffset;
+        const std::size_t rowBytes = mode == 0 ? (width + 7) / 8 : width * mode;
+        const std::size_t palette =
+            i == 0 ? facts.Header(image_header::paletteOffset) : std::size_t{frame->record.paletteNumber};
+        std::size_t y = 0;
+        const auto takeRow = [&](const std::uint32_t* words) {
+            // One-bit pixels of a file of another mode have a meaning, but no use.
+            for (std::size_t x = 0; x < width && (mode != 0 || facts.mode == 0); ++x) {
+                const std::size_t pixel = at + y * rowBytes;
+                const std::uint32_t raw = facts.blank ? 0
+                                          : mode == 0 ? file[pixel + x / 8] >> (7 - x % 8) & 1
+                                                      : GetField(file, pixel + x * mode, {0, mode});
+                const std::uint32_t colour = mode == 0   ? raw == 0 ? 0xFFFFFF : 0
+                                             : mode == 1 ? Rgb(GetField(file, palette + 2 * raw, {0, 2}))
+                                                         : Rgb(raw);
+                const bool transparent =
+                    mode != 0 && frame->record.flags & 0x20 && raw == frame->record.transparentKey;
+                Require(words[x] == (transparent ? colour : 0xFF000000 | colour),
+                        "a frame's pixel has its own colour, and is transparent if it is the key's");
+            }
+            ++y;
+        };
+        Require(reader.Convert(*frame, takeRow) && y == height, "a frame without a fault has all its rows");
+    }
+    if (reader.Fault() != FileFault::NoFrame)
+        Require(loads == (verdict == Verdict::Loads), "frames have no fault where their file loads");
 }
 
 } // namespace
 
-void CheckInput(const Bytes& file) {
+void CheckInput(const Bytes& file, const Limits& limits) {
     const Verdict verdict = Judge(file);
-    const bool affordable = verdict != Verdict::Loads || FileFacts(file).AllPixelBytes() < 0x4000000;
-    const std::uint32_t choices[] = {0, static_cast<std::uint32_t>(1 + file.size() % 3),
-                                     affordable ? allFrames : 1};
-    for (const std::uint32_t wanted : choices) {
+    CheckFrames(file, verdict, limits);
+    for (const Keep keep : {Keep::Facts, Keep::Everything}) {
+        if (keep == Keep::Everything && verdict == Verdict::Loads &&
+            FileFacts(file).AllPixelBytes() > limits.pixelBytes)
+            break;
         MemorySource source(file);
         DecodedImage image;
         Verdict met = Verdict::Throws;
         try {
-            met = LoadFrom(source, image, wanted) ? Verdict::Loads : Verdict::Fails;
+            met = LoadFrom(source, image, keep, {}, limits.window) ? Verdict::Loads : Verdict::Fails;
         } catch (const std::out_of_range&) {
         }
         Require(met == verdict,
-                "whether a file loads does not depend on who judges it or what is wanted of it");
+                "whether a file loads does not depend on who judges it or what is kept of it");
 
         MemorySource failing(file);
         failing.failingCall = 1 + file.size() % source.Calls();
-        Require(VerdictOf(std::move(failing), wanted) != Verdict::Loads, "a failing read fails the load");
+        Require(VerdictOf(failing, keep, limits.window) != Verdict::Loads, "a failing read fails the load");
         if (met != Verdict::Loads)
             continue;
 
         const FileFacts facts(file);
         CheckReads(facts, source.Reads());
         CheckHeader(facts, image);
-        CheckRecordsAndPalettes(facts, image, wanted);
-        CheckPixels(facts, image, wanted);
-        if (wanted == choices[2]) {
-            CheckPainting(image);
-            CheckPaintingOnTheWay(facts, image);
-        }
+        CheckRecordsAndPalettes(facts, image, keep);
+        CheckPixels(facts, image, keep);
+        if (keep == Keep::Everything)
+            CheckConversionOnTheWay(facts, image, limits);
     }
 }
 

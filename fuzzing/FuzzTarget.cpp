@@ -10,7 +10,7 @@ using namespace vantrel::tests;
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    CheckInput(Bytes(data, data + size));
+    CheckInput(Bytes(data, data + size), VANTREL_FUZZ_LIMITS);
     return 0;
 }
 

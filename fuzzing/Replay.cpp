@@ -22,6 +22,11 @@ Bytes Seed(std::uint32_t number) {
     return ZmiMutator(number).MakeFile().Build();
 }
 
+void Check(const Bytes& file) {
+    CheckInput(file, largeInputs);
+    CheckInput(file, smallInputs);
+}
+
 void WriteSeeds(const fs::path& folder) {
     fs::create_directories(folder);
     for (std::uint32_t i = 0; i < seedCount; ++i) {
@@ -35,20 +40,20 @@ void ReplayFile(const fs::path& path) {
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
     std::ifstream input(path, std::ios::binary);
-    CheckInput(Bytes(std::istreambuf_iterator<char>(input), {}));
+    Check(Bytes(std::istreambuf_iterator<char>(input), {}));
 }
 
 void ReplayMutations() {
     for (std::uint32_t i = 0; i < seedCount; ++i) {
         ZmiMutator mutator(i);
         const Bytes seed = Seed(i);
-        CheckInput(seed);
+        Check(seed);
         Bytes file = seed;
         for (unsigned generation = 0; generation < generations; ++generation) {
             if (generation % 6 == 0)
                 file = seed;
             mutator.Mutate(file);
-            CheckInput(file);
+            Check(file);
         }
     }
     std::printf("%u mutations\n", seedCount * generations);

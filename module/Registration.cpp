@@ -117,10 +117,11 @@ void TellShell() {
 } // namespace
 
 HRESULT RegisterModule() {
-    // A longer path arrives cut, as the system cuts it.
     wchar_t modulePath[MAX_PATH];
     if (GetModuleFileNameW(g_moduleInstance, modulePath, MAX_PATH) == 0)
         return HRESULT_FROM_WIN32(GetLastError());
+    // A longer path is cut, by some versions of Windows without a terminator.
+    modulePath[MAX_PATH - 1] = L'\0';
 
     for (const RegistrationStep& step : registrationTable) {
         HRESULT result = step.classId ? WriteClass(step, modulePath) : S_OK;

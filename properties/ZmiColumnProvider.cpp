@@ -18,7 +18,7 @@ bool IsZmiExtension(const wchar_t* extension) {
 }
 
 bool IsServed(const SHCOLUMNID& column, const SHCOLUMNDATA& item) {
-    return IsEqualPropertyKey(column, dimensionsKey) &&
+    return IsEqualPropertyKey(column, PKEY_Image_Dimensions) &&
            (item.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_OFFLINE)) == 0 &&
            item.pwszExt && IsZmiExtension(item.pwszExt);
 }
@@ -34,8 +34,8 @@ HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) noexce
         return S_FALSE;
     if (!info)
         return E_POINTER;
-    info->scid = dimensionsKey;
-    // Deliberate: hosts expect this declaration, although the values come as VT_BSTR.
+    info->scid = PKEY_Image_Dimensions;
+    // Deliberate: the column is declared as VT_LPSTR although its values come as VT_BSTR.
     info->vt = VT_LPSTR;
     info->fmt = LVCFMT_LEFT;
     info->cChars = 32;

@@ -10,7 +10,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr PROPERTYKEY servedKeys[] = {titleKey, dimensionsKey, bitDepthKey};
+constexpr PROPERTYKEY servedKeys[] = {PKEY_Title, PKEY_Image_Dimensions, PKEY_Image_BitDepth};
 
 } // namespace
 
@@ -22,11 +22,12 @@ HRESULT ZmiPropertyStore::GetCount(DWORD* count) noexcept {
 }
 
 HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) noexcept {
+    // Deliberate: beyond the last key the call succeeds, too, and leaves the caller's key alone.
+    if (index >= std::size(servedKeys))
+        return S_OK;
     if (!key)
         return E_POINTER;
-    // Deliberate: beyond the last key the call succeeds, too, and leaves the caller's key alone.
-    if (index < std::size(servedKeys))
-        *key = servedKeys[index];
+    *key = servedKeys[index];
     return S_OK;
 }
 
@@ -46,11 +47,11 @@ HRESULT ZmiPropertyStore::ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) cons
         return S_FALSE;
 
     VariantHolder holder;
-    if (IsEqualPropertyKey(key, titleKey))
+    if (IsEqualPropertyKey(key, PKEY_Title))
         holder.AssignText(title.Buffer());
-    else if (IsEqualPropertyKey(key, dimensionsKey))
+    else if (IsEqualPropertyKey(key, PKEY_Image_Dimensions))
         AssignDimensions(holder, dimensions);
-    else if (IsEqualPropertyKey(key, bitDepthKey))
+    else if (IsEqualPropertyKey(key, PKEY_Image_BitDepth))
         holder.AssignInteger(static_cast<std::int32_t>(bitsPerPixel));
     else
         return E_UNEXPECTED;

@@ -1,6 +1,7 @@
 // The painting of one decoded frame at its natural size.
 #pragma once
 
+#include "codec/DecodedImage.h"
 #include "codec/FramePixels.h"
 #include "support/BitmapSurface.h"
 

@@ -132,8 +132,10 @@ bool RenderImage(const RenderImageArguments& arguments) {
     BitmapSurface source;
     PixelTaker paint;
     if (!factsOnly)
-        paint = [&](FramePixels& pixels) { return PaintFrame(image, 0, pixels, source); };
-    if (!load(arguments.path, arguments.stream, image, 0, paint))
+        paint = [&](const DecodedImage& decoded, FramePixels& pixels) {
+            return PaintFrame(decoded, 0, pixels, source);
+        };
+    if (!load(arguments.path, arguments.stream, image, paint))
         return false;
     StoreFacts(image, arguments);
     return (!arguments.largeIcon || MakeIcon(source, arguments.largeSize, *arguments.largeIcon)) &&

@@ -21,26 +21,51 @@ constexpr OpenMode openModes[] = {
     {GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING},
 };
 
+constexpr std::uint64_t Join(DWORD high, DWORD low) {
+    return std::uint64_t{high} << 32 | low;
+}
+
+std::uint64_t SizeOf(HANDLE file) {
+    DWORD high = 0;
+    const DWORD low = GetFileSize(file, &high);
+    // A size whose low half is all ones counts as a failure, without a look at GetLastError.
+    return low == INVALID_FILE_SIZE ? 0 : Join(high, low);
+}
+
+// Null when it can't be opened.
+UniqueKernelHandle Open(const wchar_t* name, DWORD access, DWORD shareMode, DWORD disposition,
+                        DWORD flagsAndAttributes) {
+    const HANDLE handle =
+        CreateFileW(name, access, shareMode, nullptr, disposition, flagsAndAttributes, nullptr);
+    return UniqueKernelHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
 } // namespace
+
+std::uint64_t FileObject::fileSizeByName(const wchar_t* name) {
+    if (const UniqueKernelHandle file =
+            Open(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL))
+        return SizeOf(file.get());
+    if (GetLastError() != ERROR_ACCESS_DENIED)
+        return 0;
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(name, &found);
+    if (search == INVALID_HANDLE_VALUE)
+        return 0;
+    const UniqueSearch owner(search);
+    return Join(found.nFileSizeHigh, found.nFileSizeLow);
+}
 
 bool FileObject::open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode) {
     close();
     if (mode >= std::size(openModes))
         return false;
-    const HANDLE handle = CreateFileW(name, openModes[mode].access, shareMode, nullptr,
-                                      openModes[mode].disposition, flagsAndAttributes, nullptr);
-    if (handle != INVALID_HANDLE_VALUE)
-        handle_.reset(handle);
+    handle_ = Open(name, openModes[mode].access, shareMode, openModes[mode].disposition, flagsAndAttributes);
     return handle_ != nullptr;
 }
 
 std::uint64_t FileObject::size() const {
-    if (!handle_)
-        return 0;
-    DWORD high = 0;
-    const DWORD low = GetFileSize(handle_.get(), &high);
-    // A size whose low half is all ones counts as a failure, without a look at GetLastError.
-    return low == INVALID_FILE_SIZE ? 0 : std::uint64_t{high} << 32 | low;
+    return handle_ ? SizeOf(handle_.get()) : 0;
 }
 
 bool FileObject::read(std::uint32_t count, void* buffer) {

@@ -33,6 +33,14 @@ BOOL RegistryKey::DeleteValueByPath(HKEY root, const wchar_t* path) {
 }
 
 BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath) {
+    return DeleteKeyTree(root, keyPath, 0);
+}
+
+BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth) {
+    // The system nests no deeper: whoever gets there follows a link round and round.
+    constexpr unsigned mostLevels = 512;
+    if (depth > mostLevels)
+        return FALSE;
     {
         // Without the right to change the key's security the deletion is tried with the rights it has.
         SecurityApi api;
@@ -42,11 +50,13 @@ BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath) {
     if (RegCreateKeyW(root, keyPath, key.Put()) != ERROR_SUCCESS)
         return FALSE;
     wchar_t name[MAX_PATH];
+    wchar_t previous[MAX_PATH] = L"";
     DWORD length = std::size(name);
-    // Always the first subkey: each pass removes the one it found.
+    // Always the first subkey: each pass removes the one it found, unless that is a link.
     while (RegEnumKeyExW(key.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
-        if (!DeleteKeyTree(key.Get(), name))
+        if (std::wcscmp(name, previous) == 0 || !DeleteKeyTree(key.Get(), name, depth + 1))
             return FALSE;
+        std::wcscpy(previous, name);
         length = std::size(name);
     }
     key.Close();

@@ -25,10 +25,12 @@ public:
 
     // Deletes a key and everything below it, depth first, having granted everyone access to each key. A
     // missing key is created on the way, its missing parents too; they stay. FALSE at the first key that
-    // can't be deleted.
+    // can't be deleted, such as one that a link below it keeps.
     static BOOL DeleteKeyTree(HKEY root, const wchar_t* keyPath);
 
 private:
+    static BOOL DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth);
+
     HKEY key_ = nullptr;
 };
 

@@ -3,10 +3,10 @@
 namespace vantrel {
 
 HRESULT StreamInitialized::Initialize(IStream* stream, DWORD) noexcept {
-    if (!stream)
-        return E_POINTER;
     if (stream_)
         return E_UNEXPECTED;
+    if (!stream)
+        return E_POINTER;
     void* held = nullptr;
     const HRESULT result = stream->QueryInterface(IID_IStream, &held);
     if (SUCCEEDED(result))

@@ -11,14 +11,14 @@ static_assert(sizeof(VARIANT) == sizeof(PROPVARIANT));
 void VariantHolder::Clear() {
     const HRESULT result = VariantClear(&value_);
     if (FAILED(result))
-        throw _com_error(result);
+        _com_issue_error(result);
 }
 
 void VariantHolder::AssignText(const wchar_t* text) {
     Clear();
     const BSTR copy = text ? SysAllocString(text) : nullptr;
     if (text && !copy)
-        throw _com_error(E_OUTOFMEMORY);
+        _com_issue_error(E_OUTOFMEMORY);
     V_VT(&value_) = VT_BSTR;
     V_BSTR(&value_) = copy;
 }
@@ -45,8 +45,7 @@ void VariantHolder::DetachTo(VARIANT* destination) {
 }
 
 void VariantHolder::DetachTo(PROPVARIANT* destination) {
-    std::memcpy(destination, &value_, sizeof value_);
-    V_VT(&value_) = VT_EMPTY;
+    DetachTo(reinterpret_cast<VARIANT*>(destination));
 }
 
 } // namespace vantrel

@@ -1,10 +1,12 @@
-// A byte source in memory that counts what is read from it and can fail at a chosen call.
+// A byte source in memory that counts what is read from it and can fail at a chosen call, and the verdict of
+// loading from a source.
 #pragma once
 
-#include "codec/ByteSource.h"
-#include "tests/builder/ZmiBuilder.h"
+#include "codec/LoadFrom.h"
+#include "tests/builder/ZmiVerdict.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace vantrel::tests {
@@ -31,15 +33,26 @@ public:
     }
 
     std::size_t Calls() const { return calls_; }
-    // How often each byte has been read.
-    const std::vector<unsigned>& Reads() const { return reads_; }
+    // How often each byte has been read; wraps at 256.
+    const Bytes& Reads() const { return reads_; }
 
 private:
     bool Fails() { return ++calls_ == failingCall; }
 
     Bytes bytes_;
-    std::vector<unsigned> reads_;
+    Bytes reads_;
     std::size_t calls_ = 0;
 };
+
+template <class Source>
+Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
+                  std::uint32_t windowSize = PayloadReader::standardWindow) {
+    DecodedImage image;
+    try {
+        return LoadFrom(source, image, keep, {}, windowSize) ? Verdict::Loads : Verdict::Fails;
+    } catch (const std::out_of_range&) {
+        return Verdict::Throws;
+    }
+}
 
 } // namespace vantrel::tests

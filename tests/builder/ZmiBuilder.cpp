@@ -21,15 +21,6 @@ void Append(Bytes& bytes, const Colours& colours) {
     }
 }
 
-std::uint32_t Rgb(std::uint16_t colour) {
-    const auto channel = [colour](unsigned lowest, unsigned bits) -> std::uint32_t {
-        const unsigned most = (1u << bits) - 1;
-        const unsigned value = (colour >> lowest) & most;
-        return value == most ? 255 : value << (8 - bits);
-    };
-    return channel(11, 5) * 0x10000 + channel(5, 6) * 0x100 + channel(0, 5);
-}
-
 } // namespace
 
 std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field) {
@@ -55,6 +46,15 @@ Colours PatternColours(std::uint32_t seed) {
     for (std::size_t i = 0; i < colours.size(); ++i)
         colours[i] = static_cast<std::uint16_t>(PatternByte(seed, 2 * i) << 8 | PatternByte(seed, 2 * i + 1));
     return colours;
+}
+
+std::uint32_t Rgb(std::uint32_t colour565) {
+    const auto channel = [colour565](unsigned lowest, unsigned bits) -> std::uint32_t {
+        const unsigned most = (1u << bits) - 1;
+        const std::uint32_t value = (colour565 >> lowest) & most;
+        return value == most ? 255 : value << (8 - bits);
+    };
+    return channel(11, 5) * 0x10000 + channel(5, 6) * 0x100 + channel(0, 5);
 }
 
 std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height) {
@@ -154,8 +154,7 @@ std::uint32_t ZmiBuilder::ExpectedPixel(unsigned x, unsigned y, std::size_t fram
     case 1:
         return Rgb(palette[PixelByte(frame, index)]);
     default:
-        return Rgb(
-            static_cast<std::uint16_t>(PixelByte(frame, index * 2) | PixelByte(frame, index * 2 + 1) << 8));
+        return Rgb(PixelByte(frame, index * 2) + PixelByte(frame, index * 2 + 1) * 256u);
     }
 }
 

@@ -50,6 +50,9 @@ Colours PatternColours(std::uint32_t seed);
 // The bytes that a frame's pixels take in a file of that mode.
 std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height);
 
+// How a 5-6-5 colour is shown, 0x00RRGGBB.
+std::uint32_t Rgb(std::uint32_t colour565);
+
 struct ZmiFrame {
     std::uint16_t width = 0;
     std::uint16_t height = 0;

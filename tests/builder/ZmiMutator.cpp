@@ -28,7 +28,7 @@ ZmiBuilder ZmiMutator::MakeFile() {
     file.rest = Pick(40) == 0 ? 70000 : Pick(3);
     file.sharePixels = Pick(8) == 0;
     if (Pick(3) == 0)
-        file.transparentKey = Pick(0x10000);
+        file.transparentKey = Pick(Pick(2) == 0 ? 4 : 0x10000);
     for (std::uint32_t frames = Pick(5); frames > 0; --frames) {
         ZmiFrame frame{size(), size()};
         if (file.sharePixels && !file.frames.empty())

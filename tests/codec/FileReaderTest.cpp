@@ -1,6 +1,6 @@
 #include "codec/FileReader.h"
 
-#include "tests/codec/LoadFrom.h"
+#include "tests/builder/MemorySource.h"
 
 #include <gtest/gtest.h>
 
@@ -38,21 +38,25 @@ private:
 TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
     Bytes file = ZmiBuilder{.frames = {{5, 3}}, .gap = 5000}.Build();
     SetField(file, 0, file_header::kind, 2);
-    MemorySource other(file);
-    FileWindow otherWindow(other);
     FileHeader header;
     std::optional<PayloadReader> payload;
-    EXPECT_TRUE(readFile(otherWindow, 2, header, payload));
-    EXPECT_FALSE(readFile(otherWindow, 1, header, payload));
-    EXPECT_FALSE(payload.has_value());
-    EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
+    for (const auto& [kind, failingCall] : {std::pair{2, 0}, {1, 0}, {2, 3}}) {
+        MemorySource source(file);
+        source.failingCall = static_cast<std::size_t>(failingCall);
+        EXPECT_EQ(readFile(source, static_cast<std::uint8_t>(kind), header, payload),
+                  kind == 2 && failingCall == 0);
+        EXPECT_EQ(payload.has_value(), kind == 2 && failingCall == 0);
+        EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
+    }
 
-    MemorySource nothing({});
-    FileWindow emptyWindow(nothing);
-    EXPECT_FALSE(readFile(emptyWindow, 1, header, payload));
-    EXPECT_EQ(nothing.Calls(), 1u) << "read before its size is known";
+    // Nothing is read before the size is known, and of a header that is cut short nothing is handed out.
     const FileHeader zeros{};
-    EXPECT_EQ(std::memcmp(&header, &zeros, sizeof header), 0);
+    for (const auto& [size, calls] : {std::pair<std::size_t, std::size_t>{0, 1}, {111, 2}}) {
+        MemorySource source(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)));
+        EXPECT_FALSE(readFile(source, 2, header, payload));
+        EXPECT_EQ(source.Calls(), calls);
+        EXPECT_EQ(std::memcmp(&header, &zeros, sizeof header), 0);
+    }
 }
 
 TEST(FileReader, RefusesAnyWrongByte) {
@@ -80,9 +84,33 @@ TEST(FileReader, RefusesPayloadsThatAreElsewhere) {
     SetField(wrapping, 0, file_header::dataSize, static_cast<std::uint32_t>(wrapping.size() + 12));
     EXPECT_EQ(VerdictOf(MemorySource(wrapping)), Verdict::Fails);
 
-    EXPECT_EQ(VerdictOf(SparseSource(0x7FFFFFFF), 0), Verdict::Loads);
-    EXPECT_EQ(VerdictOf(SparseSource(0x80000000), 0), Verdict::Fails) << "ends at 2 GiB";
-    EXPECT_EQ(VerdictOf(SparseSource(0xFFFFFFF0), 0), Verdict::Fails);
+    EXPECT_EQ(VerdictOf(SparseSource(0x7FFFFFFF)), Verdict::Loads);
+    EXPECT_EQ(VerdictOf(SparseSource(0x80000000)), Verdict::Fails) << "ends at 2 GiB";
+    EXPECT_EQ(VerdictOf(SparseSource(0xFFFFFFF0)), Verdict::Fails);
+}
+
+// Its trailer is where the wrapped sum says.
+TEST(FileReader, ReadsPayloadsBeyondFourGiBAsFastAsOthers) {
+    class Wrapping final : public ByteSource {
+    public:
+        std::uint64_t Size() override { return 0x110000004; }
+        bool ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) override {
+            ++calls;
+            std::memset(buffer, 0, count);
+            if (offset == 0)
+                std::memcpy(buffer, head.data(), file_header::size);
+            if (offset == 0x10000000)
+                std::memcpy(buffer, "zpix", 4);
+            return offset == 0 || offset == 0x10000000 ||
+                   (offset >= 0xFF000000 && offset + count <= 0x110000000);
+        }
+        Bytes head = plain.Build();
+        unsigned calls = 0;
+    } source;
+    SetField(source.head, 0, file_header::dataOffset, 0xFF000000);
+    SetField(source.head, 0, file_header::dataSize, 0x11000000);
+    EXPECT_EQ(VerdictOf(source), Verdict::Loads);
+    EXPECT_LT(source.calls, 0x11000000u / PayloadReader::standardWindow + 5);
 }
 
 } // namespace vantrel::tests

@@ -1,19 +1,13 @@
 #include "codec/PixelConversion.h"
 
+#include "tests/builder/ZmiBuilder.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
 
 namespace vantrel::tests {
-
-namespace {
-
-std::uint32_t Channel(unsigned value, unsigned most, unsigned factor) {
-    return value == most ? 255 : value * factor;
-}
-
-} // namespace
 
 // Every colour, and rows of every length around a vector's.
 TEST(PixelConversion, ExpandsEveryColourAtEveryWidth) {
@@ -22,8 +16,7 @@ TEST(PixelConversion, ExpandsEveryColourAtEveryWidth) {
     for (unsigned colour = 0; colour < 0x10000; ++colour) {
         pixels.push_back(static_cast<std::uint8_t>(colour));
         pixels.push_back(static_cast<std::uint8_t>(colour >> 8));
-        expected.push_back(Channel(colour / 2048, 31, 8) * 65536 + Channel(colour / 32 % 64, 63, 4) * 256 +
-                           Channel(colour % 32, 31, 8));
+        expected.push_back(Rgb(colour));
     }
     for (std::size_t begin = 0, width = 0; begin + width <= expected.size(); begin += width, ++width) {
         std::vector<std::uint32_t> words(width + 1, 0xDEADBEEF);

@@ -1,7 +1,7 @@
 #include "render/RenderImage.h"
 
 #include "render/PaintFrame.h"
-#include "tests/codec/LoadFrom.h"
+#include "tests/builder/MemorySource.h"
 #include "tests/door/ScratchFile.h"
 #include "tests/door/TestStream.h"
 
@@ -23,17 +23,18 @@ TEST(PaintFrame, EqualsOneSetPixelPerPixel) {
             SCOPED_TRACE(testing::Message() << "mode " << mode << ", " << width << " x " << height);
             // Transparency is noted in a file and changes nothing.
             const ZmiBuilder made{
-                .mode = mode, .frames = {{4, 4}, {width, height}}, .transparentKey = PatternByte(101, 0)};
+                .mode = mode, .frames = {{width, height}, {4, 4}}, .transparentKey = PatternByte(100, 0)};
             MemorySource source(made.Build());
-            DecodedImage image;
-            ASSERT_TRUE(LoadFrom(source, image));
             BitmapSurface painted, reference;
-            HeldFramePixels pixels(image.framePixels[1]);
-            ASSERT_TRUE(PaintFrame(image, 1, pixels, painted));
+            DecodedImage image;
+            ASSERT_TRUE(
+                LoadFrom(source, image, Keep::Facts, [&](const DecodedImage& decoded, FramePixels& pixels) {
+                    return PaintFrame(decoded, 0, pixels, painted);
+                }));
             ASSERT_TRUE(reference.Create(width, height, BitmapKind::Dib));
             for (unsigned y = 0; y < height; ++y)
                 for (unsigned x = 0; x < width; ++x) {
-                    const std::uint32_t word = made.ExpectedPixel(x, y, 1);
+                    const std::uint32_t word = made.ExpectedPixel(x, y);
                     ASSERT_TRUE(reference.SetPixelAt(static_cast<int>(x), static_cast<int>(y),
                                                      RGB(word >> 16 & 255, word >> 8 & 255, word & 255)));
                 }

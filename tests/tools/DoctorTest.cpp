@@ -293,7 +293,7 @@ TEST_F(DoctorTest, SeesTheSystem) {
     expectTold(1, {L"--json", L"empty", L"mode3.zmi", L"frameless.zmi", L"thin.zmi", L"none.zmi"},
                {R"({"checks": [)",
                 R"({"health": "warn", "text": "empty: the folder holds no .zmi file", "fix")",
-                "mode3.zmi: frame 0 is in pixel mode 3",
+                "mode3.zmi: frame 1 is in pixel mode 3",
                 "frameless.zmi: the frame table at offset 167 holds no frame",
                 "thin.zmi: 300 x 1 pixels is too thin",
                 R"("none.zmi: not found", "fix": "check the name and the folder"})"});

@@ -47,13 +47,13 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
         {With(good, good.size() - 1, {0, 1}, 'X'), "trailer tag at offset 1,367 is not zpix"},
         {With(small, 0, file_header::dataSize, 54), "54 bytes, fewer than its 55-byte image header"},
         {With(good, payload, image_header::pixelOffset, 168),
-         "outside the payload (112 to 1,367): the pixels of frame 0, 1,200 bytes at offset 168"},
-        {With(good, payload, image_header::flags, 0x18), "frame 0 is in pixel mode 3"},
-        {With(good, payload, image_header::width, 0), "frame 0 is 0 x 20 pixels"},
-        {With(frames, payload, image_header::paletteOffset, 1), "the colour table, 512 bytes at offset 1"},
+         "outside the payload (112 to 1,367): the pixels of frame 1, 1,200 bytes at offset 168"},
+        {With(good, payload, image_header::flags, 0x18), "frame 1 is in pixel mode 3"},
+        {With(good, payload, image_header::width, 0), "frame 1 is 0 x 20 pixels"},
+        {With(frames, payload, image_header::paletteOffset, 1), "the colour table of frame 1, 512 bytes at offset 1"},
         {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
         {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
-         "the pixels of frame 1, 9 bytes at offset 99,999"},
+         "the pixels of frame 2, 9 bytes at offset 99,999"},
     };
     Write(L"good.zmi", good);
     Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi"};

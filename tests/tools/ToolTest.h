@@ -88,6 +88,7 @@ protected:
     }
 
     ToolRun Pack(const Arguments& arguments) const { return Run(Beside(L"zmi-pack.exe"), arguments); }
+    ToolRun Unpack(const Arguments& arguments) const { return Run(Beside(L"zmi-unpack.exe"), arguments); }
 
     // With the library beside the programs, registered or not.
     ToolRun Preview(Arguments arguments) const {

@@ -1,21 +1,26 @@
 #include "tools/pack/PackOptions.h"
 
+#include "tools/pack/ZmiWriter.h"
+#include "tools/terminal/Console.h"
+
 #include <windows.h>
 
-#include <array>
+#include <algorithm>
+#include <cstdint>
 #include <cwctype>
+#include <utility>
 
 namespace vantrel::tools {
 
 namespace {
 
-zmi::PixelMode ParseMode(const std::wstring& text) {
+PixelMode ParseMode(const std::wstring& text) {
     if (text == L"1")
-        return zmi::PixelMode::Mono;
+        return PixelMode::Monochrome;
     if (text == L"8")
-        return zmi::PixelMode::Indexed;
+        return PixelMode::Indexed;
     if (text == L"565")
-        return zmi::PixelMode::Rgb565;
+        return PixelMode::Rgb565;
     throw UsageError(L"--mode is 1, 8 or 565, not \"" + text + L"\"");
 }
 
@@ -37,25 +42,39 @@ Color ParseColor(const std::wstring& text) {
             .alpha = 255};
 }
 
-std::string ToAnsiTitle(const std::wstring& text) {
+std::string ToAnsi(const std::wstring& text) {
     if (text.empty())
         return {};
     // UTF-8 as the ANSI code page accepts neither this flag nor the question, and has no need of them.
     const bool utf8 = GetACP() == CP_UTF8;
-    std::array<char, 1024> buffer{};
+    std::string bytes(text.size() * 4, '\0');
     BOOL replaced = FALSE;
-    const int size =
-        WideCharToMultiByte(CP_ACP, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text.data(),
-                            static_cast<int>(text.size()), buffer.data(), static_cast<int>(buffer.size()),
-                            nullptr, utf8 ? nullptr : &replaced);
-    if (static_cast<std::size_t>(size) > zmi::longestTitle ||
-        (size == 0 && GetLastError() == ERROR_INSUFFICIENT_BUFFER))
-        throw UsageError(L"--title has more than " + std::to_wstring(zmi::longestTitle) +
-                         L" bytes in this system's ANSI code page: \"" + text + L"\"");
+    const int size = WideCharToMultiByte(CP_ACP, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS,
+                                         text.data(), static_cast<int>(text.size()), bytes.data(),
+                                         static_cast<int>(bytes.size()), nullptr, utf8 ? nullptr : &replaced);
     if (size == 0 || replaced)
         throw UsageError(L"--title has characters that this system's ANSI code page (" +
                          std::to_wstring(GetACP()) + L") lacks: \"" + text + L"\"");
-    return {buffer.data(), static_cast<std::size_t>(size)};
+    bytes.resize(static_cast<std::size_t>(size));
+    return bytes;
+}
+
+std::string ToTitle(std::wstring text, bool truncate) {
+    if (std::ranges::any_of(text, IsControl))
+        throw UsageError(L"--title has a control character");
+    std::string title = ToAnsi(text);
+    if (title.size() > longestTitle && !truncate)
+        throw UsageError(L"--title has more than " + std::to_wstring(longestTitle) +
+                         L" bytes in this system's ANSI code page; --truncate-title cuts it: \"" + text +
+                         L"\"");
+    // By whole characters, of which none takes less than a byte and some have two halves.
+    text.resize(std::min(text.size(), longestTitle));
+    for (; title.size() > longestTitle; text.pop_back()) {
+        if (IS_HIGH_SURROGATE(text.back()))
+            text.pop_back();
+        title = ToAnsi(text);
+    }
+    return title;
 }
 
 } // namespace
@@ -65,35 +84,43 @@ const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI fil
   zmi-pack [options] INPUT... OUTPUT.zmi
   zmi-pack --blank [--title TEXT] OUTPUT.zmi
 
-INPUT is any picture that Windows reads (PNG, JPEG, BMP, GIF, TIFF, ...).
-Several inputs, or inputs with several frames, give a file of as many frames.
+INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a pattern
+such as frame*.png, or a folder of pictures. Several inputs, or inputs with
+several frames, give a file of as many frames.
 
   --mode 1|8|565        black and white, 256 colours, or 16-bit colour (default)
   --title TEXT          the title, at most 33 bytes in the ANSI code page
-  --transparent RRGGBB  marks this colour as transparent, and makes an input's
+  --truncate-title      cuts a longer title instead of refusing it
+  --transparent RRGGBB  makes this the transparent colour, and an input's
                         transparent parts this colour instead of white; not
                         with --mode 1
   --no-dither           takes each pixel's nearest colour, without mixing
+  --no-rotate           leaves photos as the camera held them
   --blank               the blank default picture, which needs no input
   --help, --version
 
-  zmi-pack cat.jpg cat.zmi
-  zmi-pack --mode 8 --title "A walk" step1.png step2.png step3.png walk.zmi
+  zmi-pack --mode 8 --title "A walk" step*.png walk.zmi
   zmi-pack --transparent ff00ff logo.png logo.zmi
 
 Exit code: 0 done, 1 an input or the output failed, 2 wrong usage.)";
 
 PackOptions ParsePackOptions(CommandLine& line) {
     PackOptions options;
+    std::wstring title;
+    bool truncateTitle = false;
     bool blank = false;
     bool pictureOptions = false;
     while (const auto argument = line.Next()) {
         if (!line.IsOption()) {
             options.inputs.emplace_back(*argument);
+        } else if (*argument == L"--force") {
+            options.force = true;
         } else if (*argument == L"--blank") {
             blank = true;
         } else if (*argument == L"--title") {
-            options.title = ToAnsiTitle(line.Value());
+            title = line.Value();
+        } else if (*argument == L"--truncate-title") {
+            truncateTitle = true;
         } else if (*argument == L"--mode") {
             options.mode = ParseMode(line.Value());
             pictureOptions = true;
@@ -103,10 +130,14 @@ PackOptions ParsePackOptions(CommandLine& line) {
         } else if (*argument == L"--no-dither") {
             options.dither = false;
             pictureOptions = true;
+        } else if (*argument == L"--no-rotate") {
+            options.rotate = false;
+            pictureOptions = true;
         } else {
             throw UsageError(L"unknown option " + *argument);
         }
     }
+    options.title = ToTitle(std::move(title), truncateTitle);
 
     if (options.inputs.empty())
         throw UsageError(blank ? L"no output given" : L"no input and no output given");
@@ -120,7 +151,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
         throw UsageError(L"--blank takes no input and, beside --title, no option");
     if (!blank && options.inputs.empty())
         throw UsageError(L"no input given for " + options.output.wstring());
-    if (options.transparent && options.mode == zmi::PixelMode::Mono)
+    if (options.transparent && options.mode == PixelMode::Monochrome)
         throw UsageError(L"--transparent has no meaning with --mode 1");
     return options;
 }

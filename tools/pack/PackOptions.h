@@ -1,8 +1,8 @@
 // What the user asks of zmi-pack.
 #pragma once
 
-#include "tools/pack/Rgb565.h"
-#include "tools/pack/ZmiFormat.h"
+#include "codec/ZmiFormat.h"
+#include "tools/picture/Rgb565.h"
 #include "tools/terminal/CommandLine.h"
 
 #include <filesystem>
@@ -14,11 +14,13 @@
 namespace vantrel::tools {
 
 struct PackOptions {
-    zmi::PixelMode mode = zmi::PixelMode::Rgb565;
+    PixelMode mode = PixelMode::Rgb565;
     std::string title; // in the ANSI code page
     std::optional<Color> transparent;
+    bool force = false;
     bool dither = true;
-    std::vector<std::filesystem::path> inputs; // none: the blank default picture
+    bool rotate = true;                        // upright, where an input says how
+    std::vector<std::filesystem::path> inputs; // as typed; none: the blank default picture
     std::filesystem::path output;
 };
 

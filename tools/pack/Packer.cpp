@@ -1,11 +1,14 @@
 #include "tools/pack/Packer.h"
 
-#include "tools/pack/ColorTable.h"
+#include "tools/pack/InputList.h"
 #include "tools/pack/PictureReader.h"
 #include "tools/pack/RowEncoder.h"
+#include "tools/picture/ColorTableBuilder.h"
 #include "tools/terminal/Console.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace vantrel::tools {
 
@@ -14,69 +17,85 @@ namespace {
 // About as many bytes of pixels are in memory at a time, however large a picture is.
 constexpr std::size_t bandBytes = 1U << 20;
 
-// Opens the inputs one after the other, so that only one is open at a time; step is called before each.
-template <class Step, class Visit>
-void VisitFrames(const ComPtr<IWICImagingFactory>& factory, const PackOptions& options, Step step,
-                 Visit visit) {
-    for (const auto& input : options.inputs) {
-        step(input.wstring());
-        const PictureReader reader(factory, input);
-        for (unsigned i = 0; i < reader.FrameCount(); ++i)
-            visit(reader.Frame(i));
-    }
-}
+// Walks over the frames of all inputs, as often as needed, and tells the user how far it is. One input is
+// open at a time, and a single one stays open.
+class FrameWalk {
+public:
+    FrameWalk(ComPtr<IWICImagingFactory> factory, std::vector<std::filesystem::path> inputs,
+              const PackOptions& options, std::size_t passes)
+        : factory_(std::move(factory)), inputs_(std::move(inputs)), options_(options),
+          progress_(inputs_.size() * passes) {}
 
-// Hands out all rows of a frame, made opaque, some at a time.
-template <class Visit>
-void VisitRows(const PictureFrame& frame, std::optional<Color> transparent, Visit visit) {
-    const std::size_t width = frame.Width();
-    const auto bandRows =
-        static_cast<unsigned>(std::max(bandBytes / (width * sizeof(Color)), std::size_t{1}));
-    std::vector<Color> band;
-    for (unsigned y = 0; y < frame.Height(); y += bandRows) {
-        band.resize(width * std::min(bandRows, frame.Height() - y));
-        frame.ReadRows(y, band);
-        MakeOpaque(band, transparent);
-        visit(std::span<const Color>(band));
+    // Calls visit for each frame.
+    template <class Visit>
+    void Frames(Visit visit) {
+        for (const std::filesystem::path& input : inputs_) {
+            progress_.Step(input.wstring());
+            if (open_ != &input) {
+                reader_.reset();
+                reader_ = std::make_unique<PictureReader>(factory_, input, options_.rotate);
+                open_ = &input;
+            }
+            for (unsigned i = 0; i < reader_->FrameCount(); ++i)
+                visit(reader_->Frame(i), i);
+        }
     }
-}
+
+    // Calls begin for each frame, then visit for all of its rows, made opaque, some at a time.
+    template <class Begin, class Visit>
+    void Rows(Begin begin, Visit visit) {
+        Frames([&](PictureFrame frame, std::uint64_t index) {
+            begin(frame);
+            const std::size_t width = frame.Width();
+            const unsigned height = frame.Height();
+            const auto bandRows =
+                static_cast<unsigned>(std::max(bandBytes / (width * sizeof(Color)), std::size_t{1}));
+            for (unsigned y = 0; y < height; y += bandRows) {
+                progress_.Part(index * height + y, std::uint64_t{reader_->FrameCount()} * height);
+                band_.resize(width * std::min(bandRows, height - y));
+                frame.ReadRows(y, band_);
+                MakeOpaque(band_, options_.transparent);
+                visit(std::span<const Color>(band_));
+            }
+        });
+    }
+
+private:
+    ComPtr<IWICImagingFactory> factory_;
+    std::vector<std::filesystem::path> inputs_;
+    const PackOptions& options_;
+    Progress progress_;
+    std::unique_ptr<PictureReader> reader_;
+    const std::filesystem::path* open_ = nullptr; // the reader's input
+    std::vector<Color> band_;
+};
 
 } // namespace
 
 ZmiContent Pack(const PackOptions& options) {
-    OutputGuard guard;
-    for (const auto& input : options.inputs)
+    const ComPtr<IWICImagingFactory> factory = CreateWicFactory();
+    std::vector<std::filesystem::path> inputs = ListInputs(*factory.Get(), options.inputs);
+    OutputGuard guard(options.force);
+    for (const auto& input : inputs)
         guard.Protect(input);
     guard.Check(options.output, FileKind::Zmi);
 
-    const bool indexed = options.mode == zmi::PixelMode::Indexed;
-    std::optional<Progress> progress;
-    if (options.inputs.size() > 1)
-        progress.emplace(options.inputs.size() * (indexed ? 3 : 2));
-    const auto step = [&](const std::wstring& input) {
-        if (progress)
-            progress->Step(input);
-    };
-
-    const ComPtr<IWICImagingFactory> factory = CreateWicFactory();
+    const bool indexed = options.mode == PixelMode::Indexed;
+    FrameWalk walk(factory, std::move(inputs), options, indexed ? 3 : 2);
     ZmiContent content;
     content.title = options.title;
     content.mode = options.mode;
-    std::uint64_t pixels = 0;
-    VisitFrames(factory, options, step, [&](const PictureFrame& frame) {
+    walk.Frames([&](const PictureFrame& frame, unsigned) {
         content.frames.push_back({.width = frame.Width(), .height = frame.Height()});
-        pixels += std::uint64_t{frame.Width()} * frame.Height();
     });
     ZmiFileSize(content); // a file that cannot be is refused before the long part
 
     bool dither = options.dither;
     std::optional<ColorTable> table;
     if (indexed) {
-        ColorTableBuilder builder(pixels, options.transparent);
-        VisitFrames(factory, options, step, [&](const PictureFrame& frame) {
-            VisitRows(frame, options.transparent, [&](std::span<const Color> band) { builder.Add(band); });
-        });
-        table = builder.Build(*factory.Get());
+        ColorTableBuilder builder(options.transparent);
+        walk.Rows([](const PictureFrame&) {}, [&](std::span<const Color> band) { builder.Add(band); });
+        table = builder.Build();
         content.colorTable = table->Entries();
         dither = dither && !builder.IsExact();
     }
@@ -87,17 +106,19 @@ ZmiContent Pack(const PackOptions& options) {
 
     OutputFile output(options.output, FileKind::Zmi, guard);
     ZmiWriter writer(output, content);
+    std::size_t width = 0;
     std::vector<std::byte> bytes;
-    VisitFrames(factory, options, step, [&](const PictureFrame& frame) {
-        const std::size_t width = frame.Width();
-        encoder.StartFrame(frame.Width());
-        VisitRows(frame, options.transparent, [&](std::span<const Color> band) {
+    walk.Rows(
+        [&](const PictureFrame& frame) {
+            width = frame.Width();
+            encoder.StartFrame(frame.Width());
+        },
+        [&](std::span<const Color> band) {
             bytes.clear();
             for (; !band.empty(); band = band.subspan(width))
                 encoder.Encode(band.first(width), bytes);
             writer.WriteRows(bytes);
         });
-    });
     writer.Finish();
     output.Commit();
     return content;

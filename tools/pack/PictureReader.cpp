@@ -1,63 +1,39 @@
 #include "tools/pack/PictureReader.h"
 
-#include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
 
-#include <limits>
+#include <algorithm>
 #include <utility>
 
 namespace vantrel::tools {
 
-constexpr unsigned largestSide = std::numeric_limits<std::uint16_t>::max();
-
-ComPtr<IWICImagingFactory> CreateWicFactory() {
-    ComPtr<IWICImagingFactory> factory;
-    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                           IID_PPV_ARGS(factory.GetAddressOf())),
-          L"Windows Imaging Component");
-    return factory;
+PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path,
+                             bool rotate)
+    : picture_(std::move(factory), path) {
+    if (picture_.Is(GUID_ContainerFormatGif)) {
+        canvas_.emplace(picture_);
+        const WicFrame first = picture_.Frame(0);
+        if (FrameCount() == 1 && first.Width() == canvas_->Width() && first.Height() == canvas_->Height())
+            canvas_.reset(); // nothing to compose, and no need of memory for all of it
+    }
+    if (rotate && picture_.Is(GUID_ContainerFormatJpeg))
+        orientation_ = OrientationFromExif(ReadJpegOrientation(LongPath(path)));
+    rotateFrames_ = rotate && picture_.Is(GUID_ContainerFormatTiff);
 }
 
-PictureFrame::PictureFrame(ComPtr<IWICBitmapSource> source, std::wstring name)
-    : source_(std::move(source)), name_(std::move(name)) {
-    UINT width = 0;
-    UINT height = 0;
-    Check(source_->GetSize(&width, &height), name_);
-    if (width == 0 || height == 0 || width > largestSide || height > largestSide)
-        throw Failure(name_ + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
-                      L" pixels; a ZMI frame has from 1 to 65535 each way");
-    width_ = static_cast<std::uint16_t>(width);
-    height_ = static_cast<std::uint16_t>(height);
-}
+PictureFrame PictureReader::Frame(unsigned index) {
+    if (canvas_)
+        return {[this, index](const WICRect& area, std::span<Color> pixels) {
+                    const auto row = static_cast<std::size_t>(area.Y) * canvas_->Width();
+                    std::ranges::copy(canvas_->Show(index).subspan(row, pixels.size()), pixels.begin());
+                },
+                canvas_->Width(), canvas_->Height(), orientation_, picture_.Name()};
 
-void PictureFrame::ReadRows(unsigned firstRow, std::span<Color> rows) const {
-    const std::size_t count = rows.size() / width_;
-    const WICRect area = {0, static_cast<INT>(firstRow), width_, static_cast<INT>(count)};
-    Check(source_->CopyPixels(&area, static_cast<UINT>(width_ * sizeof(Color)),
-                              static_cast<UINT>(rows.size_bytes()), reinterpret_cast<BYTE*>(rows.data())),
-          name_);
-}
-
-PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path)
-    : factory_(std::move(factory)), name_(path.wstring()) {
-    const std::filesystem::path file = LongPath(path);
-    const DWORD attributes = GetFileAttributesW(file.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw Failure(name_ + L": this is a folder, not a picture");
-    Check(factory_->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
-                                              WICDecodeMetadataCacheOnDemand, decoder_.GetAddressOf()),
-          name_);
-    Check(decoder_->GetFrameCount(&frameCount_), name_);
-    if (frameCount_ == 0)
-        throw Failure(name_ + L": the picture has no frame");
-}
-
-PictureFrame PictureReader::Frame(unsigned index) const {
-    ComPtr<IWICBitmapFrameDecode> frame;
-    Check(decoder_->GetFrame(index, frame.GetAddressOf()), name_);
-    ComPtr<IWICBitmapSource> source;
-    Check(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), source.GetAddressOf()), name_);
-    return {std::move(source), frameCount_ == 1 ? name_ : name_ + L", frame " + std::to_wstring(index + 1)};
+    const WicFrame frame = picture_.Frame(index);
+    return {[frame](const WICRect& area, std::span<Color> pixels) { frame.CopyPixels(area, pixels); },
+            frame.Width(), frame.Height(),
+            rotateFrames_ ? OrientationFromExif(frame.Number(L"/ifd/{ushort=274}")) : orientation_,
+            frame.Name()};
 }
 
 } // namespace vantrel::tools

@@ -22,17 +22,6 @@ std::uint8_t AddError(int channel, int sixteenths) {
 
 } // namespace
 
-std::size_t RowBytes(zmi::PixelMode mode, std::uint16_t width) {
-    switch (mode) {
-    case zmi::PixelMode::Mono:
-        return (width + std::size_t{7}) / 8;
-    case zmi::PixelMode::Indexed:
-        return width;
-    default:
-        return width * std::size_t{2};
-    }
-}
-
 void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent) {
     for (Color& pixel : pixels) {
         if (!transparent)
@@ -46,11 +35,10 @@ void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent) {
     }
 }
 
-RowEncoder::RowEncoder(zmi::PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither)
+RowEncoder::RowEncoder(PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither)
     : mode_(mode), table_(table), transparent_(transparent), dither_(dither) {
-    Color shown{};
     if (transparent_)
-        transparentKey_ = Choose(*transparent_, shown);
+        transparentKey_ = table_ ? table_->KeyIndex() : ToRgb565(*transparent_);
 }
 
 void RowEncoder::StartFrame(std::uint16_t width) {
@@ -64,7 +52,7 @@ void RowEncoder::Encode(std::span<const Color> row, std::vector<std::byte>& byte
     for (std::size_t x = 0; x < row.size(); ++x) {
         std::uint32_t value = transparentKey_;
         if (!transparent_ || row[x] != *transparent_) {
-            const Color source = mode_ == zmi::PixelMode::Mono ? ToGray(row[x]) : row[x];
+            const Color source = mode_ == PixelMode::Monochrome ? ToGray(row[x]) : row[x];
             const Error& error = thisRow_[x + 1];
             const Color wanted = {.blue = AddError(source.blue, error[0]),
                                   .green = AddError(source.green, error[1]),
@@ -84,7 +72,7 @@ void RowEncoder::Encode(std::span<const Color> row, std::vector<std::byte>& byte
             }
         }
 
-        if (mode_ == zmi::PixelMode::Mono) {
+        if (mode_ == PixelMode::Monochrome) {
             packed |= value << (7 - x % 8);
             if (x % 8 == 7 || x + 1 == row.size()) {
                 bytes.push_back(static_cast<std::byte>(packed));
@@ -93,26 +81,28 @@ void RowEncoder::Encode(std::span<const Color> row, std::vector<std::byte>& byte
             continue;
         }
         bytes.push_back(static_cast<std::byte>(value));
-        if (mode_ == zmi::PixelMode::Rgb565)
+        if (mode_ == PixelMode::Rgb565)
             bytes.push_back(static_cast<std::byte>(value >> 8));
     }
     std::swap(thisRow_, nextRow_);
 }
 
 std::uint16_t RowEncoder::Choose(Color color, Color& shown) {
-    const std::uint16_t rgb565 = ToRgb565(color);
     switch (mode_) {
-    case zmi::PixelMode::Mono: {
+    case PixelMode::Monochrome: {
         const bool black = color.green < 128;
         shown = FromRgb565(black ? 0 : 0xFFFF);
         return black ? 1 : 0;
     }
-    case zmi::PixelMode::Indexed: {
-        const std::uint8_t index = table_->NearestIndex(rgb565);
-        shown = FromRgb565(table_->Entries()[index]);
+    case PixelMode::Indexed: {
+        const std::uint8_t index = table_->NearestIndex(ToRgb565(color));
+        shown = FromRgb565(table_->Entries().colours[index]);
         return index;
     }
     default:
+        const std::uint16_t rgb565 = transparent_
+                                         ? ToRgb565Except(color, static_cast<std::uint16_t>(transparentKey_))
+                                         : ToRgb565(color);
         shown = FromRgb565(rgb565);
         return rgb565;
     }

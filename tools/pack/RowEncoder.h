@@ -1,9 +1,9 @@
 // From a row of colours to the bytes of that row in a ZMI file.
 #pragma once
 
-#include "tools/pack/ColorTable.h"
-#include "tools/pack/Rgb565.h"
-#include "tools/pack/ZmiFormat.h"
+#include "codec/ZmiFormat.h"
+#include "tools/picture/ColorTable.h"
+#include "tools/picture/Rgb565.h"
 
 #include <array>
 #include <cstddef>
@@ -13,9 +13,6 @@
 #include <vector>
 
 namespace vantrel::tools {
-
-// Bytes of one row of a frame.
-std::size_t RowBytes(zmi::PixelMode mode, std::uint16_t width);
 
 // Makes pixels opaque: those below half opacity become the transparent colour when there is one, the others
 // keep their colour; without a transparent colour all are laid over white.
@@ -29,7 +26,7 @@ class RowEncoder {
 public:
     // The table must be given in indexed mode and outlive the encoder; it is not looked at in the other
     // modes.
-    RowEncoder(zmi::PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither);
+    RowEncoder(PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither);
 
     void StartFrame(std::uint16_t width);
     // Opaque pixels in; the row's bytes are appended.
@@ -43,7 +40,7 @@ private:
 
     std::uint16_t Choose(Color color, Color& shown);
 
-    zmi::PixelMode mode_;
+    PixelMode mode_;
     ColorTable* table_;
     std::optional<Color> transparent_;
     std::uint32_t transparentKey_ = 0;

@@ -1,6 +1,5 @@
 #include "tools/pack/ZmiWriter.h"
 
-#include "tools/pack/RowEncoder.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
@@ -12,7 +11,7 @@ namespace {
 
 // The file's pieces stand in this order; an absent piece has no length.
 struct Layout {
-    std::uint64_t frameTable = sizeof(zmi::FileHeader) + sizeof(zmi::ImageHeader);
+    std::uint64_t frameTable = sizeof(FileHeader) + sizeof(ImageHeader);
     std::uint64_t colorTable = frameTable;
     std::uint64_t pixels = frameTable;
     std::uint64_t trailer = frameTable;
@@ -22,26 +21,23 @@ bool HasFrameTable(const ZmiContent& content) {
     return content.frames.size() > 1;
 }
 
-std::uint64_t FrameBytes(zmi::PixelMode mode, FrameSize size) {
-    return std::uint64_t{RowBytes(mode, size.width)} * size.height;
-}
-
 Layout LayOut(const ZmiContent& content) {
     Layout layout;
     if (HasFrameTable(content))
-        layout.colorTable += sizeof(zmi::FrameTable) + content.frames.size() * sizeof(zmi::FrameRecord);
+        layout.colorTable += sizeof(FrameTableHeader) + content.frames.size() * sizeof(FrameRecord);
     layout.pixels = layout.colorTable;
     if (content.colorTable)
-        layout.pixels += zmi::colorTableEntries * sizeof(std::uint16_t);
+        layout.pixels += sizeof(Palette);
     layout.trailer = layout.pixels;
     for (const FrameSize size : content.frames)
-        layout.trailer += FrameBytes(content.mode, size);
+        layout.trailer += PixelByteCount(content.mode, size.width, size.height);
     return layout;
 }
 
 std::uint8_t FrameFlags(const ZmiContent& content) {
-    return static_cast<std::uint8_t>(static_cast<unsigned>(content.mode) << zmi::pixelModeShift |
-                                     (content.transparentKey ? zmi::flagTransparency : 0U));
+    constexpr unsigned modeShift = 3; // the way back from ModeOf
+    return static_cast<std::uint8_t>(static_cast<unsigned>(content.mode) << modeShift |
+                                     (content.transparentKey ? transparencyFlag : 0U));
 }
 
 template <class T>
@@ -56,7 +52,7 @@ std::uint32_t ZmiFileSize(const ZmiContent& content) {
     if (content.frames.size() > mostFrames)
         throw Failure(L"there are " + std::to_wstring(content.frames.size()) +
                       L" frames; a ZMI file holds at most " + std::to_wstring(mostFrames));
-    const std::uint64_t size = LayOut(content).trailer + sizeof(zmi::trailer);
+    const std::uint64_t size = LayOut(content).trailer + sizeof zmiTrailer;
     if (size > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
         throw Failure(L"the ZMI file would have " + std::to_wstring(size) +
                       L" bytes; it must stay below 2 GiB (2147483648 bytes)");
@@ -68,47 +64,45 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
     const Layout layout = LayOut(content);
     bytesLeft_ = layout.trailer - layout.pixels;
 
-    const zmi::FileHeader fileHeader = {
-        .magic = zmi::magic,
-        .version = 1,
-        .headerSize = sizeof(zmi::FileHeader),
-        .kind = 1,
-        .dataOffset = sizeof(zmi::FileHeader),
-        .dataSize = static_cast<std::uint32_t>(fileSize - sizeof(zmi::FileHeader) - sizeof(zmi::trailer)),
-        .unused = {}};
+    FileHeader fileHeader = {};
+    std::ranges::copy(zmiMagic, fileHeader.magic);
+    fileHeader.version = zmiVersion;
+    fileHeader.headerSize = sizeof(FileHeader);
+    fileHeader.kind = zmiPictureKind;
+    fileHeader.dataOffset = sizeof(FileHeader);
+    fileHeader.dataSize = static_cast<std::uint32_t>(fileSize - sizeof(FileHeader) - sizeof zmiTrailer);
     Put(output_, fileHeader);
 
     const bool blank = content.frames.empty();
-    zmi::ImageHeader imageHeader = {};
-    std::copy_n(content.title.begin(), std::min(content.title.size(), zmi::longestTitle),
-                imageHeader.text.begin());
+    ImageHeader imageHeader = {};
+    std::copy_n(content.title.begin(), std::min(content.title.size(), longestTitle), imageHeader.text);
     imageHeader.pixelOffset = static_cast<std::uint32_t>(blank                    ? 0
                                                          : HasFrameTable(content) ? layout.frameTable
                                                                                   : layout.pixels);
     imageHeader.paletteOffset = static_cast<std::uint32_t>(content.colorTable ? layout.colorTable : 0);
     imageHeader.transparentKey = content.transparentKey.value_or(0);
-    imageHeader.flags = blank ? zmi::flagBlankDefault : FrameFlags(content);
-    imageHeader.width = blank ? zmi::blankWidth : content.frames.front().width;
-    imageHeader.height = blank ? zmi::blankHeight : content.frames.front().height;
+    imageHeader.flags = blank ? blankDefaultFlag : FrameFlags(content);
+    imageHeader.width = blank ? blankDefaultWidth : content.frames.front().width;
+    imageHeader.height = blank ? blankDefaultHeight : content.frames.front().height;
     if (HasFrameTable(content))
-        imageHeader.flags |= zmi::flagFrameTable;
+        imageHeader.flags |= frameTableFlag;
     Put(output_, imageHeader);
 
     if (HasFrameTable(content)) {
-        Put(output_, zmi::FrameTable{.tableWord = 0,
-                                     .frameCount = static_cast<std::uint16_t>(content.frames.size()),
-                                     .tableExtra = 0});
+        FrameTableHeader table = {};
+        table.frameCount = static_cast<std::uint16_t>(content.frames.size());
+        Put(output_, table);
         std::uint64_t offset = layout.pixels;
         for (const FrameSize size : content.frames) {
-            Put(output_, zmi::FrameRecord{.frameDataOffset = static_cast<std::uint32_t>(offset),
-                                          .paletteNumber = imageHeader.paletteOffset,
-                                          .extra0 = 0,
-                                          .transparentKey = imageHeader.transparentKey,
-                                          .flags = FrameFlags(content),
-                                          .width = size.width,
-                                          .height = size.height,
-                                          .extra = {}});
-            offset += FrameBytes(content.mode, size);
+            FrameRecord record = {};
+            record.frameDataOffset = static_cast<std::uint32_t>(offset);
+            record.paletteNumber = imageHeader.paletteOffset;
+            record.transparentKey = imageHeader.transparentKey;
+            record.flags = FrameFlags(content);
+            record.width = size.width;
+            record.height = size.height;
+            Put(output_, record);
+            offset += PixelByteCount(content.mode, size.width, size.height);
         }
     }
     if (content.colorTable)
@@ -125,7 +119,7 @@ void ZmiWriter::WriteRows(std::span<const std::byte> rows) {
 void ZmiWriter::Finish() {
     if (bytesLeft_ != 0)
         throw Failure(L"a picture shrank while it was read");
-    Put(output_, zmi::trailer);
+    Put(output_, zmiTrailer);
 }
 
 } // namespace vantrel::tools

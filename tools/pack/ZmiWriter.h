@@ -2,10 +2,9 @@
 // trailer.
 #pragma once
 
-#include "tools/pack/ZmiFormat.h"
+#include "codec/ZmiFormat.h"
 #include "tools/terminal/OutputFile.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -15,6 +14,8 @@
 
 namespace vantrel::tools {
 
+inline constexpr std::size_t longestTitle = sizeof(ImageHeader::text) - 1; // bytes; a zero byte ends it
+
 struct FrameSize {
     std::uint16_t width = 0; // pixels
     std::uint16_t height = 0;
@@ -22,11 +23,11 @@ struct FrameSize {
 
 // What a file holds beside its pixels.
 struct ZmiContent {
-    std::string title; // in the ANSI code page, at most zmi::longestTitle bytes
-    zmi::PixelMode mode = zmi::PixelMode::Rgb565;
-    std::vector<FrameSize> frames; // none makes the blank default picture
-    std::optional<std::array<std::uint16_t, zmi::colorTableEntries>> colorTable; // for indexed mode
-    std::optional<std::uint32_t> transparentKey;                                 // 16-bit colour or index
+    std::string title; // in the ANSI code page, at most longestTitle bytes
+    PixelMode mode = PixelMode::Rgb565;
+    std::vector<FrameSize> frames;               // none makes the blank default picture
+    std::optional<Palette> colorTable;           // for indexed mode
+    std::optional<std::uint32_t> transparentKey; // 16-bit colour or index
 };
 
 // The length of the whole file in bytes. Throws Failure when it is 2 GiB or more or has more than 65,535

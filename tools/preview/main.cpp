@@ -1,6 +1,6 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
+#include "tools/inspection/ZmiFile.h"
 #include "tools/preview/doctor/Doctor.h"
-#include "tools/preview/doctor/ZmiFileCheck.h"
 #include "tools/preview/PictureFolder.h"
 #include "tools/preview/PreviewOptions.h"
 #include "tools/preview/Report.h"

@@ -22,6 +22,9 @@ bool IsControl(wchar_t character);
 // The text with <U+001B> and so on in the place of each of them.
 std::wstring Visible(std::wstring_view text);
 
+// UTF-16 to UTF-8. Lone surrogates become U+FFFD.
+std::string ToUtf8(std::wstring_view text);
+
 // True when stderr is a terminal. The progress line goes there, so that stdout stays clean for pipes. Under
 // Wine a terminal of the host system counts when the launching script says so (environment VANTREL_TTY=1).
 bool IsWatched();

@@ -65,6 +65,13 @@ void OutputFile::Write(std::span<const std::byte> bytes) {
     }
 }
 
+void OutputFile::Seek(std::uint64_t offset) {
+    LARGE_INTEGER position{};
+    position.QuadPart = static_cast<LONGLONG>(offset);
+    if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN))
+        FailWithLastError(shown_.wstring() + L": cannot be written");
+}
+
 void OutputFile::Commit() {
     // Another run may be putting a file of its own in this very place, or a scanner may be looking at it.
     constexpr int attempts = 10;

@@ -5,6 +5,7 @@
 #include "tools/terminal/OutputGuard.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <span>
 
@@ -20,8 +21,10 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Appends bytes. Throws Failure.
+    // Writes bytes where the last ones ended, or where Seek has gone. Throws Failure.
     void Write(std::span<const std::byte> bytes);
+    // Throws Failure.
+    void Seek(std::uint64_t offset);
     // Throws Failure.
     void Commit();
 

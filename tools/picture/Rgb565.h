@@ -18,7 +18,12 @@ static_assert(sizeof(Color) == 4);
 
 // The 16-bit colour that is shown nearest to the given one; alpha does not count.
 std::uint16_t ToRgb565(Color color);
+// The same among all values but one.
+std::uint16_t ToRgb565Except(Color color, std::uint16_t forbidden);
 // The colour as it is shown, opaque: the highest level of a channel becomes 255, any other is shifted up.
 Color FromRgb565(std::uint16_t value);
+
+// How far two colours are apart, squared, with channels weighed by about as much as the eye makes of each.
+int Distance(Color a, Color b);
 
 } // namespace vantrel::tools

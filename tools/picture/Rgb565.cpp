@@ -1,7 +1,8 @@
-#include "tools/pack/Rgb565.h"
+#include "tools/picture/Rgb565.h"
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace vantrel::tools {
 
@@ -40,11 +41,35 @@ std::uint16_t ToRgb565(Color color) {
                                       nearest5[color.blue]);
 }
 
+std::uint16_t ToRgb565Except(Color color, std::uint16_t forbidden) {
+    const std::uint16_t nearest = ToRgb565(color);
+    if (nearest != forbidden)
+        return nearest;
+    // The next best differs by one level in one channel.
+    std::uint16_t best = forbidden;
+    for (const auto& [shift, levels] : {std::pair(0, 32), {5, 64}, {11, 32}})
+        for (const int step : {-1, 1}) {
+            const int level = (forbidden >> shift & (levels - 1)) + step;
+            const auto other = static_cast<std::uint16_t>(forbidden + step * (1 << shift));
+            if (level >= 0 && level < levels &&
+                (best == forbidden || Distance(color, FromRgb565(other)) < Distance(color, FromRgb565(best))))
+                best = other;
+        }
+    return best;
+}
+
 Color FromRgb565(std::uint16_t value) {
     return {.blue = Expand<5>(value & 31U),
             .green = Expand<6>(value >> 5 & 63U),
             .red = Expand<5>(value >> 11 & 31U),
             .alpha = 255};
+}
+
+int Distance(Color a, Color b) {
+    const int red = a.red - b.red;
+    const int green = a.green - b.green;
+    const int blue = a.blue - b.blue;
+    return 3 * red * red + 6 * green * green + blue * blue;
 }
 
 } // namespace vantrel::tools

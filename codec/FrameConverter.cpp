@@ -1,0 +1,81 @@
+#include "codec/FrameConverter.h"
+
+#include "codec/PixelConversion.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+// Number 0 names the first palette for a frame that needs any.
+const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
+    const PixelMode mode = ModeOf(frame.flags);
+    const std::uint32_t number = frame.paletteNumber;
+    if (mode == PixelMode::Reserved || (number == 0 && mode != PixelMode::Indexed))
+        return nullptr;
+    return &ElementAt(image.palettes, number == 0 ? 0 : number - 1);
+}
+
+// Fresh memory costs a page fault a page, which is dearest between vector stores: pages are brought in some
+// at a time, no more than the second-level cache holds, before they are written to.
+constexpr unsigned burstWords = 512 * 1024 / sizeof(std::uint32_t);
+constexpr std::ptrdiff_t pageWords = 4096 / sizeof(std::uint32_t);
+
+void TouchPages(std::uint32_t* top, std::ptrdiff_t stride, unsigned firstRow, unsigned rowCount,
+                std::ptrdiff_t width) {
+    std::uint32_t* const first = top + stride * static_cast<std::ptrdiff_t>(firstRow);
+    std::uint32_t* const last = first + stride * static_cast<std::ptrdiff_t>(rowCount - 1);
+    std::uint32_t* const end = std::max(first, last) + width;
+    for (std::uint32_t* word = std::min(first, last); word < end; word += pageWords)
+        *word = 0;
+}
+
+} // namespace
+
+FrameConverter::FrameConverter(const DecodedImage& image, std::size_t frameIndex, FramePixels& pixels)
+    : FrameConverter(ElementAt(image.frames, frameIndex),
+                     PaletteOf(image, ElementAt(image.frames, frameIndex)), pixels) {}
+
+FrameConverter::FrameConverter(const FrameRecord& frame, const Palette* palette, FramePixels& pixels)
+    : mode_(ModeOf(frame.flags)), width_(frame.width), height_(frame.height), pixels_(pixels) {
+    if (mode_ == PixelMode::Indexed)
+        ExpandPalette(*palette, palette_);
+}
+
+bool FrameConverter::Convert(std::uint32_t* top, std::ptrdiff_t stride) {
+    const unsigned burst = std::max(1u, burstWords / std::max<unsigned>(1, width_));
+    for (unsigned y = 0; y < height_; ++y) {
+        if (y % burst == 0)
+            TouchPages(top, stride, y, std::min<unsigned>(burst, height_ - y), width_);
+        if (!ConvertRow(top + static_cast<std::ptrdiff_t>(y) * stride))
+            return false;
+    }
+    return true;
+}
+
+bool FrameConverter::ConvertRow(std::uint32_t* words) {
+    const unsigned y = row_++;
+    if (y == 0 && pixels_.Size() < DecodedByteCount(mode_, width_, height_))
+        ThrowOutOfRange();
+    if (mode_ != PixelMode::Monochrome || y % 8 == 0)
+        bytes_ = pixels_.Next(DecodedRowBytes(mode_, width_));
+    if (!bytes_)
+        return false;
+    switch (mode_) {
+    case PixelMode::Monochrome:
+        ConvertMonochromeRow(bytes_, y % 8, words, width_);
+        break;
+    case PixelMode::Indexed:
+        ConvertIndexedRow(bytes_, palette_, words, width_);
+        break;
+    case PixelMode::Rgb565:
+        ConvertRgb565Row(bytes_, words, width_);
+        break;
+    default:
+        return false;
+    }
+    return true;
+}
+
+} // namespace vantrel

@@ -1,0 +1,167 @@
+#include "tools/inspection/ZmiFile.h"
+
+#include "support/FileObject.h"
+#include "tools/terminal/Failure.h"
+#include "tools/terminal/LongPath.h"
+
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+namespace vantrel::tools {
+
+namespace {
+
+std::uint64_t SizeOf(const std::filesystem::path& path) {
+    FileObject file;
+    if (!file.open(path.c_str(), 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE))
+        FailWithLastError(L"it cannot be opened");
+    return file.size();
+}
+
+std::wstring NotWanted(const wchar_t* field, std::size_t offset, std::uint64_t found, std::uint64_t wanted) {
+    return std::wstring(field) + L" at offset " + std::to_wstring(offset) + L" is " + Grouped(found) +
+           L", not " + Grouped(wanted);
+}
+
+} // namespace
+
+ZmiFile::ZmiFile(const std::filesystem::path& path)
+    : path_(LongPath(path)), size_(SizeOf(path_)), source_(path_.c_str()), frames_(source_) {}
+
+std::wstring ZmiFile::Title() const {
+    const char(&text)[sizeof(ImageHeader::text)] = frames_.Image().text;
+    const auto end = static_cast<const char*>(std::memchr(text, 0, sizeof text));
+    const int length = static_cast<int>(end ? end - text : std::ptrdiff_t{sizeof text});
+    wchar_t title[sizeof text];
+    const int count = MultiByteToWideChar(CP_ACP, 0, text, length, title, static_cast<int>(std::size(title)));
+    return {title, static_cast<std::size_t>(count)};
+}
+
+std::uint64_t ZmiFile::RecordOffset(std::uint16_t index) const {
+    const ImageHeader& image = frames_.Image();
+    if ((image.flags & frameTableFlag) == 0)
+        return frames_.File().dataOffset;
+    return image.pixelOffset + sizeof(FrameTableHeader) + index * std::uint64_t{sizeof(FrameRecord)};
+}
+
+std::wstring ZmiFile::Outside(const std::wstring& what, std::uint64_t offset, std::uint64_t count) const {
+    const std::uint64_t begin = frames_.File().dataOffset;
+    return L"outside the payload (" + Grouped(begin) + L" to " + Grouped(begin + frames_.File().dataSize) +
+           L"): " + what + L", " + Grouped(count) + L" bytes at offset " + Grouped(offset);
+}
+
+std::wstring ZmiFile::HeaderFault() const {
+    if (size_ == 0)
+        return L"the file is empty";
+    if (size_ < sizeof(FileHeader))
+        return L"the file has " + Grouped(size_) + L" bytes, fewer than its 112-byte header";
+    const FileHeader& header = frames_.File();
+    if (std::memcmp(header.magic, zmiMagic, sizeof zmiMagic) != 0)
+        return L"magic at offset 0 is not zpix-zmi";
+    if (header.version != zmiVersion)
+        return NotWanted(L"version", offsetof(FileHeader, version), header.version, zmiVersion);
+    if (header.headerSize != sizeof(FileHeader))
+        return NotWanted(L"header size", offsetof(FileHeader, headerSize), header.headerSize,
+                         sizeof(FileHeader));
+    if (header.kind != zmiPictureKind)
+        return NotWanted(L"kind", offsetof(FileHeader, kind), header.kind, zmiPictureKind);
+    if (header.dataOffset < sizeof(FileHeader))
+        return L"data offset at offset " + std::to_wstring(offsetof(FileHeader, dataOffset)) + L" is " +
+               Grouped(header.dataOffset) + L", inside the header";
+    const std::uint64_t end = std::uint64_t{header.dataOffset} + header.dataSize;
+    if (const std::uint64_t wanted = end + sizeof zmiTrailer; wanted != size_) {
+        const bool isShort = size_ < wanted;
+        return L"data offset and data size at offsets 18 and 22 make " + Grouped(wanted) +
+               L" bytes with the trailer, but the file has " + Grouped(size_) + L", " +
+               Grouped(isShort ? wanted - size_ : size_ - wanted) + (isShort ? L" too few" : L" too many");
+    }
+    if (end > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
+        return L"the payload ends at " + Grouped(end) + L", beyond 2 GiB";
+    return L"trailer tag at offset " + Grouped(end) + L" is not zpix";
+}
+
+std::wstring ZmiFile::Fault() const {
+    const ImageHeader& image = frames_.Image();
+    switch (frames_.Fault()) {
+    case FileFault::None:
+        return {};
+    case FileFault::FileHeader:
+        return HeaderFault();
+    case FileFault::ImageHeader:
+        return L"the payload at offset " + Grouped(frames_.File().dataOffset) + L" has " +
+               Grouped(frames_.File().dataSize) + L" bytes, fewer than its 55-byte image header";
+    case FileFault::FrameTable:
+        return Outside(L"the frame table", image.pixelOffset, sizeof(FrameTableHeader));
+    case FileFault::FrameRecords:
+        return Outside(L"the list of frame records", RecordOffset(0),
+                       frames_.Table().frameCount * sizeof(FrameRecord));
+    case FileFault::NoFrame:
+        return L"the frame table at offset " + Grouped(image.pixelOffset) + L" holds no frame";
+    }
+    return {};
+}
+
+std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const {
+    const bool hasTable = (frames_.Image().flags & frameTableFlag) != 0;
+    const std::uint64_t flagsOffset =
+        RecordOffset(index) + (hasTable ? offsetof(FrameRecord, flags) : offsetof(ImageHeader, flags));
+    const std::wstring name = L"frame " + std::to_wstring(index + 1);
+    const std::wstring itsMode = name + L"'s own pixel mode, at offset " + Grouped(flagsOffset) + L",";
+    switch (frame.fault) {
+    case FrameFault::None:
+        return {};
+    case FrameFault::ColourTable:
+        return Outside(L"the colour table of " + name, frame.paletteOffset, sizeof(Palette));
+    case FrameFault::Pixels:
+        return Outside(L"the pixels of " + name, frame.record.frameDataOffset, frame.pixelByteCount);
+    case FrameFault::ReservedMode:
+        return name + L" is in pixel mode 3, by its flags at offset " + Grouped(flagsOffset) +
+               L", which nothing can show";
+    case FrameFault::NoColourTable:
+        return itsMode + L" wants a colour table, and the file's mode has none";
+    case FrameFault::TooFewPixels:
+        return itsMode + L" takes more bytes than the " + Grouped(frame.pixelByteCount) +
+               L" that the file's mode gives it";
+    case FrameFault::Empty:
+        return name + L" is " + std::to_wstring(frame.record.width) + L" x " +
+               std::to_wstring(frame.record.height) + L" pixels, which leaves nothing to show";
+    }
+    return {};
+}
+
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width, unsigned* height) {
+    try {
+        ZmiFile file(path);
+        if (const std::wstring fault = file.Fault(); !fault.empty())
+            return fault;
+        FrameReader& frames = file.Frames();
+        for (std::uint16_t i = 0; i < frames.FrameCount(); ++i) {
+            const auto frame = frames.Frame(i);
+            if (!frame)
+                return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
+            // What keeps a file from being loaded counts in any frame, what keeps a picture from being shown
+            // only in the first.
+            if (i == 0 || frame->fault == FrameFault::ColourTable || frame->fault == FrameFault::Pixels)
+                if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
+                    return fault;
+            if (i == 0 && width && height) {
+                *width = frame->record.width;
+                *height = frame->record.height;
+            }
+        }
+        return std::nullopt;
+    } catch (const Failure& failure) {
+        return failure.Message();
+    }
+}
+
+std::wstring Grouped(std::uint64_t number) {
+    std::wstring digits = std::to_wstring(number);
+    for (std::size_t i = digits.size(); i > 3; i -= 3)
+        digits.insert(i - 3, 1, L',');
+    return digits;
+}
+
+} // namespace vantrel::tools

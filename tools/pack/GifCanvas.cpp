@@ -1,0 +1,90 @@
+#include "tools/pack/GifCanvas.h"
+
+#include "tools/terminal/Failure.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace vantrel::tools {
+
+namespace {
+
+constexpr std::size_t largestCanvas = 1U << 27; // pixels
+constexpr auto left = L"/imgdesc/Left";
+constexpr auto top = L"/imgdesc/Top";
+
+} // namespace
+
+GifCanvas::GifCanvas(const WicPicture& picture) : picture_(picture) {
+    const WicFrame first = picture.Frame(0);
+    width_ = std::max(picture.Number(L"/logscrdesc/Width"), first.Number(left) + first.Width());
+    height_ = std::max(picture.Number(L"/logscrdesc/Height"), first.Number(top) + first.Height());
+}
+
+std::span<const Color> GifCanvas::Show(unsigned index) {
+    if (shown_ == 0 || index + 1 < shown_) {
+        const std::size_t size = std::size_t{width_} * height_;
+        if (size > largestCanvas)
+            throw Failure(picture_.Name() + L": its canvas of " + std::to_wstring(width_) + L" x " +
+                          std::to_wstring(height_) +
+                          L" pixels is too large to lay its frames over each other");
+        pixels_.assign(size, Color{});
+        shown_ = 0;
+        disposal_ = 0;
+    }
+    for (; shown_ <= index; ++shown_) {
+        Dispose();
+        Draw(picture_.Frame(shown_));
+    }
+    return pixels_;
+}
+
+void GifCanvas::Draw(const WicFrame& frame) {
+    const UINT x = std::min(frame.Number(left), width_);
+    const UINT y = std::min(frame.Number(top), height_);
+    const UINT columns = std::min(frame.Width(), width_ - x);
+    const UINT rows = std::min(frame.Height(), height_ - y);
+    covered_ = {static_cast<INT>(x), static_cast<INT>(y), static_cast<INT>(columns), static_cast<INT>(rows)};
+    disposal_ = frame.Number(L"/grctlext/Disposal");
+    beneath_.clear();
+    if (columns == 0)
+        return;
+
+    constexpr std::size_t chunkPixels = 1U << 18;
+    const auto chunkRows = static_cast<UINT>(std::max(chunkPixels / columns, std::size_t{1}));
+    std::vector<Color> chunk;
+    for (UINT first = 0; first < rows; first += chunkRows) {
+        const UINT count = std::min(chunkRows, rows - first);
+        chunk.resize(std::size_t{columns} * count);
+        frame.CopyPixels({0, static_cast<INT>(first), static_cast<INT>(columns), static_cast<INT>(count)},
+                         chunk);
+        auto pixel = chunk.begin();
+        for (UINT row = first; row < first + count; ++row) {
+            const std::span<Color> target = CoveredRow(row);
+            if (disposal_ == restoreWhatWasBeneath)
+                beneath_.insert(beneath_.end(), target.begin(), target.end());
+            for (Color& color : target) {
+                if (pixel->alpha != 0)
+                    color = *pixel;
+                ++pixel;
+            }
+        }
+    }
+}
+
+void GifCanvas::Dispose() {
+    if (disposal_ != clearFrame && disposal_ != restoreWhatWasBeneath)
+        return;
+    auto beneath = beneath_.begin();
+    for (unsigned row = 0; row < static_cast<unsigned>(covered_.Height); ++row)
+        for (Color& color : CoveredRow(row))
+            color = disposal_ == clearFrame ? Color{} : *beneath++;
+}
+
+std::span<Color> GifCanvas::CoveredRow(unsigned y) {
+    return std::span(pixels_).subspan((static_cast<std::size_t>(covered_.Y) + y) * width_ +
+                                          static_cast<std::size_t>(covered_.X),
+                                      static_cast<std::size_t>(covered_.Width));
+}
+
+} // namespace vantrel::tools

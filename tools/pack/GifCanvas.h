@@ -1,0 +1,45 @@
+// The canvas on which the frames of a GIF picture are laid over each other.
+#pragma once
+
+#include "tools/pack/WicPicture.h"
+#include "tools/picture/Rgb565.h"
+
+#include <span>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Shows what browsers show: the canvas starts out transparent and is cleared to that, whatever background the
+// file names; it is as large as the first frame needs at least, and what sticks out of it later is cut off.
+class GifCanvas {
+public:
+    // The picture must outlive the canvas. Throws Failure.
+    explicit GifCanvas(const WicPicture& picture);
+
+    UINT Width() const { return width_; } // pixels
+    UINT Height() const { return height_; }
+
+    // Composes the picture up to this frame; cheap for the frame after the last. Row after row, valid until
+    // the next call. Throws Failure.
+    std::span<const Color> Show(unsigned index);
+
+private:
+    // What the file wants done with a frame before the next one comes.
+    enum Disposal : unsigned { clearFrame = 2, restoreWhatWasBeneath = 3 };
+
+    void Draw(const WicFrame& frame);
+    void Dispose();
+    // One row of the part of the canvas that the last frame covers.
+    std::span<Color> CoveredRow(unsigned y);
+
+    const WicPicture& picture_;
+    UINT width_;
+    UINT height_;
+    std::vector<Color> pixels_; // none until something is shown
+    unsigned shown_ = 0;        // frames
+    WICRect covered_{};         // by the last one
+    unsigned disposal_ = 0;     // of the last one
+    std::vector<Color> beneath_;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,64 @@
+// A picture file as WIC reads it: frames as they are stored, in 32bppBGRA, and their metadata.
+#pragma once
+
+#include "tools/picture/Rgb565.h"
+
+#include <windows.h>
+
+#include <wincodec.h>
+#include <wrl/client.h>
+
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace vantrel::tools {
+
+using Microsoft::WRL::ComPtr;
+
+// WIC's factory. COM must be initialised on the thread. Throws Failure.
+ComPtr<IWICImagingFactory> CreateWicFactory();
+
+// One frame. All operations but Number throw Failure.
+class WicFrame {
+public:
+    // The name is the one that errors give.
+    WicFrame(IWICImagingFactory& factory, ComPtr<IWICBitmapFrameDecode> frame, std::wstring name);
+
+    UINT Width() const { return width_; } // pixels
+    UINT Height() const { return height_; }
+    const std::wstring& Name() const { return name_; }
+
+    // A whole number out of the metadata, by WIC's query language; 0 when there is none.
+    unsigned Number(const wchar_t* query) const;
+    // Copies an area, row after row.
+    void CopyPixels(const WICRect& area, std::span<Color> pixels) const;
+
+private:
+    ComPtr<IWICBitmapFrameDecode> frame_;
+    ComPtr<IWICBitmapSource> source_;
+    std::wstring name_;
+    UINT width_ = 0;
+    UINT height_ = 0;
+};
+
+// An open file. All operations but Is and Number throw Failure.
+class WicPicture {
+public:
+    WicPicture(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path);
+
+    unsigned FrameCount() const { return frameCount_; } // at least 1
+    const std::wstring& Name() const { return name_; }  // as the user gave it
+
+    bool Is(const GUID& containerFormat) const;
+    unsigned Number(const wchar_t* query) const;
+    WicFrame Frame(unsigned index) const;
+
+private:
+    ComPtr<IWICImagingFactory> factory_;
+    ComPtr<IWICBitmapDecoder> decoder_;
+    std::wstring name_;
+    unsigned frameCount_ = 0;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,36 @@
+#include "tools/picture/ColorTable.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace vantrel::tools {
+
+ColorTable::ColorTable(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key)
+    : key_(colorTableEntries), nearest_(65536, unknown) {
+    std::vector<std::uint16_t> sorted(colors.begin(), colors.end());
+    std::ranges::sort(sorted);
+    if (key) {
+        const auto place = std::ranges::lower_bound(sorted, *key);
+        key_ = static_cast<std::size_t>(place - sorted.begin());
+        sorted.insert(place, *key);
+    }
+    used_ = std::min(sorted.size(), colorTableEntries);
+    std::copy_n(sorted.begin(), used_, entries_.colours);
+}
+
+std::uint8_t ColorTable::NearestIndex(std::uint16_t rgb565) {
+    std::uint16_t& known = nearest_[rgb565];
+    if (known == unknown) {
+        int best = std::numeric_limits<int>::max();
+        for (std::size_t i = 0; i < used_; ++i) {
+            const int distance = Distance(FromRgb565(rgb565), FromRgb565(entries_.colours[i]));
+            if (distance < best && i != key_) {
+                best = distance;
+                known = static_cast<std::uint16_t>(i);
+            }
+        }
+    }
+    return static_cast<std::uint8_t>(known);
+}
+
+} // namespace vantrel::tools

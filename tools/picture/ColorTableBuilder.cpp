@@ -1,0 +1,153 @@
+#include "tools/picture/ColorTableBuilder.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace vantrel::tools {
+
+namespace {
+
+using Channels = std::array<float, 3>;
+
+// One 16-bit colour of the picture, and how many pixels have it.
+struct Bin {
+    Channels color;
+    float weight;
+};
+
+// Some of the bins, as one colour would stand for them.
+struct Box {
+    explicit Box(std::span<Bin> all) : bins(all) {
+        std::array<double, 3> sum{};
+        std::array<double, 3> squares{};
+        double weight = 0;
+        for (const Bin& bin : bins) {
+            weight += bin.weight;
+            for (std::size_t c = 0; c < sum.size(); ++c) {
+                sum[c] += double{bin.weight} * bin.color[c];
+                squares[c] += double{bin.weight} * bin.color[c] * bin.color[c];
+            }
+        }
+        double widest = -1;
+        for (std::size_t c = 0; c < sum.size(); ++c) {
+            mean[c] = static_cast<float>(sum[c] / weight);
+            const double spread = squares[c] - sum[c] * sum[c] / weight;
+            missed += spread;
+            if (spread > widest) {
+                widest = spread;
+                axis = c;
+            }
+        }
+        if (bins.size() < 2)
+            missed = 0;
+    }
+
+    std::span<Bin> bins;
+    Channels mean{};
+    double missed = 0;    // squared distance of all pixels from the mean
+    std::size_t axis = 0; // the channel that has the most of it
+};
+
+// Splits the box that is missed by most at its mean, until there are enough.
+std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
+    std::vector<Box> boxes = {Box(bins)};
+    while (boxes.size() < wanted) {
+        Box& worst = *std::ranges::max_element(boxes, {}, &Box::missed);
+        if (worst.missed <= 0)
+            break;
+        const auto upper = std::ranges::partition(
+            worst.bins, [&](const Bin& bin) { return bin.color[worst.axis] <= worst.mean[worst.axis]; });
+        const std::size_t lower = worst.bins.size() - upper.size();
+        if (lower == 0 || upper.empty()) { // rounding alone told its colours apart
+            worst.missed = 0;
+            continue;
+        }
+        const Box second(worst.bins.subspan(lower));
+        worst = Box(worst.bins.first(lower));
+        boxes.push_back(second);
+    }
+    std::vector<Channels> means;
+    for (const Box& box : boxes)
+        means.push_back(box.mean);
+    return means;
+}
+
+// Moves each colour to the middle of the bins that are nearest to it.
+void Settle(std::span<const Bin> bins, std::vector<Channels>& colors) {
+    std::array<std::vector<float>, 3> planes; // of the colours, for the compiler to work on several at once
+    for (std::size_t c = 0; c < planes.size(); ++c)
+        for (const Channels& color : colors)
+            planes[c].push_back(color[c]);
+    struct Sum {
+        std::array<double, 3> color{};
+        double weight = 0;
+    };
+    std::vector<Sum> sums(colors.size());
+    std::vector<float> distances(colors.size());
+    for (const Bin& bin : bins) {
+        for (std::size_t i = 0; i < distances.size(); ++i) {
+            const float blue = bin.color[0] - planes[0][i];
+            const float green = bin.color[1] - planes[1][i];
+            const float red = bin.color[2] - planes[2][i];
+            distances[i] = blue * blue + green * green + red * red;
+        }
+        Sum& sum = sums[static_cast<std::size_t>(std::ranges::min_element(distances) - distances.begin())];
+        sum.weight += bin.weight;
+        for (std::size_t c = 0; c < bin.color.size(); ++c)
+            sum.color[c] += double{bin.weight} * bin.color[c];
+    }
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        if (sums[i].weight > 0)
+            for (std::size_t c = 0; c < colors[i].size(); ++c)
+                colors[i][c] = static_cast<float>(sums[i].color[c] / sums[i].weight);
+}
+
+} // namespace
+
+void ColorTableBuilder::Add(std::span<const Color> pixels) {
+    for (const Color pixel : pixels)
+        if (pixel != key_)
+            ++counts_[ToRgb565(pixel)];
+}
+
+std::size_t ColorTableBuilder::Distinct() const {
+    return counts_.size() - static_cast<std::size_t>(std::ranges::count(counts_, 0U));
+}
+
+ColorTable ColorTableBuilder::Build() const {
+    const std::vector<std::uint16_t> colors = Choose();
+    return {colors, key_ ? std::optional(ToRgb565(*key_)) : std::nullopt};
+}
+
+std::vector<std::uint16_t> ColorTableBuilder::Choose() const {
+    std::vector<std::uint16_t> chosen;
+    std::vector<Bin> bins;
+    for (std::size_t color = 0; color < counts_.size(); ++color)
+        if (counts_[color] != 0) {
+            chosen.push_back(static_cast<std::uint16_t>(color));
+            const Color shown = FromRgb565(chosen.back());
+            bins.push_back({.color = {1.0F * shown.blue, 1.0F * shown.green, 1.0F * shown.red},
+                            .weight = static_cast<float>(counts_[color])});
+        }
+    if (chosen.size() <= Room())
+        return chosen;
+
+    std::vector<Channels> colors = SplitByVariance(bins, Room());
+    constexpr int passes = 6; // more gain next to nothing
+    for (int i = 0; i < passes; ++i)
+        Settle(bins, colors);
+
+    chosen.clear();
+    for (const Channels& color : colors)
+        chosen.push_back(ToRgb565({.blue = static_cast<std::uint8_t>(std::lround(color[0])),
+                                   .green = static_cast<std::uint8_t>(std::lround(color[1])),
+                                   .red = static_cast<std::uint8_t>(std::lround(color[2])),
+                                   .alpha = 255}));
+    std::ranges::sort(chosen);
+    chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
+    return chosen;
+}
+
+} // namespace vantrel::tools

@@ -1,0 +1,37 @@
+// Chooses the colours of an 8-bit picture.
+#pragma once
+
+#include "tools/picture/ColorTable.h"
+#include "tools/picture/Rgb565.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Sees all pixels of all frames once, then chooses the table: their own colours when they fit, else the ones
+// that the picture misses least by. Not WIC's choice, which is coarser and differs between Wine and Windows.
+class ColorTableBuilder {
+public:
+    explicit ColorTableBuilder(std::optional<Color> key) : key_(key), counts_(65536) {}
+
+    // Opaque pixels; those of the key's very colour do not count.
+    void Add(std::span<const Color> pixels);
+
+    // True when each pixel's 16-bit colour has an entry of its own in the table.
+    bool IsExact() const { return Distinct() <= Room(); }
+    ColorTable Build() const;
+
+private:
+    std::size_t Room() const { return colorTableEntries - (key_ ? 1U : 0U); }
+    std::size_t Distinct() const;
+    std::vector<std::uint16_t> Choose() const;
+
+    std::optional<Color> key_;
+    std::vector<std::uint64_t> counts_; // pixels, by 16-bit colour
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,31 @@
+// Animated GIF files; the pixels are compressed by the Windows Imaging Component.
+#pragma once
+
+#include "codec/ZmiFormat.h"
+#include "tools/terminal/OutputFile.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace vantrel::tools {
+
+// The animation runs for ever, and is as large as its largest frame. All operations throw Failure.
+class GifWriter {
+public:
+    // The output outlives the writer, and is the caller's to commit.
+    GifWriter(OutputFile& output, unsigned delayMilliseconds);
+
+    // A frame of width x height indices, rows from top to bottom, that takes the place of the one before it.
+    void AddFrame(std::uint16_t width, std::uint16_t height, std::span<std::uint8_t> indices,
+                  const Palette& palette, std::optional<std::uint8_t> transparentIndex);
+    void Finish();
+
+private:
+    OutputFile& output_;
+    unsigned delay_; // in hundredths of a second
+    std::uint16_t width_ = 0;
+    std::uint16_t height_ = 0;
+};
+
+} // namespace vantrel::tools

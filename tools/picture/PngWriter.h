@@ -1,0 +1,52 @@
+// PNG files, written row by row through the Windows Imaging Component.
+#pragma once
+
+#include "tools/terminal/OutputFile.h"
+
+#include <windows.h>
+
+#include <wincodec.h>
+#include <wrl/client.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+// A line of text in a PNG file. The keyword is Latin-1, 1 to 79 characters; PNG's own list has Title,
+// Description, Software and some more.
+struct PngText {
+    std::string keyword;
+    std::wstring text;
+};
+
+// Keeps no more than a row in memory. All operations throw Failure.
+class PngWriter {
+public:
+    // The output outlives the writer, and is the caller's to commit. An opaque picture has no alpha in its
+    // file. Control characters in texts are made visible.
+    PngWriter(OutputFile& output, unsigned width, unsigned height, bool isOpaque,
+              const std::vector<PngText>& texts = {});
+    ~PngWriter();
+
+    // Rows from top to bottom, one 0xAARRGGBB word per pixel, colours not multiplied by their alpha.
+    void WriteRow(const std::uint32_t* words);
+    // When all rows are written.
+    void Finish();
+
+private:
+    class Stream;
+
+    void Check(HRESULT result) const;
+
+    unsigned width_;
+    bool isOpaque_;
+    std::unique_ptr<Stream> stream_; // outlives the encoder, which refers to it
+    Microsoft::WRL::ComPtr<IWICBitmapEncoder> encoder_;
+    Microsoft::WRL::ComPtr<IWICBitmapFrameEncode> frame_;
+    std::vector<BYTE> row_;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,111 @@
+#include "tools/unpack/FileReport.h"
+
+#include <array>
+#include <cwchar>
+
+namespace vantrel::tools {
+
+namespace {
+
+std::wstring Hexadecimal(std::uint32_t number, int digits) {
+    std::array<wchar_t, 12> text{};
+    std::swprintf(text.data(), text.size(), L"0x%0*X", digits, static_cast<unsigned>(number));
+    return text.data();
+}
+
+std::wstring Size(std::uint16_t width, std::uint16_t height) {
+    return std::to_wstring(width) + L" x " + std::to_wstring(height);
+}
+
+std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
+    constexpr std::array<const wchar_t*, 4> names = {L"1 bit", L"256 colours", L"16-bit colour",
+                                                     L"the reserved mode 3"};
+    const PixelMode mode = ModeOf(flags);
+    const std::wstring name = names[static_cast<std::size_t>(mode)];
+    if ((flags & transparencyFlag) == 0)
+        return name;
+    switch (mode) {
+    case PixelMode::Indexed:
+        return name + L", index " + std::to_wstring(transparentKey) + L" is transparent";
+    case PixelMode::Rgb565:
+        return name + L", colour " + Hexadecimal(transparentKey, 4) + L" is transparent";
+    default:
+        return name + L" with a transparent colour, which means nothing here";
+    }
+}
+
+} // namespace
+
+std::wstring DescribeColours(const FrameRecord& frame) {
+    return DescribeMode(frame.flags, frame.transparentKey);
+}
+
+std::wstring DescribeFrame(const FileFrame& frame) {
+    const FrameRecord& record = frame.record;
+    std::wstring text = Size(record.width, record.height) + L", " + DescribeColours(record);
+    if (record.frameDataOffset != 0)
+        text +=
+            L", " + Grouped(frame.pixelByteCount) + L" bytes at offset " + Grouped(record.frameDataOffset);
+    if (frame.paletteOffset != 0)
+        text += L", colour table at offset " + Grouped(frame.paletteOffset);
+    return text;
+}
+
+std::vector<std::wstring> DescribeFile(const ZmiFile& file) {
+    const FrameReader& frames = file.Frames();
+    const FileHeader& header = frames.File();
+    const ImageHeader& image = frames.Image();
+    std::vector<std::wstring> lines = {
+        Grouped(file.Size()) + L" bytes, version " + std::to_wstring(header.version) + L", kind " +
+        std::to_wstring(header.kind) + L", payload of " + Grouped(header.dataSize) + L" bytes at offset " +
+        Grouped(header.dataOffset)};
+    if (frames.Fault() == FileFault::FileHeader || frames.Fault() == FileFault::ImageHeader)
+        return lines;
+    lines.push_back(L"title \"" + file.Title() + L"\"");
+    if (image.pixelOffset == 0) {
+        lines.push_back(L"no pixels: the blank picture");
+        return lines;
+    }
+    lines.push_back(L"picture " + Size(image.width, image.height) + L", " +
+                    DescribeMode(image.flags, image.transparentKey) + L", flags " +
+                    Hexadecimal(image.flags, 2));
+    if ((image.flags & frameTableFlag) != 0)
+        lines.push_back(std::to_wstring(frames.Table().frameCount) + L" frames, table at offset " +
+                        Grouped(image.pixelOffset));
+    return lines;
+}
+
+void AddFrameFacts(JsonObject& object, const FileFrame& frame) {
+    const FrameRecord& record = frame.record;
+    object.Add("width", std::uint16_t{record.width});
+    object.Add("height", std::uint16_t{record.height});
+    object.Add("mode", static_cast<unsigned>(ModeOf(record.flags)));
+    object.Add("flags", unsigned{record.flags});
+    object.Add("pixelOffset", std::uint32_t{record.frameDataOffset});
+    object.Add("pixelBytes", frame.pixelByteCount);
+    if (frame.paletteOffset != 0)
+        object.Add("paletteOffset", frame.paletteOffset);
+    if ((record.flags & transparencyFlag) != 0)
+        object.Add("transparentKey", std::uint32_t{record.transparentKey});
+}
+
+void AddFileFacts(JsonObject& object, const ZmiFile& file) {
+    const FileHeader& header = file.Frames().File();
+    const ImageHeader& image = file.Frames().Image();
+    object.Add("size", file.Size());
+    object.Add("version", std::uint32_t{header.version});
+    object.Add("kind", unsigned{header.kind});
+    object.Add("dataOffset", std::uint32_t{header.dataOffset});
+    object.Add("dataSize", std::uint32_t{header.dataSize});
+    object.Add("title", file.Title());
+    object.Add("width", std::uint16_t{image.width});
+    object.Add("height", std::uint16_t{image.height});
+    object.Add("mode", static_cast<unsigned>(ModeOf(image.flags)));
+    object.Add("flags", unsigned{image.flags});
+    object.Add("pixelOffset", std::uint32_t{image.pixelOffset});
+    object.Add("paletteOffset", std::uint32_t{image.paletteOffset});
+    object.Add("transparentKey", std::uint32_t{image.transparentKey});
+    object.Add("frameCount", std::uint16_t{file.Frames().Table().frameCount});
+}
+
+} // namespace vantrel::tools

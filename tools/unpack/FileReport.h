@@ -1,0 +1,24 @@
+// What is said of a file: a line for each fact, or the same as JSON.
+#pragma once
+
+#include "tools/inspection/ZmiFile.h"
+#include "tools/terminal/JsonObject.h"
+
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+// "256 colours, index 7 is transparent".
+std::wstring DescribeColours(const FrameRecord& frame);
+// "3 x 5, 256 colours, 15 bytes at offset 722, colour table at offset 210".
+std::wstring DescribeFrame(const FileFrame& frame);
+
+// Lines about the file as a whole.
+std::vector<std::wstring> DescribeFile(const ZmiFile& file);
+
+// Add what is known of a frame, and of a file as a whole.
+void AddFrameFacts(JsonObject& object, const FileFrame& frame);
+void AddFileFacts(JsonObject& object, const ZmiFile& file);
+
+} // namespace vantrel::tools

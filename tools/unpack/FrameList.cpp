@@ -1,0 +1,36 @@
+#include "tools/unpack/FrameList.h"
+
+#include "tools/terminal/CommandLine.h"
+
+#include <algorithm>
+
+namespace vantrel::tools {
+
+FrameList::FrameList(std::wstring_view text) {
+    constexpr unsigned most = 65535;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find(L',', begin), text.size());
+        const std::wstring_view item = text.substr(begin, end - begin);
+        const std::size_t dash = std::min(item.find(L'-'), item.size());
+        const unsigned first = ParseNumber(L"--frames", item.substr(0, dash), 1, most);
+        const unsigned last =
+            dash == item.size() ? first : ParseNumber(L"--frames", item.substr(dash + 1), first, most);
+        ranges_.emplace_back(first, last);
+        begin = end + 1;
+    }
+}
+
+bool FrameList::Contains(unsigned number) const {
+    return ranges_.empty() || std::ranges::any_of(ranges_, [number](const auto& range) {
+               return number >= range.first && number <= range.second;
+           });
+}
+
+unsigned FrameList::Last() const {
+    unsigned last = 0;
+    for (const auto& range : ranges_)
+        last = std::max(last, range.second);
+    return last;
+}
+
+} // namespace vantrel::tools

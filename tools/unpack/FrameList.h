@@ -1,0 +1,25 @@
+// The frames that the user asked for.
+#pragma once
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vantrel::tools {
+
+// Numbers count from 1. Empty means all frames.
+class FrameList {
+public:
+    FrameList() = default;
+    // Reads "1,3,5-8". Throws UsageError.
+    explicit FrameList(std::wstring_view text);
+
+    bool Contains(unsigned number) const;
+    // The highest number named; 0 when empty.
+    unsigned Last() const;
+
+private:
+    std::vector<std::pair<unsigned, unsigned>> ranges_;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,28 @@
+// The names of the files that a run writes into one folder.
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+
+namespace vantrel::tools {
+
+class PictureNames {
+public:
+    // An empty folder is the current one.
+    explicit PictureNames(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+    // A path below the folder, in the slashes that the folder was given in. A name that the run has taken
+    // already, in whatever case, gets a number.
+    std::filesystem::path Take(const std::wstring& stem);
+
+private:
+    struct IgnoreCase {
+        bool operator()(const std::wstring& left, const std::wstring& right) const;
+    };
+
+    std::filesystem::path folder_;
+    std::set<std::wstring, IgnoreCase> taken_;
+};
+
+} // namespace vantrel::tools

@@ -1,0 +1,63 @@
+#include "tools/unpack/UnpackOptions.h"
+
+namespace vantrel::tools {
+
+const std::wstring_view unpackHelp =
+    LR"(zmi-unpack: unpacks ZMI files into PNG files, or into an animated GIF.
+
+  zmi-unpack [options] FILE.zmi...
+
+NAME.zmi becomes NAME.png, or NAME-001.png and so on when it has several
+frames. Each is as large as its frame, with the transparent colour transparent.
+
+  --out FOLDER    where the PNG files go (default: the current folder)
+  --frames LIST   only these frames, counted from 1: 1,3,5-8
+  --gif FILE      all these frames as one animation, in 256 colours each; PNG
+                  files then only with --out
+  --delay MS      how long it shows each frame, 10 to 60000 (default 100)
+  --info          writes no pictures, but says what the files hold, and what is
+                  wrong with them and at which offset
+  --json          one JSON document on stdout instead of lines
+  --force         replaces existing files that are not PNG or GIF files
+  --help, --version
+
+  zmi-unpack lake.zmi
+  zmi-unpack --frames 1-3 --out steps walk.zmi
+  zmi-unpack --gif walk.gif --delay 40 walk.zmi
+  zmi-unpack --info broken.zmi
+
+Exit code: 0 done, 1 a file, a frame or an output failed, 2 wrong usage.)";
+
+UnpackOptions ParseUnpackOptions(CommandLine& line) {
+    UnpackOptions options;
+    bool hasDelay = false;
+    while (const auto argument = line.Next()) {
+        if (!line.IsOption()) {
+            options.inputs.push_back(*argument);
+        } else if (*argument == L"--delay") {
+            options.delay = ParseNumber(*argument, line.Value(), 10, 60000);
+            hasDelay = true;
+        } else if (*argument == L"--out") {
+            options.out = line.Value();
+        } else if (*argument == L"--frames") {
+            options.frames = FrameList(line.Value());
+        } else if (*argument == L"--gif") {
+            options.gif = line.Value();
+        } else if (*argument == L"--info") {
+            options.info = true;
+        } else if (*argument == L"--force") {
+            options.force = true;
+        } else if (*argument != L"--json") {
+            throw UsageError(L"unknown option " + *argument);
+        }
+    }
+    if (options.inputs.empty())
+        throw UsageError(L"no file given");
+    if (options.info && (options.out || options.gif))
+        throw UsageError(L"--info writes no pictures");
+    if (hasDelay && !options.gif)
+        throw UsageError(L"--delay wants --gif");
+    return options;
+}
+
+} // namespace vantrel::tools

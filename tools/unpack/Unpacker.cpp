@@ -1,0 +1,219 @@
+#include "tools/unpack/Unpacker.h"
+
+#include "tools/picture/ColorTableBuilder.h"
+#include "tools/picture/PngWriter.h"
+#include "tools/terminal/Failure.h"
+#include "tools/unpack/FileReport.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace vantrel::tools {
+
+namespace {
+
+// "-007" of 12 frames, "-00007" of 12,000; nothing of one.
+std::wstring NumberSuffix(unsigned number, unsigned count) {
+    if (count == 1)
+        return {};
+    const std::wstring digits = std::to_wstring(number);
+    const std::size_t width = std::max<std::size_t>(3, std::to_wstring(count).size());
+    return L"-" + std::wstring(width - digits.size(), L'0') + digits;
+}
+
+bool HasTransparency(const FrameRecord& frame) {
+    const PixelMode mode = ModeOf(frame.flags);
+    return (frame.flags & transparencyFlag) != 0 && (mode == PixelMode::Indexed || mode == PixelMode::Rgb565);
+}
+
+} // namespace
+
+Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
+    : options_(options), json_(json), guard_(options.force), names_(options.out.value_or(L"")),
+      progress_(options.inputs.size()) {
+    for (const std::wstring& input : options.inputs)
+        guard_.Protect(input);
+    if (options.gif) {
+        animationFile_.emplace(*options.gif, FileKind::Gif, guard_);
+        animation_.emplace(*animationFile_, options.delay);
+    }
+}
+
+bool Unpacker::Run() {
+    if (json_)
+        json_->BeginList("files");
+    bool ok = true;
+    for (const std::wstring& input : options_.inputs) {
+        progress_.Step(input);
+        ok = UnpackFile(input) && ok;
+    }
+    if (animation_)
+        FinishAnimation();
+    return ok;
+}
+
+bool Unpacker::UnpackFile(const std::wstring& name) {
+    Results results;
+    std::optional<ZmiFile> file;
+    std::wstring fault;
+    try {
+        file.emplace(name);
+        fault = file->Fault();
+    } catch (const UsageError&) {
+        throw;
+    } catch (const Failure& failure) {
+        fault = failure.Message();
+    }
+    const unsigned count = file ? file->Frames().FrameCount() : 0;
+    if (fault.empty() && options_.frames.Last() > count)
+        fault = L"there is no frame " + std::to_wstring(options_.frames.Last()) + L", for the file has " +
+                std::to_wstring(count);
+
+    if (options_.info && !json_) {
+        PrintLine(name);
+        if (file)
+            for (const std::wstring& line : DescribeFile(*file))
+                PrintLine(L"  " + line);
+    }
+    if (!fault.empty())
+        Report(name, fault, results);
+    for (unsigned i = 0; i < count; ++i)
+        if (options_.frames.Contains(i + 1))
+            UnpackFrame(*file, name, static_cast<std::uint16_t>(i), results);
+
+    if (json_) {
+        JsonObject object;
+        object.Add("file", name);
+        if (file)
+            AddFileFacts(object, *file);
+        if (!fault.empty())
+            object.Add("fault", fault);
+        object.Add("frames", results.frames);
+        json_->Append(object);
+    } else if (results.pictures > 0) {
+        const std::wstring last = results.pictures > 1 ? L" ... " + results.last.wstring() : L"";
+        PrintLine(name + L" -> " + results.first.wstring() + last);
+    }
+    return results.faults == 0;
+}
+
+void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_t index, Results& results) {
+    const std::optional<FileFrame> frame = file.Frames().Frame(index);
+    std::wstring fault =
+        frame ? file.FaultOf(index, *frame)
+              : L"the record at offset " + Grouped(file.RecordOffset(index)) + L" cannot be read";
+    JsonObject facts;
+    facts.Add("frame", index + 1);
+    if (frame)
+        AddFrameFacts(facts, *frame);
+    if (options_.info && frame && !json_)
+        PrintLine(L"  frame " + std::to_wstring(index + 1) + L": " + DescribeFrame(*frame));
+    if (fault.empty() && !options_.info) {
+        bool isRead = !animation_ || AddToAnimation(file, index, *frame);
+        if (isRead && (!animation_ || options_.out)) {
+            const std::filesystem::path path =
+                names_.Take(std::filesystem::path(name).stem().wstring() +
+                            NumberSuffix(index + 1U, file.Frames().FrameCount()));
+            isRead = WritePicture(file, index, *frame, path);
+            facts.Add("png", path.wstring());
+            if (results.pictures++ == 0)
+                results.first = path;
+            results.last = path;
+        }
+        if (!isRead)
+            fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
+    }
+    if (!fault.empty()) {
+        facts.Add("fault", fault);
+        Report(name, fault, results);
+    }
+    if (json_)
+        results.frames.push_back(std::move(facts));
+}
+
+bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+                            const std::filesystem::path& path) {
+    const FrameRecord& record = frame.record;
+    std::vector<PngText> texts;
+    if (const std::wstring title = file.Title(); !title.empty())
+        texts.push_back({"Title", title});
+    texts.push_back({"Description", L"frame " + std::to_wstring(index + 1) + L" of " +
+                                        std::to_wstring(file.Frames().FrameCount()) + L", " +
+                                        DescribeColours(record)});
+    texts.push_back({"Software", L"zmi-unpack " VANTREL_VERSION});
+
+    OutputFile output(path, FileKind::Png, guard_);
+    PngWriter png(output, record.width, record.height, !HasTransparency(record), texts);
+    double row = 0;
+    const auto takeRow = [&](const std::uint32_t* words) {
+        png.WriteRow(words);
+        ShowProgress(file, index, ++row / record.height);
+    };
+    if (!file.Frames().Convert(frame, takeRow))
+        return false;
+    png.Finish();
+    output.Commit();
+    return true;
+}
+
+bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame) {
+    const FrameRecord& record = frame.record;
+    const auto forEachPixel = [&](const auto& take) {
+        return file.Frames().Convert(frame, [&](const std::uint32_t* words) {
+            for (const std::uint32_t word : std::span(words, record.width))
+                take(std::bit_cast<Color>(word));
+        });
+    };
+    // Transparent pixels have one colour, which is an entry of its own beside that of opaque ones.
+    std::optional<Color> transparent;
+    bool ok = forEachPixel([&](Color pixel) {
+        if (pixel.alpha == 0)
+            transparent = pixel;
+    });
+    ColorTableBuilder builder(transparent);
+    ok = ok && forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
+    ColorTable table = builder.Build();
+    std::vector<std::uint8_t> indices;
+    indices.reserve(std::size_t{record.width} * record.height);
+    ok = ok && forEachPixel([&](Color pixel) {
+             indices.push_back(pixel.alpha == 0 ? table.KeyIndex() : table.NearestIndex(ToRgb565(pixel)));
+         });
+    if (!ok)
+        return false;
+    const auto key = transparent ? std::optional(table.KeyIndex()) : std::nullopt;
+    animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
+    ++animated_;
+    ShowProgress(file, index, 1);
+    return true;
+}
+
+void Unpacker::FinishAnimation() {
+    const std::wstring path = options_.gif->wstring();
+    if (animated_ == 0)
+        throw Failure(path + L": there is no frame for it");
+    animation_->Finish();
+    animationFile_->Commit();
+    if (json_)
+        json_->Members().Add("gif", path);
+    else
+        PrintLine(std::to_wstring(animated_) + (animated_ == 1 ? L" frame -> " : L" frames -> ") + path);
+}
+
+void Unpacker::ShowProgress(const ZmiFile& file, std::uint16_t index, double part) {
+    constexpr double steps = 1000;
+    progress_.Part(static_cast<std::uint64_t>((index + part) * steps),
+                   static_cast<std::uint64_t>(file.Frames().FrameCount() * steps));
+}
+
+void Unpacker::Report(const std::wstring& name, const std::wstring& fault, Results& results) const {
+    constexpr std::size_t most = 20;
+    ++results.faults;
+    if (options_.info && !json_)
+        PrintLine(L"  wrong: " + fault);
+    else if (results.faults <= most)
+        PrintError(L"zmi-unpack: " + name + L": " + fault);
+    else if (results.faults == most + 1)
+        PrintError(L"zmi-unpack: " + name + L": and more; --info names them all");
+}
+
+} // namespace vantrel::tools

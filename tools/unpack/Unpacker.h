@@ -1,0 +1,58 @@
+// The work of zmi-unpack: file by file, frame by frame.
+#pragma once
+
+#include "tools/inspection/ZmiFile.h"
+#include "tools/picture/GifWriter.h"
+#include "tools/terminal/Console.h"
+#include "tools/terminal/JsonDocument.h"
+#include "tools/terminal/OutputFile.h"
+#include "tools/terminal/OutputGuard.h"
+#include "tools/unpack/PictureNames.h"
+#include "tools/unpack/UnpackOptions.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantrel::tools {
+
+class Unpacker {
+public:
+    // Both outlive the unpacker; the document is there when --json was given. Throws as OutputFile does.
+    Unpacker(const UnpackOptions& options, JsonDocument* json);
+
+    // False when a file or a frame was broken; that was reported, and all others were unpacked. Throws
+    // Failure when an output fails.
+    bool Run();
+
+private:
+    struct Results {
+        std::size_t faults = 0;
+        std::size_t pictures = 0;
+        std::filesystem::path first;
+        std::filesystem::path last;
+        std::vector<JsonObject> frames;
+    };
+
+    bool UnpackFile(const std::wstring& name);
+    void UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_t index, Results& results);
+    // Both are false when the frame's pixels can't be read.
+    bool WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+                      const std::filesystem::path& path);
+    bool AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame);
+    void FinishAnimation();
+    void ShowProgress(const ZmiFile& file, std::uint16_t index, double part);
+    void Report(const std::wstring& name, const std::wstring& fault, Results& results) const;
+
+    const UnpackOptions& options_;
+    JsonDocument* json_;
+    OutputGuard guard_;
+    PictureNames names_;
+    Progress progress_;
+    std::optional<OutputFile> animationFile_;
+    std::optional<GifWriter> animation_;
+    std::size_t animated_ = 0; // frames
+};
+
+} // namespace vantrel::tools
