@@ -1,5 +1,6 @@
 #include "tools/preview/Picture.h"
 
+#include "tools/picture/PngWriter.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
@@ -54,6 +55,16 @@ Picture TakePicture(UniqueIcon icon) {
                 picture.pixels[i] |= alpha;
     }
     return picture;
+}
+
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
+              bool isOpaque, const std::uint32_t* pixels) {
+    OutputFile output(file, FileKind::Png, guard);
+    PngWriter writer(output, width, height, isOpaque);
+    for (unsigned y = 0; y < height; ++y)
+        writer.WriteRow(pixels + std::size_t{y} * width);
+    writer.Finish();
+    output.Commit();
 }
 
 } // namespace vantrel::tools

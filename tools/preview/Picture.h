@@ -2,8 +2,10 @@
 #pragma once
 
 #include "support/Handles.h"
+#include "tools/terminal/OutputGuard.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -23,5 +25,10 @@ struct Picture {
 Picture TakePicture(UniqueBitmap bitmap);
 // Icons show through their alpha, or through their mask when all of their alpha is 0.
 Picture TakePicture(UniqueIcon icon);
+
+// Rows and pixels as in Picture. Throws what OutputFile and PngWriter throw; the file appears only when it is
+// complete.
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
+              bool isOpaque, const std::uint32_t* pixels);
 
 } // namespace vantrel::tools

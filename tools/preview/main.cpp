@@ -1,7 +1,7 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
 #include "tools/inspection/ZmiFile.h"
+#include "tools/picture/PictureNames.h"
 #include "tools/preview/doctor/Doctor.h"
-#include "tools/preview/PictureFolder.h"
 #include "tools/preview/PreviewOptions.h"
 #include "tools/preview/Report.h"
 #include "tools/preview/sheet/ContactSheet.h"
@@ -29,6 +29,21 @@ FileReport Ask(HandlerRegistry& registry, const InputFile& file, const std::vect
     if (report.results.empty() || !report.Ok())
         report.fault = FindFault(file.path);
     return report;
+}
+
+// What can't be written becomes a failed result.
+void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard& guard,
+                  HandlerResult& result) {
+    try {
+        const Picture& picture = result.picture;
+        const auto png = names.Take(file.path.stem().wstring() + L"-" + result.pngSuffix);
+        WritePng(png, guard, picture.width, picture.height, picture.isOpaque, picture.pixels.data());
+        result.png = png;
+    } catch (const Failure& failure) {
+        result.ok = false;
+        result.text = failure.Message();
+        result.code = failure.Result();
+    }
 }
 
 // The files that the arguments stand for. An argument without any is told at once and makes ok false.
@@ -70,7 +85,7 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
         nameColumns = std::max(nameColumns, std::min(Visible(file.shown).size(), widestName));
         guard.Protect(file.path);
     }
-    PictureFolder folder(options.out.value_or(L""), guard);
+    PictureNames names(options.out.value_or(L""));
     const bool wantsSingles = !options.sheet || options.out;
     std::vector<unsigned> sizes;
     if (wantsSingles)
@@ -82,7 +97,7 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
     std::wstring sizeForSheetAlone;
     if (options.sheet) {
         guard.Check(*options.sheet, FileKind::Png);
-        folder.Reserve(*options.sheet);
+        names.Reserve(*options.sheet);
         sheet.emplace(files.size());
         const unsigned edge = sheet->ThumbnailEdge();
         if (std::ranges::find(sizes, edge) == sizes.end()) {
@@ -99,10 +114,8 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
         if (sheet)
             sheet->Add(report);
         for (HandlerResult& result : report.results)
-            if (result.pngSuffix == sizeForSheetAlone)
-                result.pngSuffix.clear();
-        if (wantsSingles)
-            folder.Write(report);
+            if (wantsSingles && !result.pngSuffix.empty() && result.pngSuffix != sizeForSheetAlone)
+                WritePicture(file, names, guard, result);
         ok = ok && report.Ok();
         if (json)
             json->Append(ToJson(report));

@@ -1,6 +1,5 @@
 #include "tools/preview/sheet/ContactSheet.h"
 
-#include "tools/preview/PngFile.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
