@@ -49,6 +49,7 @@ const State states[] = {
     {"for the machine", [](auto& f) { MoveToMachine(f), f.isExplorerElevated = true; }, {}},
     {"shadow",
      [](auto& f) {
+         f.isExplorerElevated = true;
          for (ValueFacts& v : f.values)
              v.machine = v.Effective();
      },
@@ -59,6 +60,14 @@ const State states[] = {
      },
      {LR"(fail this user's registration (HKCU) hides 1 of the machine's values (HKLM); HKCU names C:\W\)",
       LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
+    {"a shadow of what is gone",
+     [](auto& f) {
+         MoveToMachine(f), f.values[server].user = {ERROR_SUCCESS, other},
+                           f.values[threading].user = {ERROR_SUCCESS};
+         f.servers.push_back({other, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)});
+     },
+     {L"hides 2 of the machine's values (HKLM); HKCU names",
+      LR"(fail C:\W\Vantrel64.dll, registered for Vantrel Thumbnail Provider, is not found. Fix: run regsvr32 /u)"}},
     {"none",
      [](auto& f) {
          for (ValueFacts& v : f.values)
@@ -105,11 +114,11 @@ const State states[] = {
      {L"fail 5 classes can't be created, the first: COM can't create the class Vantrel Thumbnail "
       L"Provider: "}},
     {"library gone",
-     [](auto& f) { f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); },
-     {LR"(fail C:\V\Vantrel64.dll, registered for 5 classes, is not found. Fix: run regsvr32)"}},
+     [](auto& f) { f.ownLibrary.reset(), f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); },
+     {LR"(fail C:\V\Vantrel64.dll, registered for 5 classes, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
     {"32 bits",
      [](auto& f) { f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT); },
-     {L"registered for 5 classes, is not a 64-bit library. Fix: "}},
+     {L"registered for 5 classes, is not a 64-bit library. Fix: install Vantrel64 again"}},
     {"two libraries",
      [](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
      {LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\V\)"}},
@@ -127,8 +136,9 @@ const State states[] = {
      [](auto& f) { f.ownLibrary = other; },
      {LR"(warn the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
     {"other copy given",
-     [](auto& f) { f.givenLibrary = other, f.servers.push_back({other}); },
-     {LR"(fail the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
+     [](auto& f) { f.givenLibrary = other, f.servers.push_back({other}), f.values[threading].user = {}; },
+     {LR"([ThreadingModel] is missing. Fix: run regsvr32 "C:\W\)",
+      LR"(fail the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
     {"foreign library given",
      [](auto& f) {
          f.givenLibrary = L"x.dll";
@@ -139,7 +149,8 @@ const State states[] = {
      [](auto& f) {
          f.classes[icon].answer.reset();
          f.classes[thumbnail].answer = L"{0}";
-         f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}}};
+         f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}},
+                       {.progId = L"Z", .handlers = {L"{3}"}}};
      },
      {LR"(fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another )",
       LR"(fail the system uses another icon handler for .zmi, {2} of the program Y. Fix: choose another )"}},
@@ -276,7 +287,7 @@ TEST_F(DoctorTest, SeesTheSystem) {
     std::filesystem::create_directory(folder_ / L"empty");
     iconsOnly.Set(DWORD{0});
     expectTold(0, {L"good.zmi"},
-               {"values in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
+               {"values are in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
                 "Vantrel64.dll creates the five classes", "no setting and no policy", "[ok]   good.zmi",
                 "\nNothing is wrong here."});
     expectTold(1, {L"--json", L"empty", L"mode3.zmi", L"frameless.zmi", L"thin.zmi", L"none.zmi"},

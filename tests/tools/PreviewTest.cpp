@@ -1,13 +1,14 @@
 #include "tests/tools/ToolTest.h"
 
 #include <regex>
+#include <set>
 
 namespace vantrel::tests {
 namespace {
 
 using PreviewTest = ToolTest;
 
-const ZmiBuilder single{.frames = {{30, 20}}, .title = R"(a "b\c")"};
+const ZmiBuilder single{.frames = {{30, 20}}, .title = "a \"b\\c\x1B\n"};
 const ZmiBuilder several{.mode = 1, .frames = {{5, 4}, {3, 3}}};
 
 Bytes With(Bytes file, std::size_t base, Field field, std::uint32_t value) {
@@ -49,7 +50,8 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
          "outside the payload (112 to 1,367): the pixels of frame 1, 1,200 bytes at offset 168"},
         {With(good, payload, image_header::flags, 0x18), "frame 1 is in pixel mode 3"},
         {With(good, payload, image_header::width, 0), "frame 1 is 0 x 20 pixels"},
-        {With(frames, payload, image_header::paletteOffset, 1), "the colour table of frame 1, 512 bytes at offset 1"},
+        {With(frames, payload, image_header::paletteOffset, 1),
+         "the colour table of frame 1, 512 bytes at offset 1"},
         {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
         {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
          "the pixels of frame 2, 9 bytes at offset 99,999"},
@@ -70,20 +72,54 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
     }
 }
 
-TEST_F(PreviewTest, WritesJsonThatParses) {
+TEST_F(PreviewTest, WritesJsonThatParsesInEveryCase) {
+    std::filesystem::create_directory(folder_ / L"folder");
     Write(L"good.zmi", single.Build());
     Write(L"bad.zmi", {'x'});
-    const ToolRun run = Preview({L"--json", L"--sizes", L"300", L"--out", L"out", L"good.zmi", L"bad.zmi"});
-    run.Ended(1, "bad.zmi: no picture");
-    EXPECT_TRUE(IsJson(run.out)) << run.out;
-    for (const char* part :
-         {R"({"files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\"")",
+    const struct {
+        Arguments arguments;
+        DWORD exitCode;
+        const char* words;
+        std::vector<const char*> parts;
+    } cases[] = {
+        {{L"--sizes", L"300", L"--out", L"out", L"--sheet", L"page.png", L"good.zmi", L"folder", L"bad.zmi"},
+         1,
+         "bad.zmi: no picture",
+         {R"({"files": [)", R"("file": "good.zmi", "ok": true)", R"("result": "a \"b\\c\u001b\u000a"})",
           R"("result": "300 x 200", "width": 300, "height": 200, "png": "out\\good-300.png")",
+          R"("request": "dimensions", "ok": true, "result": "30 x 20", "width": 30, "height": 20})",
+          R"("request": "bit depth", "ok": true, "result": 16})", R"(Z"})",
           R"("handler": "icon", "request": "16", "ok": true)",
-          R"("handler": "column", "request": "dimensions", "ok": true, "result": "30 x 20")",
+          R"("file": "folder", "ok": false, "reason": "folder: the folder holds no .zmi file", "results": [])",
           R"("file": "bad.zmi", "ok": false, "reason": "no picture: the file has 1 bytes)",
-          R"("hresult": "0x80004005")"})
-        EXPECT_TRUE(Contains(run.out, part)) << part << "\n" << run.out;
+          R"("hresult": "0x80004005"})", R"(]}], "sheet": "page.png", "ok": false})"}},
+        {{L"folder"}, 1, "no .zmi file", {R"("results": []}], "ok": false})"}},
+        {{}, 2, "no file given", {R"({"ok": false, "error": "no file given)"}},
+    };
+    for (auto [arguments, exitCode, words, parts] : cases) {
+        arguments.push_back(L"--json");
+        const ToolRun run = Preview(arguments);
+        run.Ended(exitCode, words);
+        EXPECT_TRUE(IsJson(run.out)) << run.out;
+        for (const char* part : parts)
+            EXPECT_TRUE(Contains(run.out, part)) << part << "\n" << run.out;
+    }
+}
+
+TEST_F(PreviewTest, KeepsItsPicturesApartAndGoesOnWhenOneFails) {
+    std::filesystem::create_directories(folder_ / L"out" / L"a-icon-32.png");
+    for (const wchar_t* name : {L"a.zmi", L"a-icon.zmi", L"out\\A.zmi"})
+        Write(name, single.Build());
+    const ToolRun run =
+        Preview({L"--sizes", L"32", L"--out", L"out", L"--sheet", L"out\\a-icon-16.png", L"a*.zmi", L"out"});
+    run.Ended(1, "a-icon.zmi: thumbnail 32: out\\a-icon-32.png: this is a folder");
+    // No line of its own for the second one in a title.
+    EXPECT_TRUE(Contains(run.out, "a \"b\\c<U+001B><U+000A>\n")) << run.out;
+    std::set<std::string> names;
+    const std::regex arrow(R"(-> (.+))");
+    for (std::sregex_iterator at(run.out.begin(), run.out.end(), arrow), end; at != end; ++at)
+        EXPECT_TRUE(names.insert((*at)[1]).second) << (*at)[1];
+    EXPECT_EQ(12u, names.size()) << run.out;
 }
 
 TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
@@ -99,7 +135,7 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"good.zmi", L"--out"}, 2, "--out needs a value"},
         {{L"--json=yes", L"good.zmi"}, 2, "--json takes no value"},
         {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
-        {{L"folder"}, 1, "folder: the folder holds no .zmi file"},
+        {{L"--sheet=page.png", L"--sizes=9", L"good.zmi"}, 0, "the sheet chooses"},
         {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
         {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: a file stands where"},
         {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; one"},
@@ -108,7 +144,6 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the files to read"},
         {{L"--", L"--good.zmi"}, 0, ""},
     };
-    std::filesystem::create_directory(folder_ / L"folder");
     Write(L"good.zmi", single.Build());
     Write(L"good.png", single.Build());
     Write(L"text.png", {'t'});
@@ -116,7 +151,7 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
     for (const auto& [arguments, exitCode, words] : cases) {
         const ToolRun run = Preview(arguments);
         run.Ended(exitCode, words);
-        EXPECT_EQ(exitCode == 0 ? 0 : 1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
+        EXPECT_EQ(*words ? 1 : 0, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
     }
 }
 

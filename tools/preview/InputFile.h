@@ -12,8 +12,8 @@ struct InputFile {
     std::filesystem::path path; // absolute, and in \\?\ form when it is long
 };
 
-// A folder stands for the .zmi files right in it, in the order in which Explorer lists them. Throws Failure
-// for a folder that can't be read or holds none; whether a file exists shows when it is asked for.
-std::vector<InputFile> FindInputFiles(const std::vector<std::wstring>& arguments);
+// As FindFiles finds them, of a folder the .zmi files. Throws Failure when there is none, and UsageError for
+// an empty name; whether a file that was named exists shows when it is asked for.
+std::vector<InputFile> FindInputFiles(const std::wstring& argument);
 
 } // namespace vantrel::tools

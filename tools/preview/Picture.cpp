@@ -1,33 +1,18 @@
 #include "tools/preview/Picture.h"
 
+#include "tools/picture/PngWriter.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
-#include <memory>
-#include <type_traits>
+#include <utility>
 
 namespace vantrel::tools {
 
-namespace {
-
-struct BitmapDeleter {
-    void operator()(HBITMAP bitmap) const { DeleteObject(bitmap); }
-};
-using BitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, BitmapDeleter>;
-
-struct IconDeleter {
-    void operator()(HICON icon) const { DestroyIcon(icon); }
-};
-using IconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
-
-} // namespace
-
-Picture TakePicture(HBITMAP handle) {
-    const BitmapHandle bitmap(handle);
+Picture TakePicture(UniqueBitmap bitmap) {
     // The library may still have drawing calls in GDI's batch.
     GdiFlush();
     BITMAP facts{};
-    if (GetObjectW(handle, sizeof(facts), &facts) == 0 || facts.bmWidth <= 0 || facts.bmHeight == 0)
+    if (GetObjectW(bitmap.get(), sizeof(facts), &facts) == 0 || facts.bmWidth <= 0 || facts.bmHeight == 0)
         throw Failure(L"the bitmap handle is not a bitmap", E_HANDLE);
     Picture picture;
     picture.width = static_cast<unsigned>(facts.bmWidth);
@@ -41,36 +26,45 @@ Picture TakePicture(HBITMAP handle) {
     info.bmiHeader.biHeight = -static_cast<LONG>(picture.height);
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
-    const HDC screen = GetDC(nullptr);
-    const int rows =
-        GetDIBits(screen, handle, 0, picture.height, picture.pixels.data(), &info, DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
+    const UniqueScreenDc screen(GetDC(nullptr));
+    const int rows = GetDIBits(screen.get(), bitmap.get(), 0, picture.height, picture.pixels.data(), &info,
+                               DIB_RGB_COLORS);
     if (rows != static_cast<int>(picture.height))
         throw Failure(L"the bitmap's pixels cannot be read");
     return picture;
 }
 
-Picture TakePicture(HICON handle) {
-    const IconHandle icon(handle);
+Picture TakePicture(UniqueIcon icon) {
     ICONINFO info{};
-    if (!GetIconInfo(handle, &info))
-        Check(HRESULT_FROM_WIN32(GetLastError()), L"GetIconInfo");
-    BitmapHandle mask(info.hbmMask);
-    if (!info.hbmColor)
+    if (!GetIconInfo(icon.get(), &info))
+        FailWithLastError(L"GetIconInfo");
+    UniqueBitmap mask(info.hbmMask);
+    UniqueBitmap colours(info.hbmColor);
+    if (!colours)
         throw Failure(L"the icon has no colours");
-    Picture picture = TakePicture(info.hbmColor);
+    Picture picture = TakePicture(std::move(colours));
     picture.isOpaque = false;
 
     constexpr std::uint32_t alpha = 0xFF000000;
     const bool hasAlpha = std::any_of(picture.pixels.begin(), picture.pixels.end(),
                                       [](std::uint32_t pixel) { return (pixel & alpha) != 0; });
     if (!hasAlpha && mask) {
-        const Picture hidden = TakePicture(mask.release());
+        const Picture hidden = TakePicture(std::move(mask));
         for (std::size_t i = 0; i < std::min(picture.pixels.size(), hidden.pixels.size()); ++i)
             if ((hidden.pixels[i] & ~alpha) == 0)
                 picture.pixels[i] |= alpha;
     }
     return picture;
+}
+
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
+              bool isOpaque, const std::uint32_t* pixels) {
+    OutputFile output(file, FileKind::Png, guard);
+    PngWriter writer(output, width, height, isOpaque);
+    for (unsigned y = 0; y < height; ++y)
+        writer.WriteRow(pixels + std::size_t{y} * width);
+    writer.Finish();
+    output.Commit();
 }
 
 } // namespace vantrel::tools

@@ -1,9 +1,11 @@
 // A picture as a host got it, taken out of GDI's hands.
 #pragma once
 
-#include <windows.h>
+#include "support/Handles.h"
+#include "tools/terminal/OutputGuard.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -19,10 +21,14 @@ struct Picture {
     std::wstring Dimensions() const { return std::to_wstring(width) + L" x " + std::to_wstring(height); }
 };
 
-// Both take the handle over, destroy it in every case, and throw Failure. Thumbnails and extracted images are
-// opaque whatever their alpha bytes hold.
-Picture TakePicture(HBITMAP bitmap);
+// Both throw Failure. Thumbnails and extracted images are opaque whatever their alpha bytes hold.
+Picture TakePicture(UniqueBitmap bitmap);
 // Icons show through their alpha, or through their mask when all of their alpha is 0.
-Picture TakePicture(HICON icon);
+Picture TakePicture(UniqueIcon icon);
+
+// Rows and pixels as in Picture. Throws what OutputFile and PngWriter throw; the file appears only when it is
+// complete.
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
+              bool isOpaque, const std::uint32_t* pixels);
 
 } // namespace vantrel::tools

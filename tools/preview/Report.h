@@ -1,19 +1,20 @@
 // All answers about one file, and how they are told: as lines for people, as JSON for programs.
 #pragma once
 
-#include "tools/preview/HandlerHost.h"
-#include "tools/terminal/JsonDocument.h"
+#include "tools/preview/hosts/Hosts.h"
+#include "tools/terminal/JsonObject.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantrel::tools {
 
 struct FileReport {
     InputFile file;
-    std::vector<HandlerResult> results;
-    std::optional<std::wstring> fault; // what is wrong with the file itself
+    std::vector<HandlerResult> results{};
+    std::optional<std::wstring> fault{}; // what is wrong with the file itself
 
     bool Ok() const;
     // Null when there is no such answer, or it failed.
@@ -22,8 +23,8 @@ struct FileReport {
     std::wstring Reason() const;
 };
 
-// One aligned line per result on stdout, and one per failed file on stderr.
-void PrintReports(const std::vector<FileReport>& reports);
-void PrintJson(const std::vector<FileReport>& reports, JsonDocument& document);
+// One line per result on stdout, aligned behind names of so many columns.
+void PrintResults(const FileReport& report, std::size_t nameColumns);
+JsonObject ToJson(const FileReport& report);
 
 } // namespace vantrel::tools

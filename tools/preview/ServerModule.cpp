@@ -10,17 +10,13 @@ namespace vantrel::tools {
 ServerModule::ServerModule(const std::filesystem::path& path)
     : module_(LoadLibraryExW(path.c_str(), nullptr, path.is_absolute() ? LOAD_WITH_ALTERED_SEARCH_PATH : 0)) {
     if (!module_)
-        Check(HRESULT_FROM_WIN32(GetLastError()), L"cannot load " + path.wstring());
-}
-
-ServerModule::~ServerModule() {
-    FreeLibrary(module_);
+        FailWithLastError(L"cannot load " + path.wstring());
 }
 
 void ServerModule::Create(REFCLSID classId, REFIID interfaceId, void** object) const {
     using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
     const auto getClassObject = reinterpret_cast<GetClassObject>(
-        reinterpret_cast<void*>(GetProcAddress(module_, "DllGetClassObject")));
+        reinterpret_cast<void*>(GetProcAddress(module_.get(), "DllGetClassObject")));
     if (!getClassObject)
         throw Failure(L"the DLL exports no DllGetClassObject", HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
     Microsoft::WRL::ComPtr<IClassFactory> factory;

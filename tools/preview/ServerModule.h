@@ -1,7 +1,7 @@
 // An in-process COM server, loaded by its path.
 #pragma once
 
-#include <windows.h>
+#include "support/Handles.h"
 
 #include <filesystem>
 
@@ -12,17 +12,14 @@ class ServerModule {
 public:
     // Throws Failure when the DLL does not load.
     explicit ServerModule(const std::filesystem::path& path);
-    ~ServerModule();
-    ServerModule(const ServerModule&) = delete;
-    ServerModule& operator=(const ServerModule&) = delete;
 
-    bool Exports(const char* name) const { return GetProcAddress(module_, name) != nullptr; }
+    bool Exports(const char* name) const { return GetProcAddress(module_.get(), name) != nullptr; }
 
     // Makes an object through the DLL's class factory; the caller owns the reference. Throws Failure.
     void Create(REFCLSID classId, REFIID interfaceId, void** object) const;
 
 private:
-    HMODULE module_;
+    UniqueModule module_;
 };
 
 } // namespace vantrel::tools

@@ -1,198 +1,143 @@
 // zmi-preview: shows what a host of the Shell gets from the installed library.
 #include "tools/inspection/ZmiFile.h"
-#include "tools/preview/ColumnHost.h"
-#include "tools/preview/ContactSheet.h"
+#include "tools/picture/PictureNames.h"
 #include "tools/preview/doctor/Doctor.h"
-#include "tools/preview/ExtractImageHost.h"
-#include "tools/preview/IconHost.h"
-#include "tools/preview/PngFile.h"
-#include "tools/preview/PropertyHost.h"
+#include "tools/preview/PreviewOptions.h"
 #include "tools/preview/Report.h"
-#include "tools/preview/ThumbnailHost.h"
+#include "tools/preview/sheet/ContactSheet.h"
 #include "tools/terminal/ComApartment.h"
-#include "tools/terminal/CommandLine.h"
 #include "tools/terminal/Console.h"
-#include "tools/terminal/LongPath.h"
+#include "tools/terminal/Failure.h"
 #include "tools/terminal/RunTool.h"
 
 #include <algorithm>
-#include <memory>
-#include <set>
+#include <iterator>
 
 namespace vantrel::tools {
 
 namespace {
 
-constexpr const wchar_t* help = LR"(zmi-preview shows what the Shell gets from the installed ZMI library.
-
-Usage: zmi-preview [options] FILE|FOLDER...
-       zmi-preview --doctor [--json] [FILE|FOLDER...]
-A folder stands for the .zmi files in it. Each of the five handlers is asked as
-its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
-
-  --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
-  --out FOLDER   where the PNG files go (default: the current folder)
-  --sheet FILE   one PNG page with all files; single PNGs only with --out
-  --dll FILE     use this library, registered or not
-  --json         one JSON document on stdout instead of lines
-  --force        replace files that are not PNG files
-  --doctor       find out why there are no thumbnails, and how to cure it
-  --help         this text
-  --version      the version
-
-Exit codes: 0 fine; 1 a file has no picture or something failed; 2 wrong usage.
-Examples:
-  zmi-preview --sizes 512 --out previews sunset.zmi C:\Pictures
-  zmi-preview --sheet page.png C:\Pictures
-  zmi-preview --doctor sunset.zmi)";
-
-struct Options {
-    std::vector<unsigned> sizes = {256, 96, 32};
-    std::optional<std::filesystem::path> out;
-    std::optional<std::filesystem::path> sheet;
-    std::optional<std::filesystem::path> dll;
-    bool doctor = false;
-    bool force = false;
-    std::vector<std::wstring> inputs;
-};
-
-std::vector<unsigned> ParseSizes(const std::wstring& list) {
-    constexpr unsigned largest = 4096;
-    std::vector<unsigned> sizes;
-    for (std::size_t begin = 0; begin <= list.size();) {
-        const std::size_t end = std::min(list.find(L',', begin), list.size());
-        const unsigned size = ParseNumber(L"--sizes", list.substr(begin, end - begin), 1, largest);
-        if (std::find(sizes.begin(), sizes.end(), size) == sizes.end())
-            sizes.push_back(size);
-        begin = end + 1;
+FileReport Ask(HandlerRegistry& registry, const InputFile& file, const std::vector<unsigned>& sizes) {
+    FileReport report{.file = file};
+    if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES) {
+        AskForThumbnails(registry, file, sizes, report.results);
+        AskForProperties(registry, file, report.results);
+        AskForExtractedImage(registry, file, report.results);
+        AskForIcons(registry, file, report.results);
+        AskForColumn(registry, file, report.results);
     }
-    return sizes;
+    if (report.results.empty() || !report.Ok())
+        report.fault = FindFault(file.path);
+    return report;
 }
 
-Options Parse(CommandLine& line) {
-    Options options;
-    while (const auto argument = line.Next()) {
-        if (!line.IsOption())
-            options.inputs.push_back(*argument);
-        else if (*argument == L"--sizes")
-            options.sizes = ParseSizes(line.Value());
-        else if (*argument == L"--out")
-            options.out = line.Value();
-        else if (*argument == L"--sheet")
-            options.sheet = line.Value();
-        else if (*argument == L"--dll")
-            options.dll = LongPath(line.Value());
-        else if (*argument == L"--force")
-            options.force = true;
-        else if (*argument == L"--doctor")
-            options.doctor = true;
-        else if (*argument != L"--json")
-            throw UsageError(L"unknown option " + *argument);
+// What can't be written becomes a failed result.
+void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard& guard,
+                  HandlerResult& result) {
+    try {
+        const Picture& picture = result.picture;
+        const auto png = names.Take(file.path.stem().wstring() + L"-" + result.pngSuffix);
+        WritePng(png, guard, picture.width, picture.height, picture.isOpaque, picture.pixels.data());
+        result.png = png;
+    } catch (const Failure& failure) {
+        result.ok = false;
+        result.text = failure.Message();
+        result.code = failure.Result();
     }
-    if (options.doctor && (options.sheet || options.out))
-        throw UsageError(L"--doctor writes no pictures");
-    if (options.inputs.empty() && !options.doctor)
-        throw UsageError(L"no file given");
-    return options;
 }
 
-// Writes a file's pictures into one folder. Files of the same name from different folders get a number.
-class PictureFolder {
-public:
-    PictureFolder(std::filesystem::path folder, const OutputGuard& guard)
-        : folder_(std::move(folder)), guard_(guard) {}
-
-    void Write(FileReport& report) {
-        const std::wstring stem = report.file.path.stem().wstring();
-        std::wstring unique = stem;
-        for (unsigned number = 2; !taken_.insert(unique).second; ++number)
-            unique = stem + L"-" + std::to_wstring(number);
-        for (HandlerResult& result : report.results) {
-            if (result.picture.pixels.empty())
+// The files that the arguments stand for. An argument without any is told at once and makes ok false.
+std::vector<InputFile> FindFiles(const PreviewOptions& options, JsonDocument* json, bool& ok) {
+    std::vector<InputFile> files;
+    for (const std::wstring& argument : options.inputs) {
+        try {
+            std::ranges::move(FindInputFiles(argument), std::back_inserter(files));
+        } catch (const UsageError&) {
+            throw;
+        } catch (const Failure& failure) {
+            ok = false;
+            PrintError(L"zmi-preview: " + failure.Message());
+            if (!json)
                 continue;
-            const std::filesystem::path file = folder_ / (unique + L"-" + result.pngSuffix + L".png");
-            WritePng(file, guard_, result.picture);
-            // In the slashes that the folder was given in.
-            const bool isGeneric = folder_.native().find(L'/') != std::wstring::npos;
-            result.png = isGeneric ? file.generic_wstring() : file.wstring();
+            JsonObject item;
+            item.Add("file", argument);
+            item.Add("ok", false);
+            item.Add("reason", failure.Message());
+            item.Add("results", std::vector<JsonObject>());
+            json->Append(item);
         }
     }
+    return files;
+}
 
-private:
-    struct IgnoreCase {
-        bool operator()(const std::wstring& left, const std::wstring& right) const {
-            return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
-        }
-    };
+bool Preview(const PreviewOptions& options, JsonDocument* json) {
+    if (json)
+        json->BeginList("files");
+    bool ok = true;
+    const std::vector<InputFile> files = FindFiles(options, json, ok);
+    if (files.empty())
+        return false;
 
-    std::filesystem::path folder_;
-    const OutputGuard& guard_;
-    std::set<std::wstring, IgnoreCase> taken_;
-};
-
-bool Preview(const Options& options, JsonDocument* json) {
-    const std::vector<InputFile> files = FindInputFiles(options.inputs);
     OutputGuard guard(options.force);
-    for (const InputFile& file : files)
+    std::size_t nameColumns = 0;
+    for (const InputFile& file : files) {
+        constexpr std::size_t widestName = 40;
+        nameColumns = std::max(nameColumns, std::min(Visible(file.shown).size(), widestName));
         guard.Protect(file.path);
-    if (options.sheet)
-        guard.Check(*options.sheet, FileKind::Png);
+    }
+    PictureNames names(options.out.value_or(L""));
+    const bool wantsSingles = !options.sheet || options.out;
+    std::vector<unsigned> sizes;
+    if (wantsSingles)
+        sizes = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
+    else if (options.sizes)
+        PrintError(L"zmi-preview: the sheet chooses its thumbnails' size itself; --sizes is for the single "
+                   L"files that --out asks for");
     std::optional<ContactSheet> sheet;
-    std::vector<unsigned> sizes = options.sizes;
+    std::wstring sizeForSheetAlone;
     if (options.sheet) {
+        guard.Check(*options.sheet, FileKind::Png);
+        names.Reserve(*options.sheet);
         sheet.emplace(files.size());
-        if (!options.out)
-            sizes.clear();
-        if (std::find(sizes.begin(), sizes.end(), sheet->ThumbnailEdge()) == sizes.end())
-            sizes.push_back(sheet->ThumbnailEdge());
+        const unsigned edge = sheet->ThumbnailEdge();
+        if (std::ranges::find(sizes, edge) == sizes.end()) {
+            sizes.push_back(edge);
+            sizeForSheetAlone = std::to_wstring(edge);
+        }
     }
 
     HandlerRegistry registry(options.dll);
-    std::vector<std::unique_ptr<HandlerHost>> hosts;
-    hosts.push_back(std::make_unique<ThumbnailHost>(registry, sizes));
-    hosts.push_back(std::make_unique<PropertyHost>(registry));
-    hosts.push_back(std::make_unique<ExtractImageHost>(registry));
-    hosts.push_back(std::make_unique<IconHost>(registry));
-    hosts.push_back(std::make_unique<ColumnHost>(registry));
-
-    PictureFolder folder(options.out.value_or(L""), guard);
-    std::vector<FileReport> reports;
-    {
-        Progress progress(files.size());
-        for (const InputFile& file : files) {
-            progress.Step(file.shown);
-            FileReport& report = reports.emplace_back();
-            report.file = file;
-            if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES)
-                for (const auto& host : hosts)
-                    host->Ask(file, report.results);
-            if (report.results.empty() || !report.Ok())
-                report.fault = FindFault(file.path);
-            if (!options.sheet || options.out)
-                folder.Write(report);
-            if (sheet)
-                sheet->Add(report);
-            for (HandlerResult& result : report.results)
-                result.picture.pixels = {};
-        }
+    Progress progress(files.size());
+    for (const InputFile& file : files) {
+        progress.Step(file.shown);
+        FileReport report = Ask(registry, file, sizes);
+        if (sheet)
+            sheet->Add(report);
+        for (HandlerResult& result : report.results)
+            if (wantsSingles && !result.pngSuffix.empty() && result.pngSuffix != sizeForSheetAlone)
+                WritePicture(file, names, guard, result);
+        ok = ok && report.Ok();
+        if (json)
+            json->Append(ToJson(report));
+        else
+            PrintResults(report, nameColumns);
+        if (!report.Ok())
+            PrintError(L"zmi-preview: " + file.shown + L": " + report.Reason());
     }
-    if (sheet)
+    if (sheet) {
         sheet->Save(*options.sheet, guard);
-    if (json)
-        PrintJson(reports, *json);
-    else
-        PrintReports(reports);
-    if (sheet && !json)
-        PrintLine(L"sheet -> " + options.sheet->wstring());
-    return std::all_of(reports.begin(), reports.end(), [](const auto& report) { return report.Ok(); });
+        if (json)
+            json->Members().Add("sheet", options.sheet->wstring());
+        else
+            PrintLine(L"sheet -> " + options.sheet->wstring());
+    }
+    return ok;
 }
 
 bool Run(CommandLine& arguments, JsonDocument* json) {
-    const Options options = Parse(arguments);
+    const PreviewOptions options = ParsePreviewOptions(arguments);
     const ComApartment apartment(COINIT_APARTMENTTHREADED);
-    if (!options.doctor)
-        return Preview(options, json);
-    return RunDoctor(options.dll, options.inputs, json);
+    return options.doctor ? RunDoctor(options.dll, options.inputs, json) : Preview(options, json);
 }
 
 } // namespace
@@ -201,5 +146,6 @@ bool Run(CommandLine& arguments, JsonDocument* json) {
 
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tools;
-    return RunTool({.name = L"zmi-preview", .help = help, .run = Run, .takesJson = true}, count, arguments);
+    return RunTool({.name = L"zmi-preview", .help = previewHelp, .run = Run, .takesJson = true}, count,
+                   arguments);
 }

@@ -3,11 +3,11 @@
 
 #include "tools/inspection/ZmiFile.h"
 #include "tools/picture/GifWriter.h"
+#include "tools/picture/PictureNames.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/JsonDocument.h"
 #include "tools/terminal/OutputFile.h"
 #include "tools/terminal/OutputGuard.h"
-#include "tools/unpack/PictureNames.h"
 #include "tools/unpack/UnpackOptions.h"
 
 #include <filesystem>

@@ -59,9 +59,8 @@ private:
     void Add(Health health, std::wstring text, std::wstring fix = {}) {
         findings_.push_back({health, std::move(text), std::move(fix)});
     }
-    // A class's value of the registration: its binding to .zmi, or its server's path.
-    const ValueFacts* Binding(HandlerKind kind) const;
-    const ValueFacts* Server(HandlerKind kind) const;
+    // The value that holds this text for a class; without text, its server's path. Null when there is none.
+    const ValueFacts* Find(HandlerKind kind, std::wstring_view data) const;
     // What is wrong with a value and where it stands or ought to; empty when nothing is wrong.
     std::wstring FaultOf(const ValueFacts& value) const;
     void CheckMachine();
@@ -114,19 +113,12 @@ std::vector<Finding> Diagnosis::Findings() {
     return std::move(findings_);
 }
 
-const ValueFacts* Diagnosis::Binding(HandlerKind kind) const {
-    for (const ValueFacts& value : facts_.values)
-        if (value.expected.data == ClassOf(kind).classId)
-            return &value;
-    return nullptr; // the column handler's binding has no identifier for its data
-}
-
-const ValueFacts* Diagnosis::Server(HandlerKind kind) const {
-    for (const ValueFacts& value : facts_.values)
-        if (value.expected.data.empty() &&
-            value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos)
-            return &value;
-    return nullptr;
+const ValueFacts* Diagnosis::Find(HandlerKind kind, std::wstring_view data) const {
+    const auto found = std::find_if(facts_.values.begin(), facts_.values.end(), [&](const ValueFacts& value) {
+        return value.expected.data == data &&
+               (!data.empty() || value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos);
+    });
+    return found == facts_.values.end() ? nullptr : &*found;
 }
 
 std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
@@ -165,15 +157,13 @@ void Diagnosis::CheckRegistration() {
             L"install Vantrel64, or " + registerAgain_ + L" as the user who is to see the thumbnails");
         return;
     }
+    const std::size_t before = findings_.size();
     std::vector<std::wstring> wrong;
-    std::ptrdiff_t machineValues = machineValues_;
     for (const ValueFacts& value : facts_.values) {
-        const bool isForMachine = value.expected.isForMachine;
-        machineValues += isForMachine && !value.machine.IsMissing();
         std::wstring fault = FaultOf(value);
         if (fault.empty() || value.IsHiding())
             continue; // those have a check of their own
-        if (isForMachine)
+        if (value.expected.isForMachine)
             Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
                 registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
         else
@@ -181,11 +171,11 @@ void Diagnosis::CheckRegistration() {
     }
     if (!wrong.empty())
         Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
-    else
-        Add(Health::Ok, L"registry values in place: " + std::to_wstring(userValues_) +
-                            L" for this user (HKCU), " + std::to_wstring(machineValues) +
-                            L" for the machine (HKLM)");
     CheckHiding();
+    if (findings_.size() == before)
+        Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
+                            L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
+                            L" for the machine (HKLM)");
 }
 
 // A registration for this user, as version 1.0.0 left it, hides the machine's.
@@ -234,7 +224,7 @@ void Diagnosis::CheckLibraries() {
         std::vector<HandlerKind> kinds;
         bool isHiding = false;
         for (const HandlerKind kind : allHandlers) {
-            const ValueFacts* value = Server(kind);
+            const ValueFacts* value = Find(kind, {});
             if (!value || !IsSame(value->Effective().text, server.path))
                 continue;
             kinds.push_back(kind);
@@ -252,7 +242,9 @@ void Diagnosis::CheckLibraries() {
                     (kinds.size() == 1 ? ClassOf(kinds[0]).description
                                        : std::to_wstring(kinds.size()) + L" classes") +
                     L"," + fault,
-                isHiding ? unhide_ : registerAgain_);
+                isHiding                           ? unhide_
+                : server.path == facts_.ownLibrary ? L"install Vantrel64 again"
+                                                   : registerAgain_);
         } else {
             Add(Health::Fail, server.path + fault, L"give the path of Vantrel64.dll with --dll");
             expected.reset();
@@ -296,7 +288,7 @@ void Diagnosis::CheckHandlers() {
     for (const HandlerKind kind : allHandlers) {
         const HandlerClass& known = ClassOf(kind);
         const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
-        const ValueFacts* binding = Binding(kind);
+        const ValueFacts* binding = Find(kind, known.classId); // none for the column handler
         if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
             continue; // a wrong binding has been told
         std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";

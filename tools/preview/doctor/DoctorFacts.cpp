@@ -104,7 +104,7 @@ ServerFacts LoadServer(const std::wstring& path) {
                 IUnknown* object = nullptr;
                 module.Create(ParseClassId(known.classId), *known.interfaceId,
                               reinterpret_cast<void**>(&object));
-                object->Release();
+                const UniqueInterface<IUnknown> owner(object);
             });
     });
     return facts;

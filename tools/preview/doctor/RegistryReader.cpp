@@ -1,5 +1,7 @@
 #include "tools/preview/doctor/RegistryReader.h"
 
+#include "support/Handles.h"
+
 namespace vantrel::tools {
 
 RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name) {
@@ -31,10 +33,9 @@ DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD 
 
 bool KeyExists(HKEY root, const std::wstring& key) {
     HKEY opened = nullptr;
-    if (RegOpenKeyExW(root, key.c_str(), 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS)
-        return false;
-    RegCloseKey(opened);
-    return true;
+    const LSTATUS status = RegOpenKeyExW(root, key.c_str(), 0, KEY_QUERY_VALUE, &opened);
+    const UniqueHandle<HKEY, RegCloseKey> owner(opened);
+    return status == ERROR_SUCCESS;
 }
 
 } // namespace vantrel::tools

@@ -1,5 +1,6 @@
-#include "tools/preview/Canvas.h"
+#include "tools/preview/sheet/Canvas.h"
 
+#include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
@@ -49,19 +50,18 @@ Canvas::Canvas(unsigned width, unsigned height, COLORREF background) : width_(wi
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
-    bitmap_ = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!bitmap_)
         throw Failure(L"no memory for a sheet of " + std::to_wstring(width) + L" x " +
                           std::to_wstring(height) + L" pixels",
                       E_OUTOFMEMORY);
     pixels_ = static_cast<std::uint32_t*>(bits);
-    context_ = CreateCompatibleDC(nullptr);
-    formerBitmap_ = SelectObject(context_, bitmap_);
-    formerFont_ = GetCurrentObject(context_, OBJ_FONT);
-    SetBkMode(context_, TRANSPARENT);
+    context_.reset(CreateCompatibleDC(nullptr));
+    SelectObject(context_.get(), bitmap_.get());
+    SetBkMode(context_.get(), TRANSPARENT);
     Fill({0, 0, static_cast<LONG>(width), static_cast<LONG>(height)}, background);
 
-    const wchar_t* face = ChooseFace(context_);
+    const wchar_t* face = ChooseFace(context_.get());
     struct Look {
         int pixelHeight;
         int weight;
@@ -69,23 +69,14 @@ Canvas::Canvas(unsigned width, unsigned height, COLORREF background) : width_(wi
     constexpr std::array<Look, 4> looks = {
         {{24, FW_SEMIBOLD}, {15, FW_SEMIBOLD}, {13, FW_NORMAL}, {11, FW_NORMAL}}};
     for (std::size_t i = 0; i < looks.size(); ++i)
-        fonts_[i] = CreateFontW(-looks[i].pixelHeight, 0, 0, 0, looks[i].weight, FALSE, FALSE, FALSE,
-                                DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
-                                DEFAULT_PITCH | FF_SWISS, face);
-}
-
-Canvas::~Canvas() {
-    SelectObject(context_, formerFont_);
-    SelectObject(context_, formerBitmap_);
-    DeleteDC(context_);
-    DeleteObject(bitmap_);
-    for (const HFONT font : fonts_)
-        DeleteObject(font);
+        fonts_[i].reset(CreateFontW(-looks[i].pixelHeight, 0, 0, 0, looks[i].weight, FALSE, FALSE, FALSE,
+                                    DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
+                                    DEFAULT_PITCH | FF_SWISS, face));
 }
 
 void Canvas::Fill(const RECT& box, COLORREF colour) {
-    SetDCBrushColor(context_, colour);
-    FillRect(context_, &box, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    SetDCBrushColor(context_.get(), colour);
+    FillRect(context_.get(), &box, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
 void Canvas::Checkerboard(const RECT& box) {
@@ -116,10 +107,11 @@ void Canvas::Draw(const Picture& picture, const RECT& box) {
 }
 
 void Canvas::Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF colour, UINT format) {
-    SelectObject(context_, fonts_[static_cast<std::size_t>(style)]);
-    SetTextColor(context_, colour);
+    SelectObject(context_.get(), fonts_[static_cast<std::size_t>(style)].get());
+    SetTextColor(context_.get(), colour);
+    const std::wstring visible = Visible(text);
     RECT area = box;
-    DrawTextW(context_, text.c_str(), static_cast<int>(text.size()), &area,
+    DrawTextW(context_.get(), visible.c_str(), static_cast<int>(visible.size()), &area,
               format | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 

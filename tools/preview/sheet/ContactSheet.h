@@ -1,18 +1,17 @@
 // One page that shows for every file what the Shell gets from each handler.
 #pragma once
 
-#include "tools/preview/Canvas.h"
 #include "tools/preview/Report.h"
+#include "tools/preview/sheet/Canvas.h"
 #include "tools/terminal/OutputGuard.h"
 
 #include <filesystem>
-#include <memory>
 
 namespace vantrel::tools {
 
 class ContactSheet {
 public:
-    // Throws Failure when the files are too many for one page.
+    // For at least one file. Throws Failure when they are too many for one page.
     explicit ContactSheet(std::size_t fileCount);
 
     // The thumbnail size that the cards show, in pixels: smaller when the files are many.
@@ -31,7 +30,7 @@ private:
     unsigned edge_;
     LONG columns_;
     LONG added_ = 0;
-    std::unique_ptr<Canvas> canvas_;
+    Canvas canvas_;
 };
 
 } // namespace vantrel::tools

@@ -1,4 +1,4 @@
-// The names of the files that a run writes into one folder.
+// The names of the PNG files that a run writes into one folder.
 #pragma once
 
 #include <filesystem>
@@ -12,6 +12,9 @@ public:
     // An empty folder is the current one.
     explicit PictureNames(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
+    // Keeps the name of another output of the run from being given out.
+    void Reserve(const std::filesystem::path& file);
+
     // A path below the folder, in the slashes that the folder was given in. A name that the run has taken
     // already, in whatever case, gets a number.
     std::filesystem::path Take(const std::wstring& stem);
@@ -22,7 +25,7 @@ private:
     };
 
     std::filesystem::path folder_;
-    std::set<std::wstring, IgnoreCase> taken_;
+    std::set<std::wstring, IgnoreCase> taken_; // absolute
 };
 
 } // namespace vantrel::tools

@@ -1,9 +1,8 @@
 // A page to draw on: filled boxes, pictures and text in a 32-bit bitmap.
 #pragma once
 
+#include "support/Handles.h"
 #include "tools/preview/Picture.h"
-
-#include <windows.h>
 
 #include <array>
 #include <cstdint>
@@ -17,9 +16,6 @@ class Canvas {
 public:
     // Throws Failure when there is no memory for so large a page.
     Canvas(unsigned width, unsigned height, COLORREF background);
-    ~Canvas();
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
 
     void Fill(const RECT& box, COLORREF colour);
     void Checkerboard(const RECT& box);
@@ -37,11 +33,9 @@ private:
     unsigned width_;
     unsigned height_;
     std::uint32_t* pixels_ = nullptr;
-    HBITMAP bitmap_;
-    HDC context_;
-    HGDIOBJ formerBitmap_;
-    HGDIOBJ formerFont_;
-    std::array<HFONT, 4> fonts_{};
+    UniqueBitmap bitmap_;
+    std::array<UniqueFont, 4> fonts_;
+    UniqueDc context_; // goes first, since a selected object can't be deleted
 };
 
 } // namespace vantrel::tools

@@ -1,4 +1,6 @@
-#include "tools/unpack/PictureNames.h"
+#include "tools/picture/PictureNames.h"
+
+#include "tools/terminal/LongPath.h"
 
 #include <windows.h>
 
@@ -8,11 +10,14 @@ bool PictureNames::IgnoreCase::operator()(const std::wstring& left, const std::w
     return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
 }
 
+void PictureNames::Reserve(const std::filesystem::path& file) {
+    taken_.insert(LongPath(file));
+}
+
 std::filesystem::path PictureNames::Take(const std::wstring& stem) {
-    std::wstring name = stem;
-    for (unsigned number = 2; !taken_.insert(name).second; ++number)
-        name = stem + L" (" + std::to_wstring(number) + L")";
-    const std::filesystem::path path = folder_ / (name + L".png");
+    std::filesystem::path path = folder_ / (stem + L".png");
+    for (unsigned number = 2; !taken_.insert(LongPath(path)).second; ++number)
+        path = folder_ / (stem + L" (" + std::to_wstring(number) + L").png");
     const bool isGeneric = folder_.native().find(L'/') != std::wstring::npos;
     return isGeneric ? path.generic_wstring() : path.wstring();
 }

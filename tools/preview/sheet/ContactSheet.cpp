@@ -1,7 +1,6 @@
-#include "tools/preview/ContactSheet.h"
+#include "tools/preview/sheet/ContactSheet.h"
 
-#include "tools/preview/IconHost.h"
-#include "tools/preview/PngFile.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -56,6 +55,16 @@ LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
     return emptyPlaces(more) < emptyPlaces(fewer) ? more : fewer;
 }
 
+Canvas MakePage(std::size_t fileCount, unsigned edge, LONG columns) {
+    if (fileCount > mostFiles)
+        throw Failure(L"a sheet holds at most " + std::to_wstring(mostFiles) + L" files, not " +
+                      std::to_wstring(fileCount));
+    const LONG rows = (static_cast<LONG>(fileCount) + columns - 1) / columns;
+    return {static_cast<unsigned>(2 * margin + columns * CardWidth(edge) + (columns - 1) * gap),
+            static_cast<unsigned>(headingHeight + rows * CardHeight(edge) + (rows - 1) * gap + margin),
+            pageColour};
+}
+
 std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view request) {
     const HandlerResult* result = report.Find(kind, request);
     return result ? result->text : L"";
@@ -72,26 +81,19 @@ std::wstring Facts(const FileReport& report) {
 } // namespace
 
 ContactSheet::ContactSheet(std::size_t fileCount)
-    : edge_(fileCount > mostLargeCards ? compactEdge : largeEdge), columns_(ColumnsFor(fileCount, edge_)) {
-    if (fileCount > mostFiles)
-        throw Failure(L"a sheet holds at most " + std::to_wstring(mostFiles) + L" files, not " +
-                      std::to_wstring(fileCount));
-    const LONG rows = (static_cast<LONG>(fileCount) + columns_ - 1) / columns_;
-    canvas_ = std::make_unique<Canvas>(
-        static_cast<unsigned>(2 * margin + columns_ * CardWidth(edge_) + (columns_ - 1) * gap),
-        static_cast<unsigned>(headingHeight + rows * CardHeight(edge_) + (rows - 1) * gap + margin),
-        pageColour);
+    : edge_(fileCount > mostLargeCards ? compactEdge : largeEdge), columns_(ColumnsFor(fileCount, edge_)),
+      canvas_(MakePage(fileCount, edge_, columns_)) {
     DrawHeading(fileCount);
 }
 
 void ContactSheet::DrawHeading(std::size_t fileCount) {
-    const LONG right = static_cast<LONG>(canvas_->Width()) - margin;
-    canvas_->Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColour,
-                  DT_SINGLELINE | DT_VCENTER);
-    canvas_->Text({margin, 54, right, 74},
-                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") + L", thumbnails at " +
-                      std::to_wstring(edge_) + L" px",
-                  TextStyle::Body, greyColour, DT_SINGLELINE | DT_VCENTER);
+    const LONG right = static_cast<LONG>(canvas_.Width()) - margin;
+    canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColour,
+                 DT_SINGLELINE | DT_VCENTER);
+    canvas_.Text({margin, 54, right, 74},
+                 std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") + L", thumbnails at " +
+                     std::to_wstring(edge_) + L" px",
+                 TextStyle::Body, greyColour, DT_SINGLELINE | DT_VCENTER);
 }
 
 void ContactSheet::Add(const FileReport& report) {
@@ -99,28 +101,30 @@ void ContactSheet::Add(const FileReport& report) {
     const LONG top = headingHeight + added_ / columns_ * (CardHeight(edge_) + gap);
     ++added_;
     const RECT card{left, top, left + CardWidth(edge_), top + CardHeight(edge_)};
-    canvas_->Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColour);
-    canvas_->Fill(card, cardColour);
+    canvas_.Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColour);
+    canvas_.Fill(card, cardColour);
 
     const LONG edge = static_cast<LONG>(edge_);
     const RECT well{left + padding, top + padding, left + padding + edge, top + padding + edge};
     const HandlerResult* thumbnail = report.Find(HandlerKind::Thumbnail, std::to_wstring(edge_));
-    canvas_->Fill(well, thumbnail ? wellColour : failedColour);
+    canvas_.Fill(well, thumbnail ? wellColour : failedColour);
     if (thumbnail) {
-        canvas_->Draw(thumbnail->picture, well);
+        canvas_.Draw(thumbnail->picture, well);
     } else {
-        canvas_->Text({well.left + 12, well.top + 12, well.right - 12, well.bottom - 12}, report.Reason(),
-                      TextStyle::Body, alarmColour, DT_WORDBREAK | DT_EDITCONTROL);
+        canvas_.Text({well.left + 12, well.top + 12, well.right - 12, well.bottom - 12}, report.Reason(),
+                     TextStyle::Body, alarmColour, DT_WORDBREAK | DT_EDITCONTROL);
     }
 
     RECT line{well.left, well.bottom + belowThumbnail, well.right,
               well.bottom + belowThumbnail + titleHeight};
     const auto write = [&](const std::wstring& text, TextStyle style, COLORREF colour) {
-        canvas_->Text(line, text, style, colour, DT_SINGLELINE | DT_VCENTER);
+        canvas_.Text(line, text, style, colour, DT_SINGLELINE | DT_VCENTER);
         line = {line.left, line.bottom, line.right, line.bottom + lineHeight};
     };
     const std::wstring title = Value(report, HandlerKind::Properties, L"title");
-    if (title.empty())
+    if (!thumbnail)
+        write(title.empty() ? L"No picture" : title, TextStyle::Title, alarmColour);
+    else if (title.empty())
         write(L"no title", TextStyle::Body, greyColour);
     else
         write(title, TextStyle::Title, inkColour);
@@ -131,11 +135,11 @@ void ContactSheet::Add(const FileReport& report) {
 
     LONG x = well.left;
     const LONG middle = card.bottom - padding - iconRowHeight / 2;
-    DrawIcon(report, IconHost::largeEdge, x, middle);
-    DrawIcon(report, IconHost::smallEdge, x, middle);
+    DrawIcon(report, largeIconEdge, x, middle);
+    DrawIcon(report, smallIconEdge, x, middle);
     if (thumbnail && edge_ == largeEdge)
-        canvas_->Text({x, middle - 10, well.right, middle + 10}, thumbnail->picture.Dimensions() + L" px",
-                      TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+        canvas_.Text({x, middle - 10, well.right, middle + 10}, thumbnail->picture.Dimensions() + L" px",
+                     TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
 }
 
 void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle) {
@@ -143,21 +147,21 @@ void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LO
     constexpr LONG labelWidth = 34;
     const LONG half = static_cast<LONG>(edge) / 2 + border;
     const RECT tile{x, middle - half, x + 2 * half, middle + half};
-    canvas_->Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColour);
+    canvas_.Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColour);
     const HandlerResult* icon = report.Find(HandlerKind::Icon, std::to_wstring(edge));
     if (icon) {
-        canvas_->Checkerboard(tile);
-        canvas_->Draw(icon->picture, tile);
+        canvas_.Checkerboard(tile);
+        canvas_.Draw(icon->picture, tile);
     } else {
-        canvas_->Fill(tile, failedColour);
+        canvas_.Fill(tile, failedColour);
     }
-    canvas_->Text({tile.right + 7, middle - 10, tile.right + 7 + labelWidth, middle + 10},
-                  std::to_wstring(edge) + L" px", TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER);
+    canvas_.Text({tile.right + 7, middle - 10, tile.right + 7 + labelWidth, middle + 10},
+                 std::to_wstring(edge) + L" px", TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER);
     x = tile.right + 7 + labelWidth + 8;
 }
 
 void ContactSheet::Save(const std::filesystem::path& file, const OutputGuard& guard) const {
-    WritePng(file, guard, canvas_->Width(), canvas_->Height(), true, canvas_->Pixels());
+    WritePng(file, guard, canvas_.Width(), canvas_.Height(), true, canvas_.Pixels());
 }
 
 } // namespace vantrel::tools

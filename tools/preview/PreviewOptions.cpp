@@ -1,0 +1,77 @@
+#include "tools/preview/PreviewOptions.h"
+
+#include "tools/terminal/LongPath.h"
+
+#include <algorithm>
+
+namespace vantrel::tools {
+
+namespace {
+
+std::vector<unsigned> ParseSizes(const std::wstring& list) {
+    constexpr unsigned largest = 4096;
+    std::vector<unsigned> sizes;
+    for (std::size_t begin = 0; begin <= list.size();) {
+        const std::size_t end = std::min(list.find(L',', begin), list.size());
+        const unsigned size = ParseNumber(L"--sizes", list.substr(begin, end - begin), 1, largest);
+        if (std::ranges::find(sizes, size) == sizes.end())
+            sizes.push_back(size);
+        begin = end + 1;
+    }
+    return sizes;
+}
+
+} // namespace
+
+const std::wstring_view previewHelp =
+    LR"(zmi-preview: shows what the Shell gets from the installed ZMI library.
+
+  zmi-preview [options] FILE|FOLDER...
+  zmi-preview --doctor [--dll FILE] [--json] [FILE|FOLDER...]
+
+A folder stands for the .zmi files in it. Each of the five handlers is asked as
+its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
+
+  --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
+  --out FOLDER   where the PNG files go (default: the current folder)
+  --sheet FILE   one PNG page of all files; single PNG files only with --out
+  --force        replaces existing files even when they are not PNG files
+  --dll FILE     asks this library, registered or not
+  --json         prints one JSON document instead of lines
+  --doctor       finds out why there are no thumbnails, and what to do about it
+  --help, --version
+
+  zmi-preview --sizes 512 --out previews sunset.zmi C:\Pictures
+  zmi-preview --sheet page.png C:\Pictures
+  zmi-preview --doctor sunset.zmi
+
+Exit code: 0 done, 1 a file has no picture or an output failed, 2 wrong usage.)";
+
+PreviewOptions ParsePreviewOptions(CommandLine& line) {
+    PreviewOptions options;
+    while (const auto argument = line.Next()) {
+        if (!line.IsOption())
+            options.inputs.push_back(*argument);
+        else if (*argument == L"--sizes")
+            options.sizes = ParseSizes(line.Value());
+        else if (*argument == L"--out")
+            options.out = line.Value();
+        else if (*argument == L"--sheet")
+            options.sheet = line.Value();
+        else if (*argument == L"--dll")
+            options.dll = LongPath(line.Value());
+        else if (*argument == L"--force")
+            options.force = true;
+        else if (*argument == L"--doctor")
+            options.doctor = true;
+        else if (*argument != L"--json")
+            throw UsageError(L"unknown option " + *argument);
+    }
+    if (options.doctor && (options.sheet || options.out || options.sizes || options.force))
+        throw UsageError(L"--doctor writes no pictures");
+    if (options.inputs.empty() && !options.doctor)
+        throw UsageError(L"no file given");
+    return options;
+}
+
+} // namespace vantrel::tools

@@ -1,0 +1,29 @@
+// What the user asks of zmi-preview.
+#pragma once
+
+#include "tools/terminal/CommandLine.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantrel::tools {
+
+struct PreviewOptions {
+    std::optional<std::vector<unsigned>> sizes; // edges of thumbnails in pixels, each one once
+    std::optional<std::filesystem::path> out;
+    std::optional<std::filesystem::path> sheet;
+    std::optional<std::filesystem::path> dll; // absolute
+    bool force = false;
+    bool doctor = false;
+    std::vector<std::wstring> inputs;
+};
+
+// Throws UsageError.
+PreviewOptions ParsePreviewOptions(CommandLine& line);
+
+extern const std::wstring_view previewHelp;
+
+} // namespace vantrel::tools

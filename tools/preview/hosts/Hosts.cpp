@@ -1,0 +1,267 @@
+#include "tools/preview/hosts/Hosts.h"
+
+#include "support/IColumnProvider.h"
+#include "tools/terminal/ComApartment.h"
+#include "tools/terminal/Failure.h"
+
+#include <propsys.h>
+#include <shlobj.h>
+#include <shlwapi.h>
+#include <thumbcache.h>
+
+#include <algorithm>
+#include <array>
+#include <cwchar>
+#include <thread>
+
+namespace vantrel::tools {
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+constexpr GUID imageFormat = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
+constexpr GUID summaryFormat = {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}};
+
+struct NamedProperty {
+    PROPERTYKEY key;
+    const wchar_t* name;
+};
+constexpr std::array<NamedProperty, 3> namedProperties = {{
+    {{summaryFormat, 2}, L"title"},
+    {{imageFormat, 13}, L"dimensions"},
+    {{imageFormat, 7}, L"bit depth"},
+}};
+
+// Runs one request and turns a Failure into its result.
+template <class Ask>
+void Attempt(std::vector<HandlerResult>& results, HandlerKind handler, std::wstring request, Ask ask) {
+    HandlerResult& result = results.emplace_back(HandlerResult{handler, std::move(request)});
+    try {
+        ask(result);
+        result.ok = true;
+    } catch (const Failure& failure) {
+        result.text = failure.Message();
+        result.code = failure.Result();
+    }
+}
+
+template <class Interface>
+ComPtr<Interface> Create(HandlerRegistry& registry, HandlerKind kind, const InputFile& file) {
+    return registry.Create<Interface>(kind, file.path.extension().wstring());
+}
+
+ComPtr<IInitializeWithStream> CreateOverStream(HandlerRegistry& registry, HandlerKind kind,
+                                               const InputFile& file) {
+    auto handler = Create<IInitializeWithStream>(registry, kind, file);
+    ComPtr<IStream> stream;
+    Check(SHCreateStreamOnFileEx(file.path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
+                                 stream.GetAddressOf()),
+          L"opening the file");
+    Check(handler->Initialize(stream.Get(), STGM_READ), L"Initialize");
+    return handler;
+}
+
+template <class Interface>
+ComPtr<Interface> CreateOverPath(HandlerRegistry& registry, HandlerKind kind, const InputFile& file) {
+    auto handler = Create<Interface>(registry, kind, file);
+    ComPtr<IPersistFile> persist;
+    Check(handler.As(&persist), L"IPersistFile");
+    Check(persist->Load(file.path.c_str(), STGM_READ), L"Load");
+    return handler;
+}
+
+// A short name for the properties that ZMI handlers serve, "{format} number" for any other. The system's own
+// PSGetNameFromPropertyKey is left alone: Wine ends the process there.
+std::wstring PropertyName(const PROPERTYKEY& key) {
+    for (const auto& [known, name] : namedProperties)
+        if (known.pid == key.pid && IsEqualGUID(known.fmtid, key.fmtid))
+            return name;
+    std::array<wchar_t, 40> format{};
+    StringFromGUID2(key.fmtid, format.data(), static_cast<int>(format.size()));
+    return std::wstring(format.data()) + L" " + std::to_wstring(key.pid);
+}
+
+// Stores the value in the result, and clears it. Throws Failure for a type that no ZMI handler delivers.
+void TakeValue(PROPVARIANT& value, HandlerResult& result) {
+    const VARTYPE type = value.vt;
+    if (type == VT_BSTR)
+        result.text.assign(value.bstrVal ? value.bstrVal : L"", SysStringLen(value.bstrVal));
+    else if (type == VT_LPWSTR)
+        result.text = value.pwszVal ? value.pwszVal : L"";
+    else if (type == VT_I4 || type == VT_UI4)
+        result.number = value.ulVal;
+    PropVariantClear(&value);
+    if (result.number)
+        result.text = std::to_wstring(*result.number);
+    else if (type != VT_BSTR && type != VT_LPWSTR)
+        throw Failure(L"a value of the unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
+    else if (result.request == L"dimensions")
+        std::swscanf(result.text.c_str(), L"%u x %u", &result.picture.width, &result.picture.height);
+}
+
+// As the old hosts did it: the bare pointer goes to the second thread, and only one thread uses the object at
+// a time. Marshalling it would send Extract back to the thread that wants to be spared.
+HRESULT ExtractOnSecondThread(IExtractImage& extractor, HBITMAP& bitmap) {
+    HRESULT result = E_UNEXPECTED;
+    std::thread([&] {
+        const ComApartment apartment(COINIT_APARTMENTTHREADED);
+        result = extractor.Extract(&bitmap);
+    }).join();
+    return result;
+}
+
+// False when the path does not fit, as a column's old structures hold no longer one.
+bool Store(const std::wstring& path, wchar_t (&target)[MAX_PATH]) {
+    if (path.size() >= MAX_PATH)
+        return false;
+    std::copy(path.begin(), path.end(), target);
+    return true;
+}
+
+} // namespace
+
+void AskForThumbnails(HandlerRegistry& registry, const InputFile& file, std::span<const unsigned> edges,
+                      std::vector<HandlerResult>& results) {
+    for (const unsigned edge : edges)
+        Attempt(results, HandlerKind::Thumbnail, std::to_wstring(edge), [&](HandlerResult& result) {
+            ComPtr<IThumbnailProvider> provider;
+            Check(CreateOverStream(registry, HandlerKind::Thumbnail, file).As(&provider),
+                  L"IThumbnailProvider");
+            HBITMAP bitmap = nullptr;
+            WTS_ALPHATYPE alpha = WTSAT_UNKNOWN;
+            Check(provider->GetThumbnail(edge, &bitmap, &alpha), L"GetThumbnail");
+            result.picture = TakePicture(UniqueBitmap(bitmap));
+            result.picture.isOpaque = alpha != WTSAT_ARGB;
+            result.text = result.picture.Dimensions();
+            result.pngSuffix = std::to_wstring(edge);
+        });
+}
+
+void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+    ComPtr<IPropertyStore> store;
+    DWORD count = 0;
+    try {
+        Check(CreateOverStream(registry, HandlerKind::Properties, file).As(&store), L"IPropertyStore");
+        Check(store->GetCount(&count), L"GetCount");
+    } catch (const Failure& failure) {
+        Attempt(results, HandlerKind::Properties, L"all", [&](HandlerResult&) { throw failure; });
+        return;
+    }
+    for (DWORD i = 0; i < count; ++i) {
+        PROPERTYKEY key{};
+        const HRESULT named = store->GetAt(i, &key);
+        Attempt(results, HandlerKind::Properties, PropertyName(key), [&](HandlerResult& result) {
+            Check(named, L"GetAt");
+            PROPVARIANT value;
+            PropVariantInit(&value);
+            Check(store->GetValue(key, &value), L"GetValue");
+            TakeValue(value, result);
+        });
+    }
+}
+
+void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
+                          std::vector<HandlerResult>& results) {
+    // Not square, so that the box around the picture shows.
+    constexpr SIZE box = {160, 120};
+    ComPtr<IExtractImage2> extractor;
+    const std::wstring size = std::to_wstring(box.cx) + L" x " + std::to_wstring(box.cy);
+    Attempt(results, HandlerKind::ExtractImage, size, [&](HandlerResult& result) {
+        extractor = CreateOverPath<IExtractImage2>(registry, HandlerKind::ExtractImage, file);
+        std::array<wchar_t, MAX_PATH> location{};
+        DWORD priority = 0;
+        DWORD flags = IEIFLAG_ASYNC | IEIFLAG_SCREEN | IEIFLAG_ASPECT;
+        const HRESULT located = extractor->GetLocation(location.data(), static_cast<DWORD>(location.size()),
+                                                       &priority, &box, 32, &flags);
+        HBITMAP bitmap = nullptr;
+        if (located == E_PENDING) {
+            Check(ExtractOnSecondThread(*extractor.Get(), bitmap), L"Extract on a second thread");
+        } else {
+            Check(located, L"GetLocation");
+            Check(extractor->Extract(&bitmap), L"Extract");
+        }
+        result.picture = TakePicture(UniqueBitmap(bitmap));
+        result.text = result.picture.Dimensions();
+        if (located == E_PENDING)
+            result.text += L", from a second thread";
+        result.pngSuffix = L"extract";
+    });
+    if (!extractor)
+        return;
+    Attempt(results, HandlerKind::ExtractImage, L"date", [&](HandlerResult& result) {
+        FILETIME time{};
+        Check(extractor->GetDateStamp(&time), L"GetDateStamp");
+        SYSTEMTIME parts{};
+        FileTimeToSystemTime(&time, &parts);
+        const auto write = [&](const wchar_t* format) {
+            std::array<wchar_t, 40> text{};
+            std::swprintf(text.data(), text.size(), format, parts.wYear, parts.wMonth, parts.wDay,
+                          parts.wHour, parts.wMinute, parts.wSecond);
+            return std::wstring(text.data());
+        };
+        result.text = write(L"%04u-%02u-%02u %02u:%02u:%02u UTC");
+        result.isoTime = write(L"%04u-%02u-%02uT%02u:%02u:%02uZ");
+    });
+}
+
+void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+    HICON largeIcon = nullptr;
+    HICON smallIcon = nullptr;
+    // One request makes both icons; when it fails, the large one may be there all the same.
+    std::vector<HandlerResult> both;
+    Attempt(both, HandlerKind::Icon, {}, [&](HandlerResult&) {
+        const auto extractor = CreateOverPath<IExtractIconW>(registry, HandlerKind::Icon, file);
+        std::array<wchar_t, MAX_PATH> iconFile{};
+        int index = 0;
+        UINT flags = 0;
+        Check(extractor->GetIconLocation(GIL_FORSHELL, iconFile.data(), static_cast<UINT>(iconFile.size()),
+                                         &index, &flags),
+              L"GetIconLocation");
+        if ((flags & GIL_NOTFILENAME) == 0)
+            throw Failure(L"the handler names the icon file " + std::wstring(iconFile.data()) +
+                          L" instead of drawing the picture");
+        Check(extractor->Extract(L"", 0, &largeIcon, &smallIcon, MAKELONG(largeIconEdge, smallIconEdge)),
+              L"Extract");
+    });
+    const auto take = [&](unsigned edge, UniqueIcon icon) {
+        Attempt(results, HandlerKind::Icon, std::to_wstring(edge), [&](HandlerResult& result) {
+            if (!icon)
+                throw Failure(both.front().ok ? L"Extract gave no icon" : both.front().text,
+                              both.front().ok ? E_FAIL : both.front().code);
+            result.picture = TakePicture(std::move(icon));
+            result.text = result.picture.Dimensions() + L", with alpha";
+            result.pngSuffix = L"icon-" + std::to_wstring(edge);
+        });
+    };
+    take(largeIconEdge, UniqueIcon(largeIcon));
+    take(smallIconEdge, UniqueIcon(smallIcon));
+}
+
+void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+    Attempt(results, HandlerKind::Column, L"dimensions", [&](HandlerResult& result) {
+        const auto provider = Create<IColumnProvider>(registry, HandlerKind::Column, file);
+        SHCOLUMNINIT folder{};
+        SHCOLUMNDATA item{};
+        std::wstring extension = file.path.extension().wstring();
+        item.pwszExt = extension.data();
+        item.dwFileAttributes = GetFileAttributesW(file.path.c_str());
+        if (!Store(file.path.parent_path().wstring(), folder.wszFolder) ||
+            !Store(file.path.wstring(), item.wszFile)) {
+            result.text = L"not asked, as a column request holds no path of more than 259 characters";
+            return;
+        }
+        Check(provider->Initialize(&folder), L"Initialize");
+
+        SHCOLUMNINFO column{};
+        Check(provider->GetColumnInfo(0, &column), L"GetColumnInfo");
+        result.request = PropertyName(column.scid);
+        // PROPVARIANT begins as VARIANT does, and what a column delivers is a string in both.
+        PROPVARIANT value;
+        PropVariantInit(&value);
+        Check(provider->GetItemData(&column.scid, &item, reinterpret_cast<VARIANT*>(&value)), L"GetItemData");
+        TakeValue(value, result);
+    });
+}
+
+} // namespace vantrel::tools
