@@ -1,7 +1,7 @@
 #include "tools/preview/doctor/DoctorFacts.h"
-#include "tools/inspection/ZmiFile.h"
 
 #include "support/Handles.h"
+#include "tools/inspection/ZmiFile.h"
 #include "tools/preview/InputFile.h"
 #include "tools/terminal/Failure.h"
 
