@@ -70,7 +70,7 @@ const struct {
          f.servers.push_back({other});
      },
      {LR"(fail this user's registration (HKCU) hides 1 of the machine's values (HKLM); HKCU names C:\W\)",
-      L"fail the five classes come from two libraries"}},
+      LR"(come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
     {[](auto& f) {
          CopyToMachine(f, true), f.values[server].user = {ERROR_SUCCESS, other};
          f.values[threading].user = {ERROR_SUCCESS};

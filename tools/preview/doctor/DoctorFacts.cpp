@@ -253,8 +253,10 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     facts.settings = FindSettings();
     for (const std::wstring& argument : arguments) {
         try {
-            for (const InputFile& file : FindInputFiles({argument}))
+            for (const InputFile& file : FindInputFiles(argument))
                 facts.files.push_back(ExamineFile(file));
+        } catch (const UsageError&) {
+            throw;
         } catch (const Failure& failure) {
             facts.files.push_back({.shown = argument, .isFolder = true, .unread = failure.Message()});
         }
