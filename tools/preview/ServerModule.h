@@ -13,8 +13,6 @@ public:
     // Throws Failure when the DLL does not load.
     explicit ServerModule(const std::filesystem::path& path);
 
-    bool Exports(const char* name) const { return GetProcAddress(module_.get(), name) != nullptr; }
-
     // Makes an object through the DLL's class factory; the caller owns the reference. Throws Failure.
     void Create(REFCLSID classId, REFIID interfaceId, void** object) const;
 

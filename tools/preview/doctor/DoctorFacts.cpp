@@ -1,7 +1,7 @@
 #include "tools/preview/doctor/DoctorFacts.h"
-#include "tools/inspection/ZmiFile.h"
 
 #include "support/Handles.h"
+#include "tools/inspection/ZmiFile.h"
 #include "tools/preview/InputFile.h"
 #include "tools/terminal/Failure.h"
 
@@ -253,8 +253,10 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     facts.settings = FindSettings();
     for (const std::wstring& argument : arguments) {
         try {
-            for (const InputFile& file : FindInputFiles({argument}))
+            for (const InputFile& file : FindInputFiles(argument))
                 facts.files.push_back(ExamineFile(file));
+        } catch (const UsageError&) {
+            throw;
         } catch (const Failure& failure) {
             facts.files.push_back({.shown = argument, .isFolder = true, .unread = failure.Message()});
         }
