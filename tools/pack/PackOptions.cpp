@@ -85,22 +85,21 @@ const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI fil
   zmi-pack --blank [--title TEXT] OUTPUT.zmi
 
 INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a pattern
-such as frame*.png, or a folder of pictures. Several inputs, or inputs with
-several frames, give a file of as many frames.
+such as step*.png, or a folder of pictures, in the order of their numbers.
+Several of them, or animated ones, give a file of as many frames.
 
-  --mode 1|8|565        black and white, 256 colours, or 16-bit colour (default)
+  --mode 1|8|565        black and white, 256 colours, or 16 bits (default 565)
   --title TEXT          the title, at most 33 bytes in the ANSI code page
-  --truncate-title      cuts a longer title instead of refusing it
-  --transparent RRGGBB  makes this the transparent colour, and an input's
-                        transparent parts this colour instead of white; not
-                        with --mode 1
+  --truncate-title      cuts a longer title off
+  --transparent RRGGBB  this colour is transparent, and transparent parts of an
+                        input get it instead of white; not with --mode 1
   --no-dither           takes each pixel's nearest colour, without mixing
-  --no-rotate           leaves photos as the camera held them
+  --no-rotate           keeps photos as they are stored, not as they were taken
   --blank               the blank default picture, which needs no input
+  --force               replaces an existing file even if it is not a ZMI file
   --help, --version
 
   zmi-pack --mode 8 --title "A walk" step*.png walk.zmi
-  zmi-pack --transparent ff00ff logo.png logo.zmi
 
 Exit code: 0 done, 1 an input or the output failed, 2 wrong usage.)";
 

@@ -11,7 +11,7 @@ namespace {
 
 using Channels = std::array<float, 3>;
 
-// One 16-bit colour of the picture, and how many pixels have it.
+// The pixels that share a 16-bit colour: what they are on average, and how many.
 struct Bin {
     Channels color;
     float weight;
@@ -108,12 +108,17 @@ void Settle(std::span<const Bin> bins, std::vector<Channels>& colors) {
 
 void ColorTableBuilder::Add(std::span<const Color> pixels) {
     for (const Color pixel : pixels)
-        if (pixel != key_)
-            ++counts_[ToRgb565(pixel)];
+        if (pixel != key_) {
+            Seen& seen = seen_[ToRgb565(pixel)];
+            ++seen.count;
+            seen.blue += pixel.blue;
+            seen.green += pixel.green;
+            seen.red += pixel.red;
+        }
 }
 
 std::size_t ColorTableBuilder::Distinct() const {
-    return counts_.size() - static_cast<std::size_t>(std::ranges::count(counts_, 0U));
+    return seen_.size() - static_cast<std::size_t>(std::ranges::count(seen_, 0U, &Seen::count));
 }
 
 ColorTable ColorTableBuilder::Build() const {
@@ -124,13 +129,18 @@ ColorTable ColorTableBuilder::Build() const {
 std::vector<std::uint16_t> ColorTableBuilder::Choose() const {
     std::vector<std::uint16_t> chosen;
     std::vector<Bin> bins;
-    for (std::size_t color = 0; color < counts_.size(); ++color)
-        if (counts_[color] != 0) {
-            chosen.push_back(static_cast<std::uint16_t>(color));
-            const Color shown = FromRgb565(chosen.back());
-            bins.push_back({.color = {1.0F * shown.blue, 1.0F * shown.green, 1.0F * shown.red},
-                            .weight = static_cast<float>(counts_[color])});
-        }
+    for (std::size_t color = 0; color < seen_.size(); ++color) {
+        const Seen& seen = seen_[color];
+        if (seen.count == 0)
+            continue;
+        chosen.push_back(static_cast<std::uint16_t>(color));
+        const auto count = static_cast<double>(seen.count);
+        const auto mean = [&](std::uint64_t sum) {
+            return static_cast<float>(static_cast<double>(sum) / count);
+        };
+        bins.push_back({.color = {mean(seen.blue), mean(seen.green), mean(seen.red)},
+                        .weight = static_cast<float>(count)});
+    }
     if (chosen.size() <= Room())
         return chosen;
 

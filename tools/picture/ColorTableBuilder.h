@@ -16,7 +16,7 @@ namespace vantrel::tools {
 // that the picture misses least by. Not WIC's choice, which is coarser and differs between Wine and Windows.
 class ColorTableBuilder {
 public:
-    explicit ColorTableBuilder(std::optional<Color> key) : key_(key), counts_(65536) {}
+    explicit ColorTableBuilder(std::optional<Color> key) : key_(key), seen_(65536) {}
 
     // Opaque pixels; those of the key's very colour do not count.
     void Add(std::span<const Color> pixels);
@@ -26,12 +26,20 @@ public:
     ColorTable Build() const;
 
 private:
+    // The pixels of one 16-bit colour: how many, and the sums of what their channels were before.
+    struct Seen {
+        std::uint64_t count = 0;
+        std::uint64_t blue = 0;
+        std::uint64_t green = 0;
+        std::uint64_t red = 0;
+    };
+
     std::size_t Room() const { return colorTableEntries - (key_ ? 1U : 0U); }
     std::size_t Distinct() const;
     std::vector<std::uint16_t> Choose() const;
 
     std::optional<Color> key_;
-    std::vector<std::uint64_t> counts_; // pixels, by 16-bit colour
+    std::vector<Seen> seen_; // by 16-bit colour
 };
 
 } // namespace vantrel::tools
