@@ -19,7 +19,7 @@ const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
 
 // Fresh memory costs a page fault a page, which is dearest between vector stores: pages are brought in some
 // at a time, no more than the second-level cache holds, before they are written to.
-constexpr unsigned burstWords = 512 * 1024 / sizeof(std::uint32_t);
+constexpr unsigned burstWords = 524288 / sizeof(std::uint32_t);
 constexpr std::ptrdiff_t pageWords = 4096 / sizeof(std::uint32_t);
 
 void TouchPages(std::uint32_t* top, std::ptrdiff_t stride, unsigned firstRow, unsigned rowCount,
