@@ -3,7 +3,7 @@ if(NOT MINGW)
   return()
 endif()
 
-add_compile_options(-fstack-protector-strong -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+add_compile_options(-fstack-protector-strong)
 add_library(vantrel_stack_guard STATIC support/StackGuard.cpp)
 target_compile_definitions(vantrel_stack_guard PRIVATE
   $<TARGET_PROPERTY:vantrel_options,INTERFACE_COMPILE_DEFINITIONS>)

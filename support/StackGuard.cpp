@@ -1,6 +1,6 @@
-// What GCC's stack protector calls. The toolchain's own version of it asks a cryptographic provider for its random
-// number as soon as a module is loaded, and so brings that provider and its libraries into every host, under the
-// loader lock.
+// What GCC's stack protector calls. The toolchain's own version of it asks a cryptographic provider for its
+// random number as soon as a module is loaded, and so brings that provider and its libraries into every host,
+// under the loader lock.
 #include <windows.h>
 
 #include <bit>
@@ -8,8 +8,8 @@
 
 namespace {
 
-// As unpredictable as what Microsoft's startup code takes for its own guard. The lowest byte is zero, so that no
-// overrun by a string can read it or write it.
+// As unpredictable as what Microsoft's startup code takes for its own guard. The lowest byte is zero, so that
+// no overrun by a string can read it or write it.
 std::uintptr_t MakeGuard() {
     FILETIME now;
     GetSystemTimePreciseAsFileTime(&now);
@@ -27,9 +27,9 @@ std::uintptr_t MakeGuard() {
 
 extern "C" {
 
-std::uintptr_t __stack_chk_guard = MakeGuard(); // NOLINT(bugprone-reserved-identifier)
+std::uintptr_t __stack_chk_guard = MakeGuard();
 
-[[noreturn]] void __stack_chk_fail() { // NOLINT(bugprone-reserved-identifier)
+[[noreturn]] void __stack_chk_fail() {
     // __fastfail, which not all of mingw-w64's headers have.
     asm volatile("int $0x29" : : "c"(FAST_FAIL_STACK_COOKIE_CHECK_FAILURE));
     __builtin_unreachable();
