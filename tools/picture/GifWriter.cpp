@@ -82,7 +82,7 @@ std::string_view CompressedPixels(std::string_view file) {
     };
     const auto skipBlocks = [&] {
         while (byte(at) != 0)
-            at += 1 + byte(at);
+            at += 1U + byte(at);
         ++at;
     };
     constexpr std::size_t screenFlags = 10;
