@@ -57,10 +57,12 @@ std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
         Box& worst = *std::ranges::max_element(boxes, {}, &Box::missed);
         if (worst.missed <= 0)
             break;
-        const auto upper = std::ranges::partition(
-            worst.bins, [&](const Bin& bin) { return bin.color[worst.axis] <= worst.mean[worst.axis]; });
-        const std::size_t lower = worst.bins.size() - upper.size();
-        if (lower == 0 || upper.empty()) { // rounding alone told its colours apart
+        // Not std::ranges::partition, whose result clang 14 cannot compile.
+        const auto upper = std::partition(worst.bins.begin(), worst.bins.end(), [&](const Bin& bin) {
+            return bin.color[worst.axis] <= worst.mean[worst.axis];
+        });
+        const auto lower = static_cast<std::size_t>(upper - worst.bins.begin());
+        if (lower == 0 || lower == worst.bins.size()) { // rounding alone told its colours apart
             worst.missed = 0;
             continue;
         }
