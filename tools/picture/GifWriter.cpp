@@ -72,7 +72,7 @@ ComPtr<IStream> Encode(std::uint16_t width, std::uint16_t height, std::span<std:
 // The compressed pixels of a GIF file's first frame, from the code size to the end of their blocks; empty
 // when there is none.
 std::string_view CompressedPixels(std::string_view file) {
-    std::size_t at = 0;
+    std::size_t at = 13; // behind the header and the logical screen
     const auto byte = [&](std::size_t offset) -> unsigned {
         return offset < file.size() ? static_cast<std::uint8_t>(file[offset]) : 0;
     };
@@ -86,7 +86,6 @@ std::string_view CompressedPixels(std::string_view file) {
         ++at;
     };
     constexpr std::size_t screenFlags = 10;
-    at = 13;
     skipColorTable(byte(screenFlags));
     while (byte(at) == extension) {
         at += 2;
