@@ -25,7 +25,7 @@ constexpr std::size_t screenSize = 6; // offset of the logical screen's width an
 constexpr char extension = 0x21;
 constexpr char imageDescriptor = 0x2C;
 constexpr std::size_t imageDescriptorSize = 10;
-constexpr int colorTableFlag = 0x80; // the flags' lowest three bits say how large the table is
+constexpr unsigned colorTableFlag = 0x80; // the flags' lowest three bits say how large the table is
 
 void Put(OutputFile& output, std::string_view bytes) {
     output.Write(std::as_bytes(std::span(bytes)));
@@ -72,11 +72,11 @@ ComPtr<IStream> Encode(std::uint16_t width, std::uint16_t height, std::span<std:
 // The compressed pixels of a GIF file's first frame, from the code size to the end of their blocks; empty
 // when there is none.
 std::string_view CompressedPixels(std::string_view file) {
-    std::size_t at = 0;
-    const auto byte = [&](std::size_t offset) {
+    std::size_t at = 13; // behind the header and the logical screen
+    const auto byte = [&](std::size_t offset) -> unsigned {
         return offset < file.size() ? static_cast<std::uint8_t>(file[offset]) : 0;
     };
-    const auto skipColorTable = [&](int flags) {
+    const auto skipColorTable = [&](unsigned flags) {
         if (flags & colorTableFlag)
             at += 3 * (std::size_t{2} << (flags & 7));
     };
@@ -86,7 +86,6 @@ std::string_view CompressedPixels(std::string_view file) {
         ++at;
     };
     constexpr std::size_t screenFlags = 10;
-    at = 13;
     skipColorTable(byte(screenFlags));
     while (byte(at) == extension) {
         at += 2;
