@@ -19,6 +19,7 @@ std::wstring DescribeFrames(const std::vector<FrameSize>& frames) {
     for (const FrameSize size : frames)
         ++counts[{size.width, size.height}];
     std::vector<std::pair<std::wstring, std::size_t>> sizes;
+    sizes.reserve(counts.size());
     for (const auto& [size, count] : counts)
         sizes.emplace_back(std::to_wstring(size.first) + L" x " + std::to_wstring(size.second), count);
     std::wstring text = std::to_wstring(frames.size()) + (frames.size() == 1 ? L" frame" : L" frames");

@@ -71,6 +71,7 @@ std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
         boxes.push_back(second);
     }
     std::vector<Channels> means;
+    means.reserve(boxes.size());
     for (const Box& box : boxes)
         means.push_back(box.mean);
     return means;

@@ -21,7 +21,7 @@ std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
     constexpr std::array<const wchar_t*, 4> names = {L"1 bit", L"256 colours", L"16-bit colour",
                                                      L"the reserved mode 3"};
     const PixelMode mode = ModeOf(flags);
-    const std::wstring name = names[static_cast<std::size_t>(mode)];
+    std::wstring name = names[static_cast<std::size_t>(mode)];
     if ((flags & transparencyFlag) == 0)
         return name;
     switch (mode) {

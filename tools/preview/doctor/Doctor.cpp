@@ -28,7 +28,9 @@ bool RunDoctor(const std::optional<std::filesystem::path>& library,
             continue;
         }
         constexpr std::size_t column = 7;
-        PrintLine((L'[' + name + L"]      ").substr(0, column) + text);
+        std::wstring tag = L'[' + name + L']';
+        tag.resize(column, L' ');
+        PrintLine(tag + text);
         if (!fix.empty())
             PrintLine(std::wstring(column, L' ') + L"Fix: " + fix);
     }
