@@ -62,14 +62,18 @@ void OutputFile::Write(std::span<const std::byte> bytes) {
         if (!WriteFile(handle_.get(), bytes.data(), size, &written, nullptr))
             FailWithLastError(shown_.wstring() + L": cannot be written");
         bytes = bytes.subspan(written);
+        position_ += written;
     }
 }
 
 void OutputFile::Seek(std::uint64_t offset) {
+    if (offset == position_)
+        return;
     LARGE_INTEGER position{};
     position.QuadPart = static_cast<LONGLONG>(offset);
     if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN))
         FailWithLastError(shown_.wstring() + L": cannot be written");
+    position_ = offset;
 }
 
 void OutputFile::Commit() {

@@ -38,6 +38,7 @@ private:
     std::filesystem::path target_;
     std::filesystem::path temporary_;
     UniqueKernelHandle handle_;
+    std::uint64_t position_ = 0; // where the next write begins
     bool committed_ = false;
 };
 
