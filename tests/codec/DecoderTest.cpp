@@ -6,21 +6,6 @@
 
 namespace vantrel::tests {
 
-// A frame with a table of its own names the position before that table's; what it names otherwise, replaying
-// the fuzzer's finds checks for files of all kinds.
-TEST(Decoder, PaletteNumbers) {
-    ZmiBuilder made{.mode = 1};
-    for (const bool ownTable : {true, true, false, true, true})
-        made.frames.push_back({2, 2, {}, ownTable ? std::optional(PatternColours(5)) : std::nullopt});
-    MemorySource source(made.Build());
-    DecodedImage image;
-    ASSERT_TRUE(LoadFrom(source, image, Keep::Everything));
-    constexpr std::uint32_t numbers[] = {1, 0, 1, 2, 3}; // the first frame's own table is never looked at
-    for (std::size_t i = 0; i < image.frames.size(); ++i)
-        EXPECT_EQ(std::uint32_t{image.frames[i].paletteNumber}, numbers[i]) << "frame " << i;
-    EXPECT_EQ(image.palettes.size(), 4u);
-}
-
 // But for the gap, which is not read at all.
 TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
     // With bytes that no record names, between pixels and behind them for several windows, and with a frame

@@ -59,6 +59,8 @@ public:
         Taking<"GetDC", HDC, HWND>(nullptr);
         Taking<"CreateFileW", HANDLE, const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD,
                HANDLE>(INVALID_HANDLE_VALUE);
+        Hook<"ReadFile", BOOL, HANDLE, void*, DWORD, DWORD*, OVERLAPPED*>(
+            [this](auto original, auto... rest) { return Refused("ReadFile") ? FALSE : original(rest...); });
         Taking<"LoadLibraryW", HMODULE, const wchar_t*>(nullptr);
         // Found at run time, what it makes is local memory.
         Hook<"GetProcAddress", FARPROC, HMODULE, const char*>(

@@ -1,10 +1,8 @@
-#include "tests/door/ImportHook.h"
 #include "tests/door/Requests.h"
 #include "tests/door/ScratchFile.h"
 #include "tests/door/TestStream.h"
 
 #include <psapi.h>
-#include <shlwapi.h>
 
 #include <thread>
 
@@ -177,67 +175,6 @@ TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
     EXPECT_EQ(slots, FreeSlots());
     EXPECT_LT(PrivateBytes(), bytes + 128 * 1024) << "was " << bytes;
     EXPECT_TRUE(DeleteFileW(copy.c_str()));
-}
-
-// Nobody else has the file open, not even for deletion.
-bool IsFree(const wchar_t* path) {
-    const HANDLE file =
-        CreateFileW(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file != INVALID_HANDLE_VALUE)
-        CloseHandle(file);
-    return file != INVALID_HANDLE_VALUE;
-}
-
-TEST(Locks, PathRequestsLeaveTheFileFree) {
-    std::vector<Bytes> files = Files();
-    files.push_back({});
-    files.push_back(Bytes(200, 'x'));
-    for (const Bytes& bytes : files) {
-        const ScratchFile file(bytes);
-        std::vector<Request> requests = PathRequests(file.Path());
-        const auto image = ImageHandlerOf(file.Path());
-        requests.push_back({"date", E_FAIL, [&] {
-                                FILETIME time;
-                                return Answer{image->GetDateStamp(&time)};
-                            }});
-        for (const Request& request : requests) {
-            request.ask();
-            EXPECT_TRUE(IsFree(file.Path())) << request.name << " of a file of " << bytes.size() << " bytes";
-        }
-    }
-}
-
-TEST(Locks, FailingReadsLeaveTheFileFree) {
-    const ScratchFile file(Files()[0]);
-    for (const Request& request : PathRequests(file.Path())) {
-        bool failed = true;
-        for (unsigned failing = 1; failed; ++failing) {
-            unsigned calls = 0;
-            const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
-                TheDll(), [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
-                              OVERLAPPED* overlapped) {
-                    return ++calls == failing ? FALSE : original(handle, buffer, count, done, overlapped);
-                });
-            const HRESULT result = request.ask().result;
-            failed = calls >= failing;
-            EXPECT_EQ(failed ? request.failure : S_OK, result);
-            EXPECT_TRUE(IsFree(file.Path())) << request.name << ", read " << failing;
-        }
-    }
-}
-
-TEST(Locks, StreamsAreGivenBackWithTheLastObject) {
-    for (const Bytes& bytes : Files()) {
-        const ScratchFile file(bytes);
-        IStream* stream = nullptr;
-        ASSERT_EQ(S_OK, SHCreateStreamOnFileEx(file.Path(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE,
-                                               nullptr, &stream));
-        for (const Request& request : StreamRequests(*stream))
-            request.ask();
-        EXPECT_FALSE(IsFree(file.Path()));
-        EXPECT_EQ(0u, stream->Release());
-        EXPECT_TRUE(IsFree(file.Path()));
-    }
 }
 
 } // namespace
