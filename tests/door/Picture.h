@@ -36,23 +36,9 @@ struct Picture {
     bool operator==(const Picture&) const = default;
 };
 
-inline Bitmap MakeBitmap(const Picture& picture) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader,
-                      static_cast<LONG>(picture.width),
-                      -static_cast<LONG>(picture.height),
-                      1,
-                      32,
-                      BI_RGB,
-                      0,
-                      0,
-                      0,
-                      0,
-                      0};
-    void* bits = nullptr;
-    Bitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    std::copy(picture.words.begin(), picture.words.end(), static_cast<std::uint32_t*>(bits));
-    return bitmap;
+inline BITMAPINFO TopDown(const Picture& picture) {
+    const auto width = static_cast<LONG>(picture.width), height = static_cast<LONG>(picture.height);
+    return {{sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
 }
 
 inline Picture ReadPicture(HBITMAP bitmap) {
@@ -61,8 +47,7 @@ inline Picture ReadPicture(HBITMAP bitmap) {
         return {};
     Picture picture{static_cast<unsigned>(facts.bmWidth), static_cast<unsigned>(facts.bmHeight)};
     picture.words.resize(std::size_t{picture.width} * picture.height);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, facts.bmWidth, -facts.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    BITMAPINFO info = TopDown(picture);
     const HDC screen = GetDC(nullptr);
     EXPECT_EQ(facts.bmHeight,
               GetDIBits(screen, bitmap, 0, picture.height, picture.words.data(), &info, DIB_RGB_COLORS));

@@ -61,11 +61,16 @@ void ExpectInSquare(const ZmiBuilder& file, UINT edge, const Picture& fitted) {
 TEST(Pictures, ShowEveryPixelOfTheFirstFrame) {
     constexpr struct {
         std::uint16_t width, height;
-    } sizes[] = {{1, 1}, {7, 13}, {8, 8}, {9, 17}, {33, 31}, {255, 3}, {3, 257}, {32, 10}, {33, 12}};
+    } sizes[] = {{1, 1},   {7, 13},  {2, 8},   {9, 17},  {33, 31},
+                 {255, 3}, {3, 257}, {32, 10}, {33, 12}, {130, 5}};
     for (const auto size : sizes)
         for (unsigned mode = 0; mode <= 3; ++mode) {
             SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", mode " << mode);
-            ZmiBuilder file{.mode = mode, .frames = {{size.width, size.height}, {64, 64}}, .gap = 5};
+            // Transparency is noted in a file and changes nothing.
+            ZmiBuilder file{.mode = mode,
+                            .frames = {{size.width, size.height}, {64, 64}},
+                            .transparentKey = PatternByte(100, 0),
+                            .gap = 5};
             if (mode == 3)
                 file = SpeckledFile(size.width, size.height);
             ExpectInSquare(file, std::max(size.width, size.height), NaturalPicture(file));
@@ -100,15 +105,17 @@ TEST(Pictures, AreScaledWithHalftone) {
         const int width = static_cast<int>(edge), height = width * 44 / 60;
         Picture scaled[2];
         for (const int mode : {HALFTONE, COLORONCOLOR}) {
-            const Bitmap source = MakeBitmap(NaturalPicture(file)),
-                         target = MakeBitmap(FlatPicture(edge, static_cast<unsigned>(height)));
-            const HDC from = CreateCompatibleDC(nullptr), to = CreateCompatibleDC(nullptr);
-            SelectObject(from, source.get());
-            SelectObject(to, target.get());
+            const Picture natural = NaturalPicture(file);
+            const BITMAPINFO info = TopDown(natural);
+            const HDC screen = GetDC(nullptr), to = CreateCompatibleDC(nullptr);
+            const Bitmap target(CreateCompatibleBitmap(screen, width, height));
+            const HGDIOBJ previous = SelectObject(to, target.get());
             SetStretchBltMode(to, mode);
-            EXPECT_TRUE(StretchBlt(to, 0, 0, width, height, from, 0, 0, 60, 44, SRCCOPY));
-            DeleteDC(from);
+            EXPECT_EQ(44, StretchDIBits(to, 0, 0, width, height, 0, 0, 60, 44, natural.words.data(), &info,
+                                        DIB_RGB_COLORS, SRCCOPY));
+            SelectObject(to, previous);
             DeleteDC(to);
+            ReleaseDC(nullptr, screen);
             Picture& picture = scaled[mode == HALFTONE ? 0 : 1] = ReadPicture(target.get());
             for (std::uint32_t& word : picture.words)
                 word |= opaque;

