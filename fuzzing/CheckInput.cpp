@@ -222,11 +222,7 @@ void CheckInput(const Bytes& file, const Limits& limits) {
             break;
         MemorySource source(file);
         DecodedImage image;
-        Verdict met = Verdict::Throws;
-        try {
-            met = LoadFrom(source, image, keep, {}, limits.window) ? Verdict::Loads : Verdict::Fails;
-        } catch (const std::out_of_range&) {
-        }
+        const Verdict met = VerdictOf(source, keep, limits.window, &image);
         Require(met == verdict,
                 "whether a file loads does not depend on who judges it or what is kept of it");
 

@@ -37,18 +37,20 @@ SIZE_T PrivateBytes() {
     return counters.PagefileUsage;
 }
 
-Bytes CutOff(Bytes file) {
-    file.resize(file.size() / 2);
-    return file;
-}
+struct Usage {
+    std::size_t freeGdi = FreeGdiHandles();
+    std::size_t handles = OpenHandles();
+    SIZE_T bytes = PrivateBytes();
+};
 
 // A picture, one that loads and can't be painted, one whose pixels are missing, and half a file.
 std::vector<Bytes> Files() {
-    Bytes missing = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
+    const Bytes picture = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
+    Bytes missing = picture;
     SetField(missing, file_header::size, image_header::height, 4000);
     return {ZmiBuilder{.mode = 1, .frames = {{9, 7}, {5, 5}}, .title = "soak"}.Build(),
             ZmiBuilder{.mode = 3, .frames = {{8, 8}}}.Build(), missing,
-            CutOff(ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build())};
+            Bytes(picture.begin(), picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2))};
 }
 
 // One object of each class, made and asked everything.
@@ -61,20 +63,16 @@ std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
 }
 
 TEST(Soak, ItsProbesSeeWhatIsThere) {
-    const std::size_t gdi = FreeGdiHandles();
-    const std::size_t handles = OpenHandles();
-    const SIZE_T bytes = PrivateBytes();
-    {
-        const Bitmap brush(reinterpret_cast<HBITMAP>(CreateSolidBrush(0)));
-        const Bytes memory(4 * 1024 * 1024, 1);
-        EXPECT_EQ(gdi - 1, FreeGdiHandles());
-        EXPECT_LE(bytes + memory.size(), PrivateBytes());
-    }
-    EXPECT_EQ(gdi, FreeGdiHandles());
+    const Usage before;
+    const Bitmap brush(reinterpret_cast<HBITMAP>(CreateSolidBrush(0)));
+    const Bytes memory(4 * 1024 * 1024, 1);
     std::vector<std::unique_ptr<void, decltype(&CloseHandle)>> events;
     while (events.size() < 20)
         events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr), CloseHandle);
-    EXPECT_NEAR(static_cast<double>(handles + events.size()), static_cast<double>(OpenHandles()),
+    const Usage now;
+    EXPECT_EQ(before.freeGdi - 1, now.freeGdi);
+    EXPECT_LE(before.bytes + memory.size(), now.bytes);
+    EXPECT_NEAR(static_cast<double>(before.handles + events.size()), static_cast<double>(now.handles),
                 handleSlack);
 }
 
@@ -93,30 +91,24 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
     for (const Answer& answer : first[0])
         ASSERT_EQ(S_OK, answer.result);
 
-    std::size_t freeBefore = 0;
-    std::size_t handlesBefore = 0;
-    SIZE_T bytesBefore = 0;
+    Usage before;
     for (unsigned round = 0; round < rounds + warmUp; ++round) {
-        if (round == warmUp) {
-            freeBefore = FreeGdiHandles();
-            handlesBefore = OpenHandles();
-            bytesBefore = PrivateBytes();
-        }
+        if (round == warmUp)
+            before = {};
         ASSERT_EQ(first[0], AskAll(streams[0], paths[0]->Path())) << "round " << round;
         if (round % 3 == 0) {
             const std::size_t failing = 1 + round / 3 % (files.size() - 1);
             ASSERT_EQ(first[failing], AskAll(streams[failing], paths[failing]->Path())) << "round " << round;
         }
     }
-    const SIZE_T bytesAfter = PrivateBytes();
-    EXPECT_LT(bytesAfter, bytesBefore + 128 * 1024) << "was " << bytesBefore;
-    const std::size_t handlesAfter = OpenHandles();
-    EXPECT_NEAR(static_cast<double>(handlesBefore), static_cast<double>(handlesAfter), handleSlack);
-    EXPECT_EQ(freeBefore, FreeGdiHandles());
+    const Usage after;
+    EXPECT_LT(after.bytes, before.bytes + 128 * 1024) << "was " << before.bytes;
+    EXPECT_NEAR(static_cast<double>(before.handles), static_cast<double>(after.handles), handleSlack);
+    EXPECT_EQ(before.freeGdi, after.freeGdi);
     for (const TestStream& stream : streams)
         EXPECT_EQ(1u, stream.References());
-    std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", bytesBefore,
-                bytesAfter, handlesBefore, handlesAfter, freeBefore);
+    std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", before.bytes,
+                after.bytes, before.handles, after.handles, before.freeGdi);
 }
 
 // How many slots of one kind the process can still take.
