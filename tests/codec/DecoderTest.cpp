@@ -8,9 +8,11 @@ namespace vantrel::tests {
 
 // But for the gap, which is not read at all.
 TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
-    // With bytes that no record names, between pixels and behind them for several windows, and with a frame
-    // longer than a window.
-    std::vector<ZmiBuilder> files{{.gap = 3, .rest = 200000}, {.mode = 0, .frames = {{1024, 600}}, .gap = 3}};
+    // One that is a window's alone. With bytes that no record names, between pixels and behind them for
+    // several windows, and with a frame longer than a window.
+    std::vector<ZmiBuilder> files{{.frames = {{5, 3}}, .gap = 3},
+                                  {.gap = 3, .rest = 200000},
+                                  {.mode = 0, .frames = {{1024, 600}}, .gap = 3}};
     for (unsigned mode = 0; mode < 4; ++mode)
         files.push_back({.mode = mode, .frames = {{9, 5}, {1, 17}, {12, 3}}, .gap = 3, .rest = 200000});
     for (const ZmiBuilder& made : files) {
