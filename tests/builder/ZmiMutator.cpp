@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 
 namespace vantrel::tests {
 
@@ -108,19 +107,10 @@ void ZmiMutator::Mutate(Bytes& file) {
 }
 
 void ZmiMutator::Repair(Bytes& file) {
-    using namespace std::literals;
     file.resize(std::max(file.size(), smallestFile));
-    constexpr std::string_view magic = "zpix-zmi\0"sv, trailer = "zpix"sv;
-    std::copy(magic.begin(), magic.end(), file.begin());
-    std::copy(trailer.begin(), trailer.end(), file.end() - 4);
-    const std::uint32_t offset =
-        std::clamp<std::uint32_t>(GetField(file, 0, file_header::dataOffset), file_header::size,
-                                  static_cast<std::uint32_t>(file.size() - image_header::size - 4));
-    SetField(file, 0, file_header::version, 1);
-    SetField(file, 0, file_header::headerSize, file_header::size);
-    SetField(file, 0, file_header::kind, 1);
-    SetField(file, 0, file_header::dataOffset, offset);
-    SetField(file, 0, file_header::dataSize, static_cast<std::uint32_t>(file.size() - 4 - offset));
+    FramePayload(file,
+                 std::clamp<std::uint32_t>(GetField(file, 0, file_header::dataOffset), file_header::size,
+                                           static_cast<std::uint32_t>(file.size() - image_header::size - 4)));
 }
 
 } // namespace vantrel::tests

@@ -21,28 +21,20 @@ const ZmiBuilder file{.mode = 2, .frames = {{15, 11}}, .title = "Apartment"};
 
 // As hosts that read the file elsewhere do: the library gets a proxy of the stream.
 TEST(Apartment, ReadsAStreamOfAnotherApartment) {
-    const Apartment apartment(COINIT_APARTMENTTHREADED);
+    const Apartment apartment(COINIT_MULTITHREADED);
     TestStream stream(file.Build());
-    std::promise<IStream*> parcel;
-    std::promise<void> finished;
-    std::thread owner([&] {
-        const Apartment other(COINIT_MULTITHREADED);
-        ComPtr<IStream> sent;
-        EXPECT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IStream, &stream, &sent));
-        parcel.set_value(sent.Detach());
-        finished.get_future().wait();
-    });
-    {
+    ComPtr<IStream> parcel;
+    ASSERT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IStream, &stream, &parcel));
+    std::thread([&, sent = parcel.Detach()] {
+        const Apartment other(COINIT_APARTMENTTHREADED);
         ComPtr<IStream> proxy;
-        ASSERT_EQ(S_OK, CoGetInterfaceAndReleaseStream(parcel.get_future().get(), IID_IStream, &proxy));
+        ASSERT_EQ(S_OK, CoGetInterfaceAndReleaseStream(sent, IID_IStream, &proxy));
         EXPECT_NE(static_cast<IStream*>(&stream), proxy.Get());
         EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}),
                   AskThumbnail(*ThumbnailProviderOf(*proxy.Get()).Get(), 15));
         EXPECT_EQ((Answer{S_OK, {}, L"bstr:Apartment"}),
                   AskValue(*PropertyStoreOf(*proxy.Get()).Get(), titleKey));
-    }
-    finished.set_value();
-    owner.join();
+    }).join();
     EXPECT_EQ(1u, stream.References());
 }
 

@@ -1,6 +1,7 @@
 // A bitmap's or an icon's pixels as a host sees them.
 #pragma once
 
+#include "support/Handles.h"
 #include "tests/builder/ZmiBuilder.h"
 
 #include <windows.h>
@@ -9,19 +10,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace vantrel::tests {
 
-struct GdiDeleter {
-    void operator()(void* object) const { DeleteObject(object); }
-};
-struct IconDeleter {
-    void operator()(HICON icon) const { DestroyIcon(icon); }
-};
-using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, GdiDeleter>;
-using Icon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
+using Bitmap = UniqueBitmap;
+using Icon = UniqueHandle<HICON, DestroyIcon>;
 
 inline constexpr std::uint32_t keyColour = 0xFFFF00; // of the background around a picture
 inline constexpr std::uint32_t opaque = 0xFF000000;

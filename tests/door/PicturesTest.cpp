@@ -125,25 +125,6 @@ TEST(Pictures, AreScaledWithHalftone) {
     }
 }
 
-TEST(Pictures, AreRefusedWithoutAPaintableFrame) {
-    const auto oddFrame = [](unsigned mode, std::uint8_t flags) {
-        return ZmiBuilder{
-            .mode = mode, .frames = {{.width = 8, .height = 8, .flags = flags}}, .frameTable = true};
-    };
-    const ZmiBuilder files[] = {
-        {.mode = 3, .frames = {{8, 8}}},
-        {.mode = 0, .frameTable = true},
-        {.mode = 2, .frameTable = true},
-        oddFrame(2, 24), // reserved mode
-        oddFrame(1, 16), // takes its pixels for more than the file's mode gave it
-        oddFrame(2, 8),  // indexed, in a file without a colour table
-    };
-    for (const ZmiBuilder& file : files) {
-        TestStream stream(file.Build());
-        EXPECT_EQ(Answer{E_FAIL}, AskThumbnail(*ThumbnailProviderOf(stream).Get(), 32)) << &file - files;
-    }
-}
-
 TEST(Thumbnail, RefusesImpossibleEdgesAndNullOutputs) {
     TestStream stream(SpeckledFile(16, 9).Build());
     const auto provider = ThumbnailProviderOf(stream);

@@ -1,4 +1,5 @@
-// What the library takes from the system and must give back, counted; any taking of it can be refused.
+// What the library takes from the system and must give back, counted; any taking of it can be refused,
+// and any read of a file.
 #pragma once
 
 #include "tests/door/ImportHook.h"

@@ -14,9 +14,9 @@ constexpr double handleSlack = 8;
 
 // How many GDI objects can still be made: counts them exactly where GetGuiResources says nothing.
 std::size_t FreeGdiHandles() {
-    std::vector<Bitmap> brushes;
+    std::vector<UniqueBrush> brushes;
     while (HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3)))
-        brushes.emplace_back(reinterpret_cast<HBITMAP>(brush));
+        brushes.emplace_back(brush);
     return brushes.size();
 }
 
@@ -64,11 +64,11 @@ std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
 
 TEST(Soak, ItsProbesSeeWhatIsThere) {
     const Usage before;
-    const Bitmap brush(reinterpret_cast<HBITMAP>(CreateSolidBrush(0)));
+    const UniqueBrush brush(CreateSolidBrush(0));
     const Bytes memory(4 * 1024 * 1024, 1);
-    std::vector<std::unique_ptr<void, decltype(&CloseHandle)>> events;
+    std::vector<UniqueFile> events;
     while (events.size() < 20)
-        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr), CloseHandle);
+        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     const Usage now;
     EXPECT_EQ(before.freeGdi - 1, now.freeGdi);
     EXPECT_LE(before.bytes + memory.size(), now.bytes);
