@@ -168,7 +168,7 @@ TEST(ExtractImage, RefusesBoxesThatHoldNothing) {
     const ScratchFile scratch(FlatFile(8, 8).Build());
     const auto handler = ImageHandlerOf(scratch.Path());
     for (const SIZE box : {SIZE{0, 0}, SIZE{0, 9}, SIZE{9, 0}, SIZE{-1, -1}, SIZE{-5, 7}, SIZE{7, -5},
-                           SIZE{0x7FFFFFFF, 0x7FFFFFFF}, SIZE{40000, 39999}})
+                           SIZE{0x7FFFFFFF, 0x7FFFFFFF}, SIZE{40000, 39999}, SIZE{0x10000, 0x10000}})
         EXPECT_EQ(Answer{E_FAIL}, AskImage(*handler.Get(), box)) << box.cx << " x " << box.cy;
 }
 
