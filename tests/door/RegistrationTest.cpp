@@ -232,7 +232,7 @@ TEST(Registration, NeedsTheModulesPath) {
          {std::pair<DWORD, DWORD>{0, ERROR_ACCESS_DENIED}, {0, 0}, {MAX_PATH, 0}}) {
         RegistryWatch watch;
         const ImportHook<"GetModuleFileNameW", DWORD(HMODULE, wchar_t*, DWORD)> path(
-            TheDll(), [&](auto, HMODULE module, wchar_t* buffer, DWORD size) {
+            TheDll(), [length = length, error = error](auto, HMODULE module, wchar_t* buffer, DWORD size) {
                 EXPECT_TRUE(module == TheDll() && size == MAX_PATH);
                 std::fill_n(buffer, length, L'x');
                 SetLastError(error);
