@@ -22,13 +22,6 @@ void Check(const Bytes& file) {
     CheckInput(file, smallInputs);
 }
 
-void ReplayFile(const fs::path& path) {
-    std::printf("%s\n", path.c_str());
-    std::fflush(stdout);
-    std::ifstream input(path, std::ios::binary);
-    Check(Bytes(std::istreambuf_iterator<char>(input), {}));
-}
-
 void ReplayMutations() {
     for (std::uint32_t i = 0; i < seedCount; ++i) {
         ZmiMutator mutator(i);
@@ -47,16 +40,16 @@ void ReplayMutations() {
 
 } // namespace
 
+// Each argument is a folder.
 int main(int argc, char** argv) {
     ReplayMutations();
-    for (const fs::path path : std::vector<std::string>(argv + 1, argv + argc)) {
-        if (!fs::is_directory(path)) {
-            ReplayFile(path);
-            continue;
-        }
-        for (const auto& entry : fs::recursive_directory_iterator(path))
-            if (entry.is_regular_file())
-                ReplayFile(entry.path());
-    }
+    for (const fs::path folder : std::vector<std::string>(argv + 1, argv + argc))
+        for (const auto& entry : fs::recursive_directory_iterator(folder))
+            if (entry.is_regular_file()) {
+                std::printf("%s\n", entry.path().c_str());
+                std::fflush(stdout);
+                std::ifstream input(entry.path(), std::ios::binary);
+                Check(Bytes(std::istreambuf_iterator<char>(input), {}));
+            }
     return 0;
 }

@@ -44,12 +44,13 @@ private:
     std::size_t calls_ = 0;
 };
 
+// What is loaded is handed out where it is asked for.
 template <class Source>
 Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
-                  std::uint32_t windowSize = PayloadReader::standardWindow) {
-    DecodedImage image;
+                  std::uint32_t windowSize = PayloadReader::standardWindow, DecodedImage* image = nullptr) {
+    DecodedImage own;
     try {
-        return LoadFrom(source, image, keep, {}, windowSize) ? Verdict::Loads : Verdict::Fails;
+        return LoadFrom(source, image ? *image : own, keep, {}, windowSize) ? Verdict::Loads : Verdict::Fails;
     } catch (const std::out_of_range&) {
         return Verdict::Throws;
     }

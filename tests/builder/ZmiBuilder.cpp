@@ -1,13 +1,11 @@
 #include "tests/builder/ZmiBuilder.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace vantrel::tests {
 
 namespace {
-
-constexpr char magic[] = "zpix-zmi";
-constexpr char trailer[] = {'z', 'p', 'i', 'x'};
 
 void Append(Bytes& bytes, std::size_t count, std::uint32_t seed) {
     for (std::size_t i = 0; i < count; ++i)
@@ -33,6 +31,17 @@ std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field) {
 void SetField(Bytes& bytes, std::size_t base, Field field, std::uint32_t value) {
     for (std::size_t i = 0; i < field.width; ++i)
         bytes.at(base + field.offset + i) = static_cast<std::uint8_t>(value >> 8 * i);
+}
+
+void FramePayload(Bytes& file, std::uint32_t payloadAt) {
+    constexpr std::string_view magic("zpix-zmi", 9);
+    std::copy(magic.begin(), magic.end(), file.begin());
+    std::copy_n(magic.begin(), 4, file.end() - 4);
+    SetField(file, 0, file_header::version, 1);
+    SetField(file, 0, file_header::headerSize, file_header::size);
+    SetField(file, 0, file_header::kind, 1);
+    SetField(file, 0, file_header::dataOffset, payloadAt);
+    SetField(file, 0, file_header::dataSize, static_cast<std::uint32_t>(file.size() - 4 - payloadAt));
 }
 
 std::uint8_t PatternByte(std::uint32_t seed, std::size_t i) {
@@ -84,9 +93,8 @@ std::size_t ZmiBuilder::PixelsAt(std::size_t frame) const {
 
 Bytes ZmiBuilder::Build() const {
     const auto number = [](std::size_t value) { return static_cast<std::uint32_t>(value); };
-    Bytes file(magic, magic + sizeof magic);
-    Append(file, file_header::size - file.size() + gap, 1);
-
+    Bytes file;
+    Append(file, PayloadAt(), 1);
     Append(file, image_header::size, 2);
     for (std::size_t i = 0; i < 34; ++i)
         file[PayloadAt() + i] = i < title.size() ? static_cast<std::uint8_t>(title[i]) : 0;
@@ -131,12 +139,8 @@ Bytes ZmiBuilder::Build() const {
     }
     Append(file, rest, 4);
 
-    SetField(file, 0, file_header::version, 1);
-    SetField(file, 0, file_header::headerSize, file_header::size);
-    SetField(file, 0, file_header::kind, 1);
-    SetField(file, 0, file_header::dataOffset, number(PayloadAt()));
-    SetField(file, 0, file_header::dataSize, number(file.size() - PayloadAt()));
-    file.insert(file.end(), std::begin(trailer), std::end(trailer));
+    file.resize(file.size() + 4);
+    FramePayload(file, number(PayloadAt()));
     file.insert(file.end(), behindTrailer.begin(), behindTrailer.end());
     return file;
 }

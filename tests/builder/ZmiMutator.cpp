@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 
 namespace vantrel::tests {
 
@@ -47,18 +46,9 @@ std::uint32_t ZmiMutator::TellingNumber(const Bytes& file) {
     const auto end = static_cast<std::uint32_t>(file.size() - 4);
     constexpr std::uint32_t edges[] = {0,   1,   7,      8,      9,          16,        24,
                                        255, 256, 0x7FFF, 0xFFFF, 0x7FFFFFFF, 0x80000000};
-    switch (Pick(5)) {
-    case 0:
-        return edges[Pick(std::size(edges))] - Pick(2);
-    case 1:
-        return end - Pick(600);
-    case 2:
-        return end + Pick(3);
-    case 3:
-        return payload + Pick(700) - 2;
-    default:
-        return payload + Pick(file.size() - payload);
-    }
+    const std::uint32_t numbers[] = {edges[Pick(std::size(edges))] - Pick(2), end - Pick(600), end + Pick(3),
+                                     payload + Pick(700) - 2, payload + Pick(file.size() - payload)};
+    return numbers[Pick(std::size(numbers))];
 }
 
 void ZmiMutator::Mutate(Bytes& file) {
@@ -97,19 +87,17 @@ void ZmiMutator::Mutate(Bytes& file) {
         break;
     }
     case 5: { // shorter or longer somewhere in the payload
-        const auto at = static_cast<std::ptrdiff_t>(payload + Pick(file.size() - payload - 3));
+        const auto at = file.begin() + static_cast<std::ptrdiff_t>(payload + Pick(file.size() - payload - 3));
         if (Pick(2) == 0)
-            file.insert(file.begin() + at, Pick(60), static_cast<std::uint8_t>(Pick(256)));
+            file.insert(at, Pick(60), static_cast<std::uint8_t>(Pick(256)));
         else
-            file.erase(file.begin() + at,
-                       file.begin() + at +
-                           std::min<std::ptrdiff_t>(Pick(60), file.end() - 4 - file.begin() - at));
+            file.erase(at, at + std::min<std::ptrdiff_t>(Pick(60), file.end() - 4 - at));
         Repair(file);
         break;
     }
     case 6: { // the payload begins earlier or later than its offsets think, or too early
         const std::uint32_t shift = Pick(5) - 2;
-        SetField(file, 0, file_header::dataOffset, GetField(file, 0, file_header::dataOffset) + shift);
+        SetField(file, 0, file_header::dataOffset, static_cast<std::uint32_t>(payload) + shift);
         SetField(file, 0, file_header::dataSize, GetField(file, 0, file_header::dataSize) - shift);
         break;
     }
@@ -119,19 +107,10 @@ void ZmiMutator::Mutate(Bytes& file) {
 }
 
 void ZmiMutator::Repair(Bytes& file) {
-    using namespace std::literals;
     file.resize(std::max(file.size(), smallestFile));
-    constexpr std::string_view magic = "zpix-zmi\0"sv, trailer = "zpix"sv;
-    std::copy(magic.begin(), magic.end(), file.begin());
-    std::copy(trailer.begin(), trailer.end(), file.end() - 4);
-    const std::uint32_t offset =
-        std::clamp<std::uint32_t>(GetField(file, 0, file_header::dataOffset), file_header::size,
-                                  static_cast<std::uint32_t>(file.size() - image_header::size - 4));
-    SetField(file, 0, file_header::version, 1);
-    SetField(file, 0, file_header::headerSize, file_header::size);
-    SetField(file, 0, file_header::kind, 1);
-    SetField(file, 0, file_header::dataOffset, offset);
-    SetField(file, 0, file_header::dataSize, static_cast<std::uint32_t>(file.size() - 4 - offset));
+    FramePayload(file,
+                 std::clamp<std::uint32_t>(GetField(file, 0, file_header::dataOffset), file_header::size,
+                                           static_cast<std::uint32_t>(file.size() - image_header::size - 4)));
 }
 
 } // namespace vantrel::tests

@@ -1,5 +1,7 @@
 #include "tests/builder/ZmiVerdict.h"
 
+#include "tests/builder/FileFacts.h"
+
 #include <string_view>
 
 namespace vantrel::tests {
@@ -23,36 +25,22 @@ Verdict Judge(const Bytes& file) {
 
     if (!inside(begin, image_header::size))
         return Verdict::Fails;
-    const auto header = [&](Field field) { return GetField(file, begin, field); };
-    const std::uint64_t pixels = header(image_header::pixelOffset);
-    const std::uint64_t palette = header(image_header::paletteOffset);
-    const unsigned mode = (header(image_header::flags) & 24) / 8;
-    if (pixels == 0)
+    const FileFacts facts(file);
+    if (facts.blank)
         return Verdict::Loads;
-    if (mode == 1 && !inside(palette, 512))
+    const std::uint64_t palette = facts.Header(image_header::paletteOffset);
+    if (facts.mode == 1 && !inside(palette, 512))
         return Verdict::Fails;
-    if ((header(image_header::flags) & 1) == 0) {
-        const std::size_t count = PixelBytes(mode, header(image_header::width), header(image_header::height));
-        return inside(pixels, count) ? Verdict::Loads : Verdict::Fails;
-    }
-
-    if (!inside(pixels, frame_table::size))
+    if (facts.hasTable && (!inside(facts.pixels, frame_table::size) ||
+                           !inside(facts.RecordAt(0), facts.FrameCount() * frame_record::size)))
         return Verdict::Fails;
-    const std::uint64_t frameCount = GetField(file, pixels, frame_table::frameCount);
-    const std::uint64_t records = pixels + frame_table::size;
-    if (!inside(records, frameCount * frame_record::size))
-        return Verdict::Fails;
-    for (std::uint64_t i = 0; i < frameCount; ++i) {
-        const auto record = [&](Field field) {
-            return GetField(file, records + i * frame_record::size, field);
-        };
-        const std::uint64_t own = record(frame_record::paletteOffset);
-        const std::size_t count = PixelBytes(mode, record(frame_record::width), record(frame_record::height));
-        if ((mode == 1 && i > 0 && own != palette && !inside(own, 512)) ||
-            !inside(record(frame_record::dataOffset), count))
+    for (std::size_t i = 0; i < facts.FrameCount(); ++i) {
+        const std::uint64_t own = i > 0 ? facts.Record(i, frame_record::paletteOffset) : palette;
+        if ((facts.mode == 1 && own != palette && !inside(own, 512)) ||
+            !inside(facts.PixelsAt(i), facts.FrameBytes(i)))
             return Verdict::Fails;
     }
-    return mode == 0 && frameCount == 0 ? Verdict::Throws : Verdict::Loads;
+    return facts.mode == 0 && facts.FrameCount() == 0 ? Verdict::Throws : Verdict::Loads;
 }
 
 } // namespace vantrel::tests

@@ -17,74 +17,24 @@ public:
     ~Apartment() { CoUninitialize(); }
 };
 
-// Runs the body in the multi-threaded apartment while this single-threaded one serves its calls.
-template <class Body>
-void RunBesideThisApartment(Body body) {
-    HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread thread([&] {
-        {
-            const Apartment apartment(COINIT_MULTITHREADED);
-            body();
-        }
-        SetEvent(done);
-    });
-    DWORD index = 0;
-    EXPECT_EQ(S_OK, CoWaitForMultipleHandles(0, 30'000, 1, &done, &index));
-    thread.join();
-    CloseHandle(done);
-}
-
 const ZmiBuilder file{.mode = 2, .frames = {{15, 11}}, .title = "Apartment"};
-
-TEST(Apartment, TakesAPathFromAnotherApartment) {
-    const Apartment apartment(COINIT_APARTMENTTHREADED);
-    const ScratchFile scratch(file.Build());
-    for (const CLSID& classId : {extractImageClass, iconHandlerClass}) {
-        auto persist = Create<IPersistFile>(classId, IID_IPersistFile);
-        ComPtr<IStream> parcel;
-        ASSERT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IPersistFile, persist.Get(), &parcel));
-        IStream* const sent = parcel.Detach();
-        RunBesideThisApartment([&] {
-            ComPtr<IPersistFile> proxy;
-            EXPECT_EQ(S_OK, CoGetInterfaceAndReleaseStream(sent, IID_IPersistFile, &proxy));
-            EXPECT_NE(persist.Get(), proxy.Get());
-            EXPECT_EQ(S_OK, proxy->Load(scratch.Path(), STGM_READ));
-            EXPECT_EQ(E_NOTIMPL, proxy->IsDirty());
-        });
-        const bool isIcon = IsEqualCLSID(classId, iconHandlerClass);
-        const Answer answer =
-            isIcon ? AskIcons(*Ask<IExtractIconW>(persist.Get(), IID_IExtractIconW).Get(), 32, 16)
-                   : AskImage(*Ask<IExtractImage2>(persist.Get(), IID_IExtractImage2).Get(), {15, 15});
-        EXPECT_EQ(S_OK, answer.result);
-        EXPECT_EQ(2u, persist->AddRef()) << "the stub is gone";
-        persist->Release();
-    }
-}
 
 // As hosts that read the file elsewhere do: the library gets a proxy of the stream.
 TEST(Apartment, ReadsAStreamOfAnotherApartment) {
-    const Apartment apartment(COINIT_APARTMENTTHREADED);
+    const Apartment apartment(COINIT_MULTITHREADED);
     TestStream stream(file.Build());
-    std::promise<IStream*> parcel;
-    std::promise<void> finished;
-    std::thread owner([&] {
-        const Apartment other(COINIT_MULTITHREADED);
-        ComPtr<IStream> sent;
-        EXPECT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IStream, &stream, &sent));
-        parcel.set_value(sent.Detach());
-        finished.get_future().wait();
-    });
-    {
+    ComPtr<IStream> parcel;
+    ASSERT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IStream, &stream, &parcel));
+    std::thread([&, sent = parcel.Detach()] {
+        const Apartment other(COINIT_APARTMENTTHREADED);
         ComPtr<IStream> proxy;
-        ASSERT_EQ(S_OK, CoGetInterfaceAndReleaseStream(parcel.get_future().get(), IID_IStream, &proxy));
+        ASSERT_EQ(S_OK, CoGetInterfaceAndReleaseStream(sent, IID_IStream, &proxy));
         EXPECT_NE(static_cast<IStream*>(&stream), proxy.Get());
         EXPECT_EQ((Answer{S_OK, {NaturalPicture(file)}}),
                   AskThumbnail(*ThumbnailProviderOf(*proxy.Get()).Get(), 15));
         EXPECT_EQ((Answer{S_OK, {}, L"bstr:Apartment"}),
                   AskValue(*PropertyStoreOf(*proxy.Get()).Get(), titleKey));
-    }
-    finished.set_value();
-    owner.join();
+    }).join();
     EXPECT_EQ(1u, stream.References());
 }
 

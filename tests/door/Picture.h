@@ -1,6 +1,7 @@
 // A bitmap's or an icon's pixels as a host sees them.
 #pragma once
 
+#include "support/Handles.h"
 #include "tests/builder/ZmiBuilder.h"
 
 #include <windows.h>
@@ -9,19 +10,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace vantrel::tests {
 
-struct GdiDeleter {
-    void operator()(void* object) const { DeleteObject(object); }
-};
-struct IconDeleter {
-    void operator()(HICON icon) const { DestroyIcon(icon); }
-};
-using Bitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, GdiDeleter>;
-using Icon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
+using Bitmap = UniqueBitmap;
+using Icon = UniqueHandle<HICON, DestroyIcon>;
 
 inline constexpr std::uint32_t keyColour = 0xFFFF00; // of the background around a picture
 inline constexpr std::uint32_t opaque = 0xFF000000;
@@ -36,23 +30,9 @@ struct Picture {
     bool operator==(const Picture&) const = default;
 };
 
-inline Bitmap MakeBitmap(const Picture& picture) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader,
-                      static_cast<LONG>(picture.width),
-                      -static_cast<LONG>(picture.height),
-                      1,
-                      32,
-                      BI_RGB,
-                      0,
-                      0,
-                      0,
-                      0,
-                      0};
-    void* bits = nullptr;
-    Bitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    std::copy(picture.words.begin(), picture.words.end(), static_cast<std::uint32_t*>(bits));
-    return bitmap;
+inline BITMAPINFO TopDown(const Picture& picture) {
+    const auto width = static_cast<LONG>(picture.width), height = static_cast<LONG>(picture.height);
+    return {{sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
 }
 
 inline Picture ReadPicture(HBITMAP bitmap) {
@@ -61,8 +41,7 @@ inline Picture ReadPicture(HBITMAP bitmap) {
         return {};
     Picture picture{static_cast<unsigned>(facts.bmWidth), static_cast<unsigned>(facts.bmHeight)};
     picture.words.resize(std::size_t{picture.width} * picture.height);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, facts.bmWidth, -facts.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    BITMAPINFO info = TopDown(picture);
     const HDC screen = GetDC(nullptr);
     EXPECT_EQ(facts.bmHeight,
               GetDIBits(screen, bitmap, 0, picture.height, picture.words.data(), &info, DIB_RGB_COLORS));

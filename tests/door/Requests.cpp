@@ -170,14 +170,11 @@ std::vector<Request> PathRequests(const wchar_t* path, UINT edge) {
     const auto icons = IconHandlerOf(path);
     const auto columns = Create<IColumnProvider>(columnProviderClass, IID_IColumnProvider);
     const std::wstring name = path;
-    return {{"square image", E_FAIL,
-             [=] {
-                 return AskImage(*image.Get(), {side, side});
-             }},
-            {"letterboxed image", E_FAIL,
-             [=] {
-                 return AskImage(*image.Get(), {side, side + 3});
-             }},
+    const auto imageIn = [=](LONG width, LONG height) {
+        return [=] { return AskImage(*image.Get(), SIZE{width, height}); };
+    };
+    return {{"square image", E_FAIL, imageIn(side, side)},
+            {"letterboxed image", E_FAIL, imageIn(side, side + 3)},
             {"icons", E_FAIL, [=] { return AskIcons(*icons.Get(), edge, edge / 2); }},
             {"column", S_FALSE, [=] { return AskColumn(*columns.Get(), name.c_str()); }}};
 }

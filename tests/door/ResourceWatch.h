@@ -1,4 +1,5 @@
-// What the library takes from the system and must give back, counted; any taking of it can be refused.
+// What the library takes from the system and must give back, counted; any taking of it can be refused,
+// and any read of a file.
 #pragma once
 
 #include "tests/door/ImportHook.h"
@@ -28,13 +29,8 @@ class ResourceWatch {
 public:
     // Refuses the taking of that number, counted from 1.
     explicit ResourceWatch(unsigned number = 0, Refuse mode = Refuse::One) : number_(number), mode_(mode) {
-        Hook<"malloc", void*, std::size_t>([this](auto original, std::size_t size) {
-            return Keep(Refused("malloc", size) ? nullptr : original(size), size);
-        });
-        Hook<"calloc", void*, std::size_t, std::size_t>(
-            [this](auto original, std::size_t n, std::size_t size) {
-                return Keep(Refused("calloc", n * size) ? nullptr : original(n, size), n * size);
-            });
+        Allocating<"malloc", std::size_t>();
+        Allocating<"calloc", std::size_t, std::size_t>();
         Hook<"realloc", void*, void*, std::size_t>([this](auto original, void* block, std::size_t size) {
             void* const moved = Refused("realloc", size) ? nullptr : original(block, size);
             if (moved)
@@ -59,6 +55,8 @@ public:
         Taking<"GetDC", HDC, HWND>(nullptr);
         Taking<"CreateFileW", HANDLE, const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD,
                HANDLE>(INVALID_HANDLE_VALUE);
+        Hook<"ReadFile", BOOL, HANDLE, void*, DWORD, DWORD*, OVERLAPPED*>(
+            [this](auto original, auto... rest) { return Refused("ReadFile") ? FALSE : original(rest...); });
         Taking<"LoadLibraryW", HMODULE, const wchar_t*>(nullptr);
         // Found at run time, what it makes is local memory.
         Hook<"GetProcAddress", FARPROC, HMODULE, const char*>(
@@ -125,6 +123,13 @@ private:
                 return refusal;
             const Result taken = original(arguments...);
             return taken == refusal ? taken : Keep(taken);
+        });
+    }
+    // The product of its arguments is the block's size.
+    template <FunctionName name, class... Sizes>
+    void Allocating() {
+        Hook<name, void*, Sizes...>([this](auto original, Sizes... sizes) {
+            return Keep(Refused(name.text, (sizes * ...)) ? nullptr : original(sizes...), (sizes * ...));
         });
     }
     // Counts the key that a function stores through its last argument of that kind.

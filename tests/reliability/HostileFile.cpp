@@ -1,5 +1,6 @@
 #include "tests/reliability/HostileFile.h"
 
+#include "support/Handles.h"
 #include "tests/builder/ZmiBuilder.h"
 
 #include <windows.h>
@@ -7,7 +8,6 @@
 #include <winioctl.h>
 
 #include <algorithm>
-#include <memory>
 
 namespace vantrel::tests {
 
@@ -29,8 +29,8 @@ std::uint64_t Write(const HostileFile& file, const std::wstring& path) {
     const std::uint64_t payloadEnd = std::max(file.payloadEnd, pixelsAt + ranges * pixelBytes);
     SetField(bytes, 0, file_header::dataSize, static_cast<std::uint32_t>(payloadEnd - builder.PayloadAt()));
 
-    const std::unique_ptr<void, decltype(&CloseHandle)> handle(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr), CloseHandle);
+    const UniqueKernelHandle handle(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     DWORD done = 0;
     // Wine refuses, and leaves holes without being told.
     DeviceIoControl(handle.get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);

@@ -1,10 +1,8 @@
-#include "tests/door/ImportHook.h"
 #include "tests/door/Requests.h"
 #include "tests/door/ScratchFile.h"
 #include "tests/door/TestStream.h"
 
 #include <psapi.h>
-#include <shlwapi.h>
 
 #include <thread>
 
@@ -16,9 +14,9 @@ constexpr double handleSlack = 8;
 
 // How many GDI objects can still be made: counts them exactly where GetGuiResources says nothing.
 std::size_t FreeGdiHandles() {
-    std::vector<Bitmap> brushes;
+    std::vector<UniqueBrush> brushes;
     while (HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3)))
-        brushes.emplace_back(reinterpret_cast<HBITMAP>(brush));
+        brushes.emplace_back(brush);
     return brushes.size();
 }
 
@@ -39,18 +37,20 @@ SIZE_T PrivateBytes() {
     return counters.PagefileUsage;
 }
 
-Bytes CutOff(Bytes file) {
-    file.resize(file.size() / 2);
-    return file;
-}
+struct Usage {
+    std::size_t freeGdi = FreeGdiHandles();
+    std::size_t handles = OpenHandles();
+    SIZE_T bytes = PrivateBytes();
+};
 
 // A picture, one that loads and can't be painted, one whose pixels are missing, and half a file.
 std::vector<Bytes> Files() {
-    Bytes missing = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
+    const Bytes picture = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
+    Bytes missing = picture;
     SetField(missing, file_header::size, image_header::height, 4000);
     return {ZmiBuilder{.mode = 1, .frames = {{9, 7}, {5, 5}}, .title = "soak"}.Build(),
             ZmiBuilder{.mode = 3, .frames = {{8, 8}}}.Build(), missing,
-            CutOff(ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build())};
+            Bytes(picture.begin(), picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2))};
 }
 
 // One object of each class, made and asked everything.
@@ -63,20 +63,16 @@ std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
 }
 
 TEST(Soak, ItsProbesSeeWhatIsThere) {
-    const std::size_t gdi = FreeGdiHandles();
-    const std::size_t handles = OpenHandles();
-    const SIZE_T bytes = PrivateBytes();
-    {
-        const Bitmap brush(reinterpret_cast<HBITMAP>(CreateSolidBrush(0)));
-        const Bytes memory(4 * 1024 * 1024, 1);
-        EXPECT_EQ(gdi - 1, FreeGdiHandles());
-        EXPECT_LE(bytes + memory.size(), PrivateBytes());
-    }
-    EXPECT_EQ(gdi, FreeGdiHandles());
-    std::vector<std::unique_ptr<void, decltype(&CloseHandle)>> events;
+    const Usage before;
+    const UniqueBrush brush(CreateSolidBrush(0));
+    const Bytes memory(4 * 1024 * 1024, 1);
+    std::vector<UniqueKernelHandle> events;
     while (events.size() < 20)
-        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr), CloseHandle);
-    EXPECT_NEAR(static_cast<double>(handles + events.size()), static_cast<double>(OpenHandles()),
+        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    const Usage now;
+    EXPECT_EQ(before.freeGdi - 1, now.freeGdi);
+    EXPECT_LE(before.bytes + memory.size(), now.bytes);
+    EXPECT_NEAR(static_cast<double>(before.handles + events.size()), static_cast<double>(now.handles),
                 handleSlack);
 }
 
@@ -95,30 +91,24 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
     for (const Answer& answer : first[0])
         ASSERT_EQ(S_OK, answer.result);
 
-    std::size_t freeBefore = 0;
-    std::size_t handlesBefore = 0;
-    SIZE_T bytesBefore = 0;
+    Usage before;
     for (unsigned round = 0; round < rounds + warmUp; ++round) {
-        if (round == warmUp) {
-            freeBefore = FreeGdiHandles();
-            handlesBefore = OpenHandles();
-            bytesBefore = PrivateBytes();
-        }
+        if (round == warmUp)
+            before = {};
         ASSERT_EQ(first[0], AskAll(streams[0], paths[0]->Path())) << "round " << round;
         if (round % 3 == 0) {
             const std::size_t failing = 1 + round / 3 % (files.size() - 1);
             ASSERT_EQ(first[failing], AskAll(streams[failing], paths[failing]->Path())) << "round " << round;
         }
     }
-    const SIZE_T bytesAfter = PrivateBytes();
-    EXPECT_LT(bytesAfter, bytesBefore + 128 * 1024) << "was " << bytesBefore;
-    const std::size_t handlesAfter = OpenHandles();
-    EXPECT_NEAR(static_cast<double>(handlesBefore), static_cast<double>(handlesAfter), handleSlack);
-    EXPECT_EQ(freeBefore, FreeGdiHandles());
+    const Usage after;
+    EXPECT_LT(after.bytes, before.bytes + 128 * 1024) << "was " << before.bytes;
+    EXPECT_NEAR(static_cast<double>(before.handles), static_cast<double>(after.handles), handleSlack);
+    EXPECT_EQ(before.freeGdi, after.freeGdi);
     for (const TestStream& stream : streams)
         EXPECT_EQ(1u, stream.References());
-    std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", bytesBefore,
-                bytesAfter, handlesBefore, handlesAfter, freeBefore);
+    std::printf("private bytes %zu, then %zu; handles %zu, then %zu; free GDI handles %zu\n", before.bytes,
+                after.bytes, before.handles, after.handles, before.freeGdi);
 }
 
 // How many slots of one kind the process can still take.
@@ -177,67 +167,6 @@ TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
     EXPECT_EQ(slots, FreeSlots());
     EXPECT_LT(PrivateBytes(), bytes + 128 * 1024) << "was " << bytes;
     EXPECT_TRUE(DeleteFileW(copy.c_str()));
-}
-
-// Nobody else has the file open, not even for deletion.
-bool IsFree(const wchar_t* path) {
-    const HANDLE file =
-        CreateFileW(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file != INVALID_HANDLE_VALUE)
-        CloseHandle(file);
-    return file != INVALID_HANDLE_VALUE;
-}
-
-TEST(Locks, PathRequestsLeaveTheFileFree) {
-    std::vector<Bytes> files = Files();
-    files.push_back({});
-    files.push_back(Bytes(200, 'x'));
-    for (const Bytes& bytes : files) {
-        const ScratchFile file(bytes);
-        std::vector<Request> requests = PathRequests(file.Path());
-        const auto image = ImageHandlerOf(file.Path());
-        requests.push_back({"date", E_FAIL, [&] {
-                                FILETIME time;
-                                return Answer{image->GetDateStamp(&time)};
-                            }});
-        for (const Request& request : requests) {
-            request.ask();
-            EXPECT_TRUE(IsFree(file.Path())) << request.name << " of a file of " << bytes.size() << " bytes";
-        }
-    }
-}
-
-TEST(Locks, FailingReadsLeaveTheFileFree) {
-    const ScratchFile file(Files()[0]);
-    for (const Request& request : PathRequests(file.Path())) {
-        bool failed = true;
-        for (unsigned failing = 1; failed; ++failing) {
-            unsigned calls = 0;
-            const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
-                TheDll(), [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
-                              OVERLAPPED* overlapped) {
-                    return ++calls == failing ? FALSE : original(handle, buffer, count, done, overlapped);
-                });
-            const HRESULT result = request.ask().result;
-            failed = calls >= failing;
-            EXPECT_EQ(failed ? request.failure : S_OK, result);
-            EXPECT_TRUE(IsFree(file.Path())) << request.name << ", read " << failing;
-        }
-    }
-}
-
-TEST(Locks, StreamsAreGivenBackWithTheLastObject) {
-    for (const Bytes& bytes : Files()) {
-        const ScratchFile file(bytes);
-        IStream* stream = nullptr;
-        ASSERT_EQ(S_OK, SHCreateStreamOnFileEx(file.Path(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE,
-                                               nullptr, &stream));
-        for (const Request& request : StreamRequests(*stream))
-            request.ask();
-        EXPECT_FALSE(IsFree(file.Path()));
-        EXPECT_EQ(0u, stream->Release());
-        EXPECT_TRUE(IsFree(file.Path()));
-    }
 }
 
 } // namespace

@@ -81,7 +81,7 @@ TEST(FileObject, AsksTheFolderForASizeThatTheFileDenies) {
     const ScratchFile scratch(digits, L".txt");
     EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u);
     EXPECT_EQ(FileObject::fileSizeByName(L"C:\\no such file.txt"), 0u);
-    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
+    for (const DWORD error : {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_SHARING_VIOLATION}}) {
         const ImportHook<"CreateFileW",
                          HANDLE(const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE)>
             denied(GetModuleHandleW(nullptr), [=](auto, const wchar_t*, DWORD access, auto...) {

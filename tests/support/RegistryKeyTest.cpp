@@ -4,7 +4,9 @@
 #include "support/SecurityApi.h"
 
 #include <gtest/gtest.h>
+#include <sddl.h>
 
+#include <regex>
 #include <string>
 
 namespace vantrel::tests {
@@ -25,20 +27,15 @@ TEST(RegistryKey, SaysWhatItCouldNotDo) {
     ASSERT_TRUE(GrantEveryoneFullAccess(api, HKEY_CURRENT_USER, base.c_str()));
     alignas(8) BYTE descriptor[512];
     DWORD size = sizeof descriptor;
-    BOOL present = FALSE, defaulted = FALSE;
-    ACL* acl = nullptr;
-    ACCESS_ALLOWED_ACE* entry = nullptr;
-    {
-        RegistryKey key;
-        ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, base.c_str(), 0, KEY_READ, key.Put()), ERROR_SUCCESS);
-        ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, descriptor, &size), ERROR_SUCCESS);
-    }
-    ASSERT_TRUE(GetSecurityDescriptorDacl(descriptor, &present, &acl, &defaulted));
-    ASSERT_TRUE(present && acl && acl->AceCount == 1);
-    ASSERT_TRUE(GetAce(acl, 0, reinterpret_cast<void**>(&entry)));
-    EXPECT_EQ(entry->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
-    EXPECT_TRUE(IsWellKnownSid(&entry->SidStart, WinWorldSid));
-    EXPECT_TRUE(entry->Mask == GENERIC_ALL || entry->Mask == KEY_ALL_ACCESS) << entry->Mask;
+    wchar_t* text = nullptr;
+    RegistryKey key;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, base.c_str(), 0, KEY_READ, key.Put()), ERROR_SUCCESS);
+    ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, descriptor, &size), ERROR_SUCCESS);
+    ASSERT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    EXPECT_TRUE(std::regex_match(text, std::wregex(LR"(D:\w*\(A;\w*;[GK]A;;;WD\))")))
+        << testing::PrintToString(text);
+    LocalFree(text);
 
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
     EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));

@@ -62,21 +62,15 @@ TEST(TextBuffer, AssigningGrowsToWhatIsNeeded) {
 }
 
 TEST(TextBuffer, WidensByValueOrByCodePage) {
-    std::string all;
-    std::wstring byValue, byCodePage(255, L' ');
-    for (int i = 1; i < 256; ++i) {
-        all += static_cast<char>(i);
-        byValue += static_cast<wchar_t>(i);
-    }
-    byCodePage.resize(
-        static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, all.data(), 255, byCodePage.data(), 255)));
-    ASSERT_TRUE(byCodePage != byValue) << "the code page has to be a telling one";
-
-    TextBuffer text;
-    EXPECT_TRUE(text.AssignNarrow(all.data(), all.size(), TextBuffer::Widening::ByValue));
-    ExpectText(text, byValue);
-    EXPECT_TRUE(text.AssignNarrow(all.c_str()));
-    ExpectText(text, byCodePage);
+    const char text[] = "\x80\xE9";
+    wchar_t byCodePage[8] = {};
+    MultiByteToWideChar(CP_ACP, 0, text, -1, byCodePage, 8);
+    ASSERT_STRNE(byCodePage, L"\x80\xE9") << "the code page has to be a telling one";
+    TextBuffer widened;
+    EXPECT_TRUE(widened.AssignNarrow(text, 2, TextBuffer::Widening::ByValue));
+    ExpectText(widened, L"\x80\xE9");
+    EXPECT_TRUE(widened.AssignNarrow(text));
+    ExpectText(widened, byCodePage);
 }
 
 TEST(TextBuffer, RefusedGrowthLeavesTheEmptyText) {
