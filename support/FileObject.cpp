@@ -74,10 +74,10 @@ bool FileObject::read(std::uint32_t count, void* buffer) {
         return done == count;
     // Some drivers refuse a large read as a whole but serve it in pieces.
     return GetLastError() == ERROR_NO_SYSTEM_RESOURCES &&
-           readInChunks(count, static_cast<std::uint8_t*>(buffer));
+           ReadInChunks(count, static_cast<std::uint8_t*>(buffer));
 }
 
-bool FileObject::readInChunks(std::uint32_t count, std::uint8_t* buffer) {
+bool FileObject::ReadInChunks(std::uint32_t count, std::uint8_t* buffer) {
     while (count > 0) {
         const DWORD chunk = std::min<DWORD>(count, 1024 * 1024);
         DWORD done = 0;

@@ -34,7 +34,7 @@ public:
     HANDLE handle() const { return handle_.get(); }
 
 private:
-    bool readInChunks(std::uint32_t count, std::uint8_t* buffer);
+    bool ReadInChunks(std::uint32_t count, std::uint8_t* buffer);
 
     UniqueKernelHandle handle_;
 };
