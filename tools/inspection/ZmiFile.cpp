@@ -141,8 +141,7 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
             const auto frame = frames.Frame(i);
             if (!frame)
                 return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
-            // What keeps a file from being loaded counts in any frame, what keeps a picture from being shown
-            // only in the first.
+            // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
             if (i == 0 || frame->fault == FrameFault::ColourTable || frame->fault == FrameFault::Pixels)
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;

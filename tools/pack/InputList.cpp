@@ -13,7 +13,8 @@ namespace vantrel::tools {
 
 namespace {
 
-// ".bmp,.dib,.jpg," in lower case: of all decoders that this system has. Wine parts them by semicolons.
+// ".bmp,.dib,.jpg," in lower case: the extensions of all decoders on this system. Wine separates them by
+// semicolons.
 std::wstring DecodableExtensions(IWICImagingFactory& factory) {
     std::wstring all;
     ComPtr<IEnumUnknown> decoders;

@@ -45,7 +45,7 @@ Color ParseColor(const std::wstring& text) {
 std::string ToAnsi(const std::wstring& text) {
     if (text.empty())
         return {};
-    // UTF-8 as the ANSI code page accepts neither this flag nor the question, and has no need of them.
+    // With UTF-8 as the ANSI code page, this flag and the query are not allowed, nor needed.
     const bool utf8 = GetACP() == CP_UTF8;
     std::string bytes(text.size() * 4, '\0');
     BOOL replaced = FALSE;
@@ -67,7 +67,7 @@ std::string ToTitle(std::wstring text, bool truncate) {
         throw UsageError(L"--title has more than " + std::to_wstring(longestTitle) +
                          L" bytes in this system's ANSI code page; --truncate-title cuts it: \"" + text +
                          L"\"");
-    // By whole characters, of which none takes less than a byte and some have two halves.
+    // Cuts whole characters, each of which takes at least one byte; some are surrogate pairs.
     text.resize(std::min(text.size(), longestTitle));
     for (; title.size() > longestTitle; text.pop_back()) {
         if (IS_HIGH_SURROGATE(text.back()))
@@ -142,7 +142,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
         throw UsageError(blank ? L"no output given" : L"no input and no output given");
     options.output = std::move(options.inputs.back());
     options.inputs.pop_back();
-    // A forgotten output would otherwise cost the user the last of the inputs.
+    // Otherwise, if the user forgets the output, the last input would be overwritten.
     if (CompareStringOrdinal(options.output.extension().c_str(), -1, L".zmi", -1, TRUE) != CSTR_EQUAL)
         throw UsageError(L"the output comes last and its name ends in .zmi, not \"" +
                          options.output.wstring() + L"\"");

@@ -9,7 +9,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// The file's pieces stand in this order; an absent piece has no length.
+// The file's parts are in this order; an absent part has no length.
 struct Layout {
     std::uint64_t frameTable = sizeof(FileHeader) + sizeof(ImageHeader);
     std::uint64_t colorTable = frameTable;
@@ -35,7 +35,7 @@ Layout LayOut(const ZmiContent& content) {
 }
 
 std::uint8_t FrameFlags(const ZmiContent& content) {
-    constexpr unsigned modeShift = 3; // the way back from ModeOf
+    constexpr unsigned modeShift = 3; // the reverse of ModeOf
     return static_cast<std::uint8_t>(static_cast<unsigned>(content.mode) << modeShift |
                                      (content.transparentKey ? transparencyFlag : 0U));
 }

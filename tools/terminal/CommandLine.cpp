@@ -51,7 +51,7 @@ std::wstring CommandLine::Value() {
         return *std::exchange(attachedValue_, std::nullopt);
     if (position_ == arguments_.size())
         throw UsageError(option_ + L" needs a value");
-    // Far more often a forgotten value than a value.
+    // Far more likely a forgotten value than a value.
     if (LooksLikeOption(arguments_[position_]))
         throw UsageError(option_ + L" needs a value; one that begins with a dash is written " + option_ +
                          L"=VALUE");

@@ -9,7 +9,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// WIC's own codes, for which the system's message table has no words.
+// WIC's codes, which the system's message table lacks.
 constexpr auto wicWords = std::to_array<std::pair<std::uint32_t, const wchar_t*>>({
     {0x88982F07, L"the picture is damaged or cut short"},
     {0x88982F0B, L"the picture's format version is not supported"},

@@ -23,7 +23,7 @@ constexpr std::array<KindFacts, 3> kinds = {{{L"ZMI", L".zmi", {zmiMagic, std::s
                                              {L"PNG", L".png", "\x89PNG\r\n\x1A\n"},
                                              {L"GIF", L".gif", "GIF8"}}};
 
-// Null when the file can't be opened; GetLastError tells why.
+// Null if the file can't be opened; see GetLastError.
 UniqueKernelHandle Open(const std::filesystem::path& path, DWORD access) {
     constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE handle =

@@ -12,7 +12,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// "-007" of 12 frames, "-00007" of 12,000; nothing of one.
+// "-007" for 12 frames, "-00007" for 12,000; nothing for one.
 std::wstring NumberSuffix(unsigned number, unsigned count) {
     if (count == 1)
         return {};
@@ -164,7 +164,7 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
                 take(std::bit_cast<Color>(word));
         });
     };
-    // Transparent pixels have one colour, which is an entry of its own beside that of opaque ones.
+    // Transparent pixels have one colour, with its own entry besides those of opaque pixels.
     std::optional<Color> transparent;
     bool ok = forEachPixel([&](Color pixel) {
         if (pixel.alpha == 0)
