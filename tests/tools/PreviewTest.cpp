@@ -52,7 +52,7 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
         {With(good, payload, image_header::width, 0), "frame 1 is 0 x 20 pixels"},
         {With(frames, payload, image_header::paletteOffset, 1),
          "the colour table of frame 1, 512 bytes at offset 1"},
-        {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
+        {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "contains no frames"},
         {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
          "the pixels of frame 2, 9 bytes at offset 99,999"},
     };
@@ -90,10 +90,10 @@ TEST_F(PreviewTest, WritesJsonThatParsesInEveryCase) {
           R"("request": "dimensions", "ok": true, "result": "30 x 20", "width": 30, "height": 20})",
           R"("request": "bit depth", "ok": true, "result": 16})", R"(Z"})",
           R"("handler": "icon", "request": "16", "ok": true)",
-          R"("file": "folder", "ok": false, "reason": "folder: the folder holds no .zmi file", "results": [])",
+          R"("file": "folder", "ok": false, "reason": "folder: the folder contains no .zmi files", "results": [])",
           R"("file": "bad.zmi", "ok": false, "reason": "no picture: the file has 1 bytes)",
           R"("hresult": "0x80004005"})", R"(]}], "sheet": "page.png", "ok": false})"}},
-        {{L"folder"}, 1, "no .zmi file", {R"("results": []}], "ok": false})"}},
+        {{L"folder"}, 1, "no .zmi files", {R"("results": []}], "ok": false})"}},
         {{}, 2, "no file given", {R"({"ok": false, "error": "no file given)"}},
     };
     for (auto [arguments, exitCode, words, parts] : cases) {
@@ -137,11 +137,11 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
         {{L"--sheet=page.png", L"--sizes=9", L"good.zmi"}, 0, "the sheet chooses"},
         {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
-        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: a file stands where"},
-        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; one"},
+        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: there is a file where"},
+        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; write one"},
         {{L"--sheet=--good.zmi", L"good.zmi"}, 2, "must end in .png"},
-        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this exists and is not a PNG file"},
-        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the files to read"},
+        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this already exists and is not a PNG file"},
+        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the input files"},
         {{L"--", L"--good.zmi"}, 0, ""},
     };
     Write(L"good.zmi", single.Build());
@@ -178,7 +178,7 @@ TEST_F(PreviewTest, DrawsASheetAndKeepsProgressOutOfPipes) {
     run.Ended(0);
     EXPECT_TRUE(run.out.ends_with("sheet -> page.png\n")) << run.out;
     EXPECT_EQ("", run.err);
-    EXPECT_EQ(4, FileCount()) << "single pictures are for --out alone";
+    EXPECT_EQ(4, FileCount()) << "separate pictures only with --out";
     const Bytes png = Read(L"page.png");
     ASSERT_LT(24u, png.size());
     EXPECT_EQ("PNG", std::string(png.begin() + 1, png.begin() + 4));

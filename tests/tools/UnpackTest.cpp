@@ -93,12 +93,12 @@ TEST_F(UnpackTest, NeverWritesOneResultOverAnotherOrOverAnInput) {
         Write(name, bytes);
     Unpack({L"a.zmi", L"A-001.zmi"}).Ended(0);
     EXPECT_EQ(6, FileCount()); // "A-001 (2).png" among them
-    Unpack({L"--gif", L"in.gif", L"--force", L"in.gif"}).Ended(2, "one of the files to read");
+    Unpack({L"--gif", L"in.gif", L"--force", L"in.gif"}).Ended(2, "one of the input files");
     EXPECT_EQ(one, Read(L"in.gif"));
     const std::pair<Arguments, const char*> usages[] = {
-        {{L"--frames", L"2-1", L"a.zmi"}, "--frames wants a whole number from 2 to 65535, not \"1\""},
+        {{L"--frames", L"2-1", L"a.zmi"}, "--frames needs a whole number from 2 to 65535, not \"1\""},
         {{L"--frames", L"1,", L"a.zmi"}, "not \"\""},
-        {{L"--delay", L"20", L"a.zmi"}, "--delay wants --gif"},
+        {{L"--delay", L"20", L"a.zmi"}, "--delay needs --gif"},
         {{L"--info", L"--gif", L"b.gif", L"a.zmi"}, "--info writes no pictures"},
         {{}, "no file given"},
     };

@@ -53,8 +53,8 @@ std::vector<std::filesystem::path> ListInputs(IWICImagingFactory& factory,
                 return extension == L"," || known.find(extension) == std::wstring::npos;
             });
         if (found.files.empty())
-            throw Failure(input.wstring() + (found.isFolder ? L": the folder holds no pictures"
-                                                            : L": no file has such a name"));
+            throw Failure(input.wstring() +
+                          (found.isFolder ? L": the folder contains no pictures" : L": no such file"));
         std::ranges::move(found.files, std::back_inserter(inputs));
     }
     return inputs;

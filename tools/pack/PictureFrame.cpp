@@ -25,7 +25,7 @@ PictureFrame::PictureFrame(CopyArea copyArea, UINT width, UINT height, Orientati
     : copyArea_(std::move(copyArea)), orientation_(orientation) {
     if (width == 0 || height == 0 || width > largestSide || height > largestSide)
         throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
-                      L" pixels; a ZMI frame has from 1 to 65535 each way");
+                      L" pixels; a ZMI frame must have 1 to 65535 in each direction");
     width_ = static_cast<std::uint16_t>(orientation.transposed ? height : width);
     height_ = static_cast<std::uint16_t>(orientation.transposed ? width : height);
 }

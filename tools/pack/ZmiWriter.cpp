@@ -111,14 +111,14 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
 
 void ZmiWriter::WriteRows(std::span<const std::byte> rows) {
     if (rows.size() > bytesLeft_)
-        throw Failure(L"a picture grew while it was read");
+        throw Failure(L"a picture grew while being read");
     bytesLeft_ -= rows.size();
     output_.Write(rows);
 }
 
 void ZmiWriter::Finish() {
     if (bytesLeft_ != 0)
-        throw Failure(L"a picture shrank while it was read");
+        throw Failure(L"a picture shrank while being read");
     Put(output_, zmiTrailer);
 }
 

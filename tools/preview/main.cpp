@@ -91,8 +91,8 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
     if (wantsSingles)
         sizes = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
     else if (options.sizes)
-        PrintError(L"zmi-preview: the sheet chooses its thumbnails' size itself; --sizes is for the single "
-                   L"files that --out asks for");
+        PrintError(L"zmi-preview: the sheet chooses its own thumbnail size; --sizes applies only to the "
+                   L"separate files of --out");
     std::optional<ContactSheet> sheet;
     std::wstring sizeForSheetAlone;
     if (options.sheet) {

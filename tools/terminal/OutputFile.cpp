@@ -88,7 +88,7 @@ void OutputFile::Commit() {
             g_liveFiles.erase(temporary_);
         else if (attempt == attempts ||
                  (GetLastError() != ERROR_ACCESS_DENIED && GetLastError() != ERROR_SHARING_VIOLATION))
-            FailWithLastError(shown_.wstring() + L": cannot be put in place");
+            FailWithLastError(shown_.wstring() + L": cannot be moved into place");
         else
             Sleep(pauseMilliseconds);
     }
@@ -113,7 +113,7 @@ void OutputFile::CreateFolders(const std::filesystem::path& folder) const {
     if (attributes != INVALID_FILE_ATTRIBUTES) {
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
             return;
-        throw Failure(shown_.wstring() + L": a file stands where its folder should be");
+        throw Failure(shown_.wstring() + L": there is a file where its folder should be");
     }
     if (const auto parent = folder.parent_path(); parent != folder && parent != folder.root_name())
         CreateFolders(parent);

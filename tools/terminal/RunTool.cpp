@@ -49,7 +49,7 @@ int RunTool(const Tool& tool, int count, wchar_t** arguments) {
         return ok ? done : failed;
     } catch (const UsageError& error) {
         exitCode = wrongUsage;
-        words = error.Message() + L" (" + std::wstring(tool.name) + L" --help shows how)";
+        words = error.Message() + L" (see " + std::wstring(tool.name) + L" --help)";
     } catch (const Failure& failure) {
         words = failure.Message();
     } catch (const std::bad_alloc&) {

@@ -141,7 +141,7 @@ std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
 void Diagnosis::CheckMachine() {
     if (facts_.isArm64)
         Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
-            L"none on this machine, for Vantrel64 is x64 only");
+            L"none on this machine: Vantrel64 is x64 only");
     if (facts_.isExplorerElevated && isUserOnly_)
         Add(Health::Fail,
             std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
@@ -154,7 +154,7 @@ void Diagnosis::CheckRegistration() {
         // The property handler's value survives unregistration, so it does not count here.
         Add(Health::Fail,
             L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
-            L"install Vantrel64, or " + registerAgain_ + L" as the user who is to see the thumbnails");
+            L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
         return;
     }
     const std::size_t before = findings_.size();
@@ -257,7 +257,7 @@ void Diagnosis::CheckLibraries() {
     else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
         Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
             L"the registered library is " + registered[0] + L", not " + *expected,
-            machineValues_ ? L"install the one that you want" : L"run regsvr32 " + Quoted(*expected));
+            machineValues_ ? L"install the one you want" : L"run regsvr32 " + Quoted(*expected));
 }
 
 void Diagnosis::CheckCom() {
@@ -314,11 +314,11 @@ void Diagnosis::CheckHandlers() {
             continue;
         isClear = false;
         Add(Health::Warn,
-            L"the program " + program.progId + L" has an icon of its own, which Explorer may show instead",
+            L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
             LR"(if it does, delete HKEY_CLASSES_ROOT\)" + program.progId + LR"(\DefaultIcon)");
     }
     if (isClear)
-        Add(Health::Ok, L"no other program's handler or icon stands in the way");
+        Add(Health::Ok, L"no other program's handler or icon interferes");
 }
 
 void Diagnosis::CheckSettings() {
@@ -334,7 +334,7 @@ void Diagnosis::CheckSettings() {
             Add(Health::Fail, std::wstring(L"the class ") + ClassOf(kind).description + L" is blocked",
                 std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
     if (findings_.size() == before)
-        Add(Health::Ok, L"no setting and no policy turns thumbnails off");
+        Add(Health::Ok, L"no setting or policy turns thumbnails off");
 }
 
 void Diagnosis::CheckFile(const FileFacts& file) {
@@ -355,14 +355,14 @@ void Diagnosis::CheckFile(const FileFacts& file) {
             name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
             L"in Explorer, choose \"Always keep on this device\" for it");
     else if (file.fault)
-        Add(Health::Fail, name + *file.fault, L"make the file again, or get a fresh copy of it");
+        Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
     else if (smallest > smallestThumbnail)
         Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
             name + std::to_wstring(file.width) + L" x " + std::to_wstring(file.height) +
                 L" pixels is too thin for thumbnails smaller than " + std::to_wstring(smallest) + L" pixels",
             L"crop the picture, or put it on a squarer canvas");
     else
-        Add(Health::Ok, name + L"header, trailer and frames are sound");
+        Add(Health::Ok, name + L"header, trailer and frames are valid");
 }
 
 } // namespace

@@ -50,10 +50,9 @@ struct FileFacts {
     std::wstring shown; // as the user wrote it
     bool isFolder = false;
     DWORD attributes = 0;
-    std::optional<std::wstring>
-        unread{}; // why nothing more is known: for example not found, or an empty folder
-    std::optional<std::wstring> fault{}; // what is wrong with it as a ZMI file
-    unsigned width = 0;                  // of frame 0 in pixels
+    std::optional<std::wstring> unread{}; // why nothing more is known, such as "not found"
+    std::optional<std::wstring> fault{};  // what is wrong with it as a ZMI file
+    unsigned width = 0;                   // of frame 0 in pixels
     unsigned height = 0;
 
     // A placeholder whose content is in the cloud or on other storage; it isn't opened.

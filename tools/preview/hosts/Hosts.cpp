@@ -95,7 +95,7 @@ void TakeValue(PROPVARIANT& value, HandlerResult& result) {
     if (result.number)
         result.text = std::to_wstring(*result.number);
     else if (type != VT_BSTR && type != VT_LPWSTR)
-        throw Failure(L"a value of the unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
+        throw Failure(L"a value of unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
     else if (result.request == L"dimensions")
         std::swscanf(result.text.c_str(), L"%u x %u", &result.picture.width, &result.picture.height);
 }
@@ -248,7 +248,7 @@ void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<
         item.dwFileAttributes = GetFileAttributesW(file.path.c_str());
         if (!Store(file.path.parent_path().wstring(), folder.wszFolder) ||
             !Store(file.path.wstring(), item.wszFile)) {
-            result.text = L"not asked, as a column request holds no path of more than 259 characters";
+            result.text = L"not asked, since a column request can't hold a path longer than 259 characters";
             return;
         }
         Check(provider->Initialize(&folder), L"Initialize");
