@@ -9,11 +9,11 @@ using namespace vantrel::tools;
 constexpr wchar_t ours[] = LR"(C:\V\Vantrel64.dll)";
 constexpr wchar_t other[] = LR"(C:\W\Vantrel64.dll)";
 
-// The first class's values of the registration come first: description, server, threading model, binding.
+// The first class's values come first: description, server, threading model, binding.
 enum { description, server, threading, binding };
 enum { thumbnail, extract, icon };
 
-// Registered for the user, and nothing wrong.
+// Registered for the user, with nothing wrong.
 DoctorFacts SoundFacts() {
     DoctorFacts facts;
     for (const RegistrationValue& expected : ExpectedRegistration()) {
@@ -56,7 +56,7 @@ void BreakAll(DoctorFacts& f) {
                {.shown = L"zmi.dat", .width = 1, .height = 1}};
 }
 
-// What is changed in sound facts, and parts of "health text. Fix: fix" of all findings that are not [ok].
+// A change to healthy facts, and parts of "health text. Fix: fix" of all findings that are not [ok].
 const struct {
     void (*change)(DoctorFacts& f);
     std::vector<std::wstring> findings;
@@ -174,7 +174,8 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     Write(L"thin.zmi", ZmiBuilder{.frames = {{300, 1}}}.Build());
     std::filesystem::create_directory(folder_ / L"empty");
 
-    // In this process the two hives are keys that vanish with the test; COM and the Shell see the real ones.
+    // In this process the two hives are keys that are deleted with the test; COM and the Shell see the real
+    // ones.
     constexpr wchar_t scratch[] = LR"(Software\Vantrel doctor test)";
     HKEY user = nullptr;
     HKEY machine = nullptr;

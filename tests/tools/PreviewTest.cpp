@@ -16,7 +16,7 @@ Bytes With(Bytes file, std::size_t base, Field field, std::uint32_t value) {
     return file;
 }
 
-// Folds values into one letter, from the innermost outwards, until nothing but that letter should be left.
+// Replaces values by one letter, from the innermost outwards, until only that letter should be left.
 bool IsJson(std::string text) {
     const std::regex scalar(R"re("([^"\\\x00-\x1f]|\\["\\]|\\u[0-9a-f]{4})*"|\d+|true|false)re");
     const std::regex list(R"(\{v:v(,v:v)*\}|\[\]|\[v(,v)*\])");
@@ -113,7 +113,7 @@ TEST_F(PreviewTest, KeepsItsPicturesApartAndGoesOnWhenOneFails) {
     const ToolRun run =
         Preview({L"--sizes", L"32", L"--out", L"out", L"--sheet", L"out\\a-icon-16.png", L"a*.zmi", L"out"});
     run.Ended(1, "a-icon.zmi: thumbnail 32: out\\a-icon-32.png: this is a folder");
-    // No line of its own for the second one in a title.
+    // A line break in a title must not start a new line.
     EXPECT_TRUE(Contains(run.out, "a \"b\\c<U+001B><U+000A>\n")) << run.out;
     std::set<std::string> names;
     const std::regex arrow(R"(-> (.+))");
@@ -155,18 +155,18 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
     }
 }
 
-// Harder on Windows, where such a path must be in a form of its own; Wine takes any.
+// More demanding on Windows, where such a path needs a special form; Wine takes any.
 TEST_F(PreviewTest, TakesLongPaths) {
     const std::wstring half(115, L'ü');
     const std::wstring folder = half + L"\\" + half;
     Pack({L"--blank", folder + L"\\p 図.zmi"}).Ended(0);
     const ToolRun run =
         Preview({L"--sizes", L"16", L"--out", folder, L"--sheet", folder + L"\\s.png", folder});
-    // Not that all went well: the structures of columns are too old to hold such a path.
+    // The exit code is not 0, since column structures can't hold such a path.
     EXPECT_TRUE(Contains(run.out, "p 図.zmi  thumbnail   16  ")) << run.err << run.out;
     EXPECT_FALSE(Read(folder + L"\\s.png").empty());
     Pack({folder + L"\\p 図-16.png", L"again.zmi"}).Ended(0);
-    // The standard library removes nothing that lies so deep.
+    // The standard library can't remove such long paths.
     EXPECT_TRUE(MoveFileW(LongPath(folder).c_str(), LongPath(L"rest").c_str())) << GetLastError();
 }
 
