@@ -309,7 +309,7 @@ TEST(Registration, SurvivesAStarvingMachine) {
 // In the real registry, which a child process can't be kept from.
 TEST(Registration, WorksThroughRegsvr32) {
     if (!IsAdministrator())
-        GTEST_SKIP() << "registering takes an administrator's rights";
+        GTEST_SKIP() << "registering needs administrator rights";
     const KeptRegistration kept;
     const auto regsvr32 = [](const wchar_t* option) {
         wchar_t folder[MAX_PATH];
