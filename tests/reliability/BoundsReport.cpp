@@ -1,4 +1,4 @@
-// bounds_report: what each kind of request costs for hostile files, against the bound on memory.
+// bounds_report: what each kind of request costs for hostile files, compared with the bound on memory.
 #include "tests/door/Requests.h"
 #include "tests/door/ResourceWatch.h"
 #include "tests/reliability/HostileFile.h"
@@ -66,7 +66,7 @@ std::vector<Row> Rows() {
     return rows;
 }
 
-// The whole request as a host makes it: object, file, call, release.
+// The complete request as a host makes it: object, file, call, release.
 Answer Perform(Kind kind, UINT width, UINT height, const wchar_t* path) {
     ComPtr<IStream> stream;
     if (kind == Kind::Properties || kind == Kind::Thumbnail)
@@ -90,7 +90,7 @@ Answer Perform(Kind kind, UINT width, UINT height, const wchar_t* path) {
     }
 }
 
-// Facts: 4 MiB. Pictures: besides, frame 0's surface, if there can be one, and the result.
+// Facts: 4 MiB. Pictures: plus frame 0's surface, if there can be one, plus the result.
 std::int64_t Bound(const Row& row, std::int64_t resultBytes) {
     const HostileFile& file = row.file;
     if (!row.Paints() || !file.loads)
@@ -105,10 +105,10 @@ PROCESS_MEMORY_COUNTERS Memory() {
     return counters;
 }
 
-// Prints one line of the table. In a process of its own: the system's peak can't be taken back.
+// Prints one line of the table. In its own process, since the peak can't be reset.
 int Measure(const Row& row, const wchar_t* path) {
     {
-        // The system's own first-time costs are not the request's.
+        // One-time costs of the system don't count.
         const ResourceWatch watch;
         Perform(row.kind, 8, 8, (std::wstring(path) + L"-small").c_str());
         if (watch.PeakBytes() == 0)
