@@ -44,7 +44,7 @@ private:
     std::size_t calls_ = 0;
 };
 
-// What is loaded is handed out where it is asked for.
+// On success stores the loaded image if requested.
 template <class Source>
 Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
                   std::uint32_t windowSize = PayloadReader::standardWindow, DecodedImage* image = nullptr) {

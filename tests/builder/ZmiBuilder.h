@@ -42,7 +42,7 @@ inline constexpr Field dataOffset{0, 4}, paletteOffset{4, 4}, extra0{8, 4}, tran
 std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field);
 void SetField(Bytes& bytes, std::size_t base, Field field, std::uint32_t value);
 
-// Makes the file header and the last four bytes, the trailer, agree on a payload from there on.
+// Makes the file header and the last four bytes, the trailer, describe a payload that starts there.
 void FramePayload(Bytes& file, std::uint32_t payloadAt);
 
 // Number i of a fixed pseudo-random sequence.

@@ -12,11 +12,11 @@ namespace {
 
 const ZmiBuilder plain{.frames = {{5, 3}}};
 
-// A file that is only claimed: its head and trailer exist, zeros lie between, and nothing is in front of the
-// payload but the head.
+// A virtual file: only its header and trailer exist, with zeros in between, and nothing but the header
+// precedes the payload.
 class SparseSource final : public ByteSource {
 public:
-    // Wherever the trailer really belongs.
+    // Wherever the trailer really is.
     SparseSource(std::uint32_t dataOffset, std::uint32_t dataSize, std::int64_t trailerAt)
         : head_(plain.Build()), size_(std::uint64_t{dataOffset} + dataSize + 4), trailerAt_(trailerAt) {
         SetField(head_, 0, file_header::dataOffset, dataOffset);

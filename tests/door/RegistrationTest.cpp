@@ -228,7 +228,7 @@ TEST(Registration, StopsAtTheFirstRowThatFails) {
     }
 }
 
-// A path that is too long is cut; some versions of Windows leave its terminator out.
+// A path that is too long is truncated; some versions of Windows omit the terminator.
 TEST(Registration, NeedsTheModulesPath) {
     const ScratchRegistry registry;
     for (const auto& [length, error] :

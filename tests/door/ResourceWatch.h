@@ -1,5 +1,5 @@
-// What the library takes from the system and must give back, counted; any taking of it can be refused,
-// and any read of a file.
+// Counts the resources that the library acquires and must release; can make any acquisition and any file read
+// fail.
 #pragma once
 
 #include "tests/door/ImportHook.h"
@@ -125,7 +125,7 @@ private:
             return taken == refusal ? taken : Keep(taken);
         });
     }
-    // The product of its arguments is the block's size.
+    // The block's size is the product of the arguments.
     template <FunctionName name, class... Sizes>
     void Allocating() {
         Hook<name, void*, Sizes...>([this](auto original, Sizes... sizes) {

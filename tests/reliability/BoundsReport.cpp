@@ -125,7 +125,7 @@ int Measure(const Row& row, const wchar_t* path) {
     for (const Picture& picture : answer.pictures) // an icon has a mask besides its colours
         bytes += (row.kind == Kind::Icons ? 8 : 4) * static_cast<std::int64_t>(picture.words.size());
     const std::int64_t bound = Bound(row, bytes);
-    // Wine's StretchBlt, when it enlarges, makes a copy of the result for itself; this program makes one
+    // Wine's StretchBlt makes its own copy of the result when it enlarges; this program makes another one
     // later.
     const bool exceeded = held >= bound || seen >= bound + bytes;
     const bool wrong = (answer.result == S_OK) != row.succeeds;
@@ -165,8 +165,8 @@ int Report(const wchar_t* program) {
 } // namespace
 } // namespace vantrel::tests
 
-// Without arguments the whole table; two are what its own child processes get. 1 when a bound is broken, an
-// answer wrong or something could not be measured, which a child says with 2.
+// Without arguments the whole table; child processes get two. Returns 1 if a bound is exceeded, an answer is
+// wrong or something could not be measured; a child returns 2 for the latter.
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tests;
     if (count < 3) {
