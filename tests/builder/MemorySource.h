@@ -44,7 +44,7 @@ private:
     std::size_t calls_ = 0;
 };
 
-// On success stores the loaded image if requested.
+// Stores the loaded image in *image if given.
 template <class Source>
 Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
                   std::uint32_t windowSize = PayloadReader::standardWindow, DecodedImage* image = nullptr) {

@@ -8,7 +8,7 @@ namespace vantrel::tests {
 
 // Except for the gap, which is not read at all.
 TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
-    // One that exactly fills a window. With unreferenced bytes between the pixels and, for several windows,
+    // A file that fits into one window. With unreferenced bytes between the pixels and, for several windows,
     // after them, and with a frame longer than a window.
     std::vector<ZmiBuilder> files{{.frames = {{5, 3}}, .gap = 3},
                                   {.gap = 3, .rest = 200000},
