@@ -41,7 +41,7 @@ HRESULT ZmiPropertyStore::ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) cons
     std::uint32_t dimensions[2];
     TextBuffer title;
     std::uint32_t bitsPerPixel;
-    // Before the key is looked at: a file that can't be read answers S_FALSE for every key.
+    // Before checking the key: for an unreadable file every key gives S_FALSE.
     if (!RenderImage(
             {.stream = Stream(), .dimensions = dimensions, .text = &title, .bitsPerPixel = &bitsPerPixel}))
         return S_FALSE;
