@@ -45,7 +45,7 @@ Buffer ReadAll(const wchar_t* path) {
 
 alignas(64) std::uint8_t g_window[64 * 1024];
 
-// Header, trailer, then what lies between; the trailer of a file that fits comes with that.
+// Header, trailer, then the payload; if the file fits, the trailer is read with the payload.
 template <class Read>
 void WindowRead(std::uint64_t size, Read read) {
     constexpr std::uint64_t headerBytes = 112, trailerBytes = 4;
@@ -59,7 +59,7 @@ void WindowRead(std::uint64_t size, Read read) {
         Require(read(at, static_cast<DWORD>(std::min<std::uint64_t>(sizeof g_window, end - at))));
 }
 
-// A picture that is selected into a context while it lives there.
+// A picture that stays selected into a context.
 class Surface {
 public:
     Surface(int width, int height)

@@ -1,5 +1,4 @@
-// The least that anyone has to do for the same result, written straight on GDI; shares nothing with the
-// library.
+// The minimum work for the same result, written directly on GDI; shares nothing with the library.
 #pragma once
 
 #include "support/Handles.h"
@@ -8,7 +7,7 @@
 
 namespace vantrel::bench {
 
-// Each reads all bytes in one go into a fresh buffer.
+// Each reads all bytes at once into a new buffer.
 void FloorRead(IStream& stream);
 void FloorRead(const wchar_t* path);
 
@@ -17,7 +16,7 @@ void WindowRead(IStream& stream);
 void WindowRead(const wchar_t* path);
 
 // Reads, makes a 32-bit picture of width x height and writes each of its pixels once, scales it with one
-// HALFTONE StretchBlt into a picture that fits into edge x edge, and passes over that one's alpha once.
+// HALFTONE StretchBlt into a picture that fits into edge x edge, and makes one pass over its alpha.
 UniqueBitmap FloorThumbnail(IStream& stream, int width, int height, int edge);
 UniqueBitmap FloorThumbnail(const wchar_t* path, int width, int height, int edge);
 

@@ -1,4 +1,4 @@
-// The library as a host meets it: the shipped DLL through its class factories.
+// The library as a host uses it: the shipped DLL through its class factories.
 #pragma once
 
 #include "support/Handles.h"
@@ -11,7 +11,7 @@
 
 namespace vantrel::bench {
 
-// Every request makes an object of its own, asks it once and lets go of it. A request that fails throws
+// Every request creates its own object, calls it once and releases it. A request that fails throws
 // std::runtime_error: a benchmark of failures would measure nothing.
 class Library {
 public:

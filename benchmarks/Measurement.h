@@ -1,4 +1,4 @@
-// Time, measured in interleaved pairs, and what is worked out from it.
+// Time, measured in interleaved pairs, and statistics of it.
 #pragma once
 
 #include <cstddef>
@@ -22,10 +22,10 @@ struct PairedTimes {
     std::size_t pairs;
 };
 
-// Runs first, second, first, second and so on until the seconds are over, after one pair that does not count.
+// Runs first, second, first, second and so on until the time is up, after one pair as a warm-up.
 PairedTimes MeasurePairs(const Action& first, const Action& second, double seconds);
 
-// The power of `sizes` that `times` grow with: the slope of the straight line through their logarithms.
+// The exponent with which `times` grow with `sizes`: the slope of the line fitted to their logarithms.
 double GrowthExponent(const std::vector<double>& sizes, const std::vector<double>& times);
 
 } // namespace vantrel::bench

@@ -14,7 +14,7 @@ namespace vantrel::bench {
 
 using tests::Bytes;
 
-// Lives where it is declared, longer than every reference to it; the bytes outlive it.
+// Not heap-allocated: must outlive every reference to it, and the bytes must outlive the stream.
 class MemoryStream final : public IStream {
 public:
     explicit MemoryStream(const Bytes& bytes) : bytes_(bytes) {}

@@ -1,4 +1,4 @@
-// What a user would pick instead: the platform's own ways from a BMP file to a small bitmap.
+// What a user would choose instead: the platform's own ways from a BMP file to a small bitmap.
 #pragma once
 
 #include "support/Handles.h"

@@ -22,7 +22,7 @@ RGBQUAD Quad(std::uint16_t colour) {
             static_cast<BYTE>(colour >> 11 << 3), 0};
 }
 
-// `pixels` holds ZMI rows, which need only be padded to 32 bits and put upside down.
+// `pixels` holds ZMI rows, which only need padding to 32 bits and flipping.
 Bytes MakeBmp(unsigned mode, std::uint16_t width, std::uint16_t height, const Bytes& pixels,
               const tests::Colours& palette) {
     Bytes colours;

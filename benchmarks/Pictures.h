@@ -1,4 +1,4 @@
-// The pictures that are measured: each as a ZMI file and, where there is such a thing, as a BMP file.
+// The pictures that are measured: each as a ZMI file and, where possible, as a BMP file.
 #pragma once
 
 #include "tests/builder/ZmiBuilder.h"
@@ -22,10 +22,10 @@ struct Picture {
 Picture MakePicture(unsigned mode, std::uint16_t width, std::uint16_t height);
 // 1024 x 600 without any pixels in the file.
 Picture MakeBlankDefault();
-// Frames in 5-6-5, all alike in size.
+// Frames in 5-6-5, all of the same size.
 Picture MakeAnimation(std::size_t frames, std::uint16_t width, std::uint16_t height);
 
-// A new folder under the temporary one, removed with its files at the end.
+// A new temporary folder, removed with its files on destruction.
 class ScratchFolder {
 public:
     ScratchFolder();

@@ -8,7 +8,7 @@ namespace vantrel::bench {
 namespace {
 
 constexpr double exponentGoal = 0.1;
-constexpr double peerGoal = 0.97; // a peer may be so much faster
+constexpr double peerGoal = 0.97; // a peer may be faster by this factor
 constexpr unsigned libraryKibibytesGoal = __GNUC__ < 14 ? 256 : 288;
 
 std::vector<double> Times(const Growth& growth, double PairedTimes::*time) {

@@ -1,4 +1,4 @@
-// What one run has found, as a table for people and as JSON for programs.
+// The results of one run, as a table for people and as JSON for programs.
 #pragma once
 
 #include "benchmarks/Measurement.h"
@@ -12,20 +12,20 @@ namespace vantrel::bench {
 
 struct Row {
     std::string name;
-    std::optional<double> goal; // most that the ratio may be
+    std::optional<double> goal; // the ratio's upper limit
     PairedTimes times;
-    double bytesRead; // by the library, over the bytes that there are
+    double bytesRead; // by the library, divided by the file's bytes
     struct Peer {
         std::string name;
         double ratio; // its time over the library's
     };
     std::vector<Peer> peers;
-    std::optional<double> window; // its time over that of nothing but reading through a small window
+    std::optional<double> window; // its time over that of only reading through a small window
     std::optional<double> windowGoal;
 };
 
 struct Growth {
-    std::string name; // of the series, and what its sizes count
+    std::string name; // of the series, and the unit of its sizes
     std::vector<double> sizes;
     std::vector<PairedTimes> times;
 

@@ -1,4 +1,4 @@
-// vantrel-bench: the library's time and memory against the least that anyone needs for the same result.
+// vantrel-bench: the library's time and memory compared with the minimum for the same result.
 
 #include "benchmarks/Floor.h"
 #include "benchmarks/Library.h"
@@ -28,7 +28,7 @@ constexpr unsigned folderEdge = 96;
 struct Options {
     bool json = false;
     double seconds = 2; // for each row
-    std::string only;   // rows whose names hold it
+    std::string only;   // only rows whose names contain it
 };
 
 class Run {
@@ -50,7 +50,7 @@ public:
 private:
     bool Wanted(const std::string& name) const { return name.find(options_.only) != std::string::npos; }
 
-    // Null when the row is not wanted.
+    // Null if the row is not wanted.
     Row* Add(const std::string& name, std::optional<double> goal, const Action& floor, const Action& dll) {
         if (!Wanted(name))
             return nullptr;
@@ -59,7 +59,7 @@ private:
         return &report_.rows.back();
     }
 
-    // Facts cost what reading costs.
+    // Facts cost as much as reading.
     void AddWindow(Row& row, const Action& window, const Action& dll) const {
         row.window = MeasurePairs(window, dll, options_.seconds / 2).ratio;
         row.windowGoal = 1.10;

@@ -1,4 +1,4 @@
-// A growable run of bytes for file contents.
+// A growable byte buffer for file contents.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@
 
 namespace vantrel {
 
-// Begins at a cache line, which makes reading files into it cheaper, and default-initialises what resize()
-// adds: that is read over at once, and zeroing it first costs as much.
+// Starts at a cache line, which makes reading files into it cheaper, and default-initialises what resize()
+// adds: it is overwritten at once, and zeroing it first would cost as much.
 template <class T>
 struct ReadBufferAllocator : std::allocator<T> {
     static constexpr std::align_val_t alignment{64};

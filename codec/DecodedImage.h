@@ -10,19 +10,20 @@
 
 namespace vantrel {
 
-// A deep-copyable value owned by its caller, who hands it empty to the decoder.
+// A deep-copyable value owned by the caller, who passes it to the decoder empty.
 struct DecodedImage {
     ImageHeader header{};
     std::uint32_t tableWord = 0;
     std::uint16_t frameCount = 0;
     std::uint16_t tableExtra = 0;
     std::vector<FrameRecord> frames; // one per frame, in file order
-    // Nothing, or one buffer per frame, same order: page order in mode 0, file order otherwise.
+    // Empty, or one buffer per frame, in the same order: page order in mode 0, file order otherwise.
     std::vector<ByteBuffer> framePixels;
     std::vector<Palette> palettes; // in the order loaded
 };
 
-// Bytes of a decoded frame's row, in mode 0 of a page of eight rows (see toPageOrder), and of all its pixels.
+// Bytes of one row of a decoded frame (in mode 0 of a page of eight rows, see toPageOrder), and of all its
+// pixels.
 constexpr std::uint32_t DecodedRowBytes(PixelMode mode, std::uint16_t width) {
     return mode == PixelMode::Monochrome ? width : RowBytes(mode, width);
 }
@@ -35,7 +36,7 @@ constexpr std::uint64_t DecodedByteCount(PixelMode mode, std::uint16_t width, st
     throw std::out_of_range("invalid vector<T> subscript");
 }
 
-// A list's element. Throws std::out_of_range when the index is not in the list.
+// An element of a list. Throws std::out_of_range for an invalid index.
 template <class List>
 auto& ElementAt(List& list, std::size_t index) {
     if (index >= list.size())

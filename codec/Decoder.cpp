@@ -44,7 +44,7 @@ bool ReadFrameTable(PayloadReader& payload, DecodedImage& image) {
     return payload.Read(records, image.frames.data(), bytes);
 }
 
-// Turns the records' palette offsets into palette numbers and loads the frames' own tables where they are
+// Turns the records' palette offsets into palette numbers and loads the frames' own tables if they are to be
 // kept.
 bool NumberPalettes(PayloadReader& payload, std::uint32_t paletteOffset, DecodedImage& image, Keep keep) {
     for (std::uint32_t i = 0; i < image.frames.size(); ++i) {

@@ -10,20 +10,20 @@ namespace vantrel {
 
 // What a DecodedImage is to hold.
 enum class Keep {
-    Facts,      // no pixels, and no palette but the first
-    Everything, // all frames' pixels and their palettes, too
+    Facts,      // no pixels, and only the first palette
+    Everything, // also all frames' pixels and palettes
 };
 
-// Is given the decoded image and frame 0's pixels while their file is being read, takes any number of them,
-// and says whether to go on.
+// Receives the decoded image and frame 0's pixels while the file is being read, takes as many of them as it
+// wants, and returns whether to go on.
 using PixelTaker = std::function<bool(const DecodedImage& image, FramePixels& pixels)>;
 
 // Fills an empty image. Whatever is kept, every record is read, every range checked and every byte of the
-// payload read, so that whether a file decodes does not depend on it. takePixels, when there is one, is
-// called once the image is complete. False when a range lies outside the payload, the source fails or
-// takePixels says so; the image then holds anything. Throws std::out_of_range for a mode-0 file whose frame
-// table is empty, and for any other without a frame whose pixels are to be taken; passes on what takePixels
-// throws.
+// payload read, so that what is kept does not decide whether a file decodes. takePixels, if given, is called
+// once the image is complete. False when a range lies outside the payload, the source fails or takePixels
+// returns false; the image's contents are then unspecified. Throws std::out_of_range for a mode-0 file whose
+// frame table is empty, and for any other file without a frame if takePixels is given; propagates what
+// takePixels throws.
 bool decode(PayloadReader& payload, DecodedImage& image, Keep keep, const PixelTaker& takePixels = {});
 
 } // namespace vantrel

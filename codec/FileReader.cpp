@@ -6,7 +6,7 @@ namespace vantrel {
 
 namespace {
 
-// All sums are 32-bit and may wrap: only the low 32 bits of a file's size take part.
+// All sums are 32-bit and may wrap: only the low 32 bits of a file's size count.
 bool IsValid(const FileHeader& header, std::uint8_t expectedKind, std::uint64_t fileSize) {
     return std::memcmp(header.magic, zmiMagic, sizeof zmiMagic) == 0 && header.version == zmiVersion &&
            header.headerSize == sizeof(FileHeader) && header.kind == expectedKind &&
@@ -30,7 +30,7 @@ bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
     if (!IsValid(header, expectedKind, fileSize))
         return false;
 
-    // Values, for packed fields bind to no reference.
+    // Copies, since a reference can't bind to a packed field.
     payload.emplace(source, std::uint32_t{header.dataOffset}, std::uint32_t{header.dataSize}, windowSize);
     char trailer[sizeof zmiTrailer];
     if (payload->ReadTrailer(trailer) && std::memcmp(trailer, zmiTrailer, sizeof trailer) == 0)

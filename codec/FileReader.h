@@ -1,4 +1,4 @@
-// The reading algorithm of ZMI files: header, trailer, then the payload and what it holds.
+// Reading ZMI files: header, trailer, then the payload and its contents.
 #pragma once
 
 #include "codec/ByteSource.h"
@@ -8,9 +8,9 @@
 
 namespace vantrel {
 
-// Validates a file's header and trailer and opens its payload. `header` receives the first 112 bytes whenever
-// they can be read, and zeros otherwise; `payload` a reader on success and nothing otherwise. Between the
-// header and the payload nothing is read.
+// Validates a file's header and trailer and opens its payload. `header` receives the first 112 bytes if they
+// can be read, and zeros otherwise; `payload` a reader on success and nothing otherwise. The gap between
+// header and payload is not read.
 bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
               std::optional<PayloadReader>& payload,
               std::uint32_t windowSize = PayloadReader::standardWindow);

@@ -3,7 +3,8 @@
 namespace vantrel {
 
 std::uint64_t FileSource::Size() {
-    // A file that gives its size but can't be opened for reading is no picture either: one open tells both.
+    // A file that reports its size but can't be opened for reading is no picture either, so one open is
+    // enough.
     if (!file_.open(name_, 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE))
         return 0;
     position_ = 0;

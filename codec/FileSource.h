@@ -8,7 +8,7 @@
 
 namespace vantrel {
 
-// Opens the file, shared for reading and writing, when its size is asked for, and keeps it open until
+// Opens the file, shared for reading and writing, when asked for its size, and keeps it open until
 // destruction.
 class FileSource final : public ByteSource {
 public:
@@ -22,7 +22,7 @@ public:
 private:
     const wchar_t* name_;
     FileObject file_;
-    std::optional<std::int64_t> position_; // where a read without a seek would begin, when it is known
+    std::optional<std::int64_t> position_; // where a read without a seek would start, if known
 };
 
 } // namespace vantrel

@@ -8,7 +8,7 @@ namespace vantrel {
 
 namespace {
 
-// Number 0 names the first palette for a frame that needs any.
+// Number 0 means the first palette if a frame needs one.
 const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
     const PixelMode mode = ModeOf(frame.flags);
     const std::uint32_t number = frame.paletteNumber;
@@ -17,8 +17,8 @@ const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
     return &ElementAt(image.palettes, number == 0 ? 0 : number - 1);
 }
 
-// Fresh memory costs a page fault a page, which is dearest between vector stores: pages are brought in some
-// at a time, no more than the second-level cache holds, before they are written to.
+// Fresh memory costs one page fault per page, which is most expensive between vector stores: so pages are
+// touched in groups that fit in the second-level cache, before they are written.
 constexpr unsigned burstWords = 524288 / sizeof(std::uint32_t);
 constexpr std::ptrdiff_t pageWords = 4096 / sizeof(std::uint32_t);
 

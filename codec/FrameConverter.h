@@ -9,13 +9,13 @@
 
 namespace vantrel {
 
-// Takes the frame's mode from its own record. The pixels outlive the converter.
+// Takes the frame's mode from its own record. The pixels must outlive the converter.
 class FrameConverter {
 public:
-    // By the palette that the decoded image gives to the frame. Throws std::out_of_range when the frame or
-    // that palette is not there.
+    // With the palette that the decoded image assigns to the frame. Throws std::out_of_range if the frame or
+    // that palette is missing.
     FrameConverter(const DecodedImage& image, std::size_t frameIndex, FramePixels& pixels);
-    // By this palette, which may be null but in the indexed mode.
+    // With this palette, which may be null except in the indexed mode.
     FrameConverter(const FrameRecord& frame, const Palette* palette, FramePixels& pixels);
 
     // False for the reserved mode, which has no colours.
@@ -23,11 +23,12 @@ public:
     std::uint16_t Width() const { return width_; }
     std::uint16_t Height() const { return height_; }
 
-    // Writes all rows, the top one at `top` and each further one `stride` words behind the one above it.
-    // False when pixels can't be read. Throws std::out_of_range when there are fewer than the frame needs: a
-    // frame may be of another mode than its file.
+    // Writes all rows, the top one at `top` and each further one `stride` words after the one above it. False
+    // when pixels can't be read. Throws std::out_of_range when there are fewer than the frame needs: a
+    // frame's mode may differ from its file's.
     bool Convert(std::uint32_t* top, std::ptrdiff_t stride);
-    // Writes the next row alone, the top one first; there are no more than Height(). Otherwise as Convert.
+    // Writes only the next row, starting with the top one; call it at most Height() times. Otherwise like
+    // Convert.
     bool ConvertRow(std::uint32_t* words);
 
 private:
@@ -36,7 +37,7 @@ private:
     std::uint16_t height_;
     FramePixels& pixels_;
     unsigned row_ = 0;
-    const std::uint8_t* bytes_ = nullptr; // of the present row or page
+    const std::uint8_t* bytes_ = nullptr; // of the current row or page
     std::uint32_t palette_[256];
 };
 

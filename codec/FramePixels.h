@@ -1,5 +1,4 @@
-// One frame's pixels as they pass through their file's window, in the order in which a DecodedImage holds
-// them.
+// One frame's pixels as they pass through the file's window, in the order in which a DecodedImage holds them.
 #pragma once
 
 #include "codec/ByteBuffer.h"
@@ -10,14 +9,14 @@ namespace vantrel {
 
 class FramePixels {
 public:
-    // In the header's mode, as many as the record's size says; of a file without a picture they are all 0.
-    // The payload outlives this.
+    // In the header's mode, as many as the record's size requires; all 0 for a file without a picture. The
+    // payload must outlive this.
     FramePixels(PayloadReader& payload, const ImageHeader& header, const FrameRecord& frame);
 
-    // Bytes in all.
+    // Total bytes.
     std::uint64_t Size() const;
-    // The next count bytes, which stay until the next call; null when they can't be read. No more than Size()
-    // may be asked for in all, and pages (see toPageOrder) only one by one.
+    // The next count bytes, valid until the next call; null when they can't be read. At most Size() bytes may
+    // be requested in total, and pages (see toPageOrder) only one at a time.
     const std::uint8_t* Next(std::uint32_t count);
 
 private:

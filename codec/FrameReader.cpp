@@ -15,14 +15,14 @@ namespace vantrel {
 
 namespace {
 
-// What tells a frame's transparent pixels once they are colours.
+// What identifies a frame's transparent pixels after conversion.
 struct TransparentColour {
-    std::uint32_t converted; // that no other pixel has
+    std::uint32_t converted; // no other pixel has this value
     std::uint32_t shown;
 };
 
-// The indexed mode's key is an entry of the palette, which gets a colour of its own. The 16-bit mode's key is
-// a colour, and no two of them are shown alike. The 1-bit mode has none.
+// In indexed mode the key is a palette entry, which gets its own colour. In 16-bit mode it is a colour, and
+// no two of them look the same. The 1-bit mode has no key.
 std::optional<TransparentColour> MarkTransparent(const FrameRecord& frame, Palette& palette) {
     const std::uint32_t key = frame.transparentKey;
     const PixelMode mode = ModeOf(frame.flags);
@@ -113,7 +113,7 @@ FrameFault FrameReader::FaultOf(const FileFrame& frame) const {
 }
 
 bool FrameReader::Convert(const FileFrame& frame, const RowTaker& takeRow) {
-    // Of the frame's own length at most, for small frames may be many.
+    // At most the frame's own length, since there may be many small frames.
     const std::uint64_t most = PayloadReader::standardWindow;
     PayloadReader payload(source_, file_.dataOffset, file_.dataSize,
                           static_cast<std::uint32_t>(std::min(frame.pixelByteCount, most)));

@@ -39,7 +39,7 @@ void TransposeStrip(const std::uint8_t* rows, std::size_t rowBytes, unsigned row
     for (unsigned r = 0; r < 8; ++r)
         vectors[r] = r < rowCount ? Load(rows + r * rowBytes) : _mm_setzero_si128();
     FlipBits(vectors);
-    // Bytes of columns 0 to 7 of one matrix after the other.
+    // Columns 0 to 7 of each matrix in turn.
     __m128i pairs[8];
     for (int i = 0; i < 4; ++i) {
         pairs[i] = _mm_unpacklo_epi8(vectors[7 - 2 * i], vectors[6 - 2 * i]);

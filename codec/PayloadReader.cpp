@@ -8,7 +8,7 @@ namespace vantrel {
 PayloadReader::PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::uint32_t dataSize,
                              std::uint32_t windowSize)
     : source_(source), dataOffset_(dataOffset), dataSize_(dataSize), windowSize_(windowSize),
-      // Signed on purpose: a payload that ends at 2 GiB or beyond has no trailer that can be read.
+      // Intentionally signed: the trailer of a payload that ends at 2 GiB or beyond can't be read.
       trailerOffset_(static_cast<std::int32_t>(dataOffset + dataSize)) {}
 
 std::int64_t PayloadReader::TablePosition(std::uint32_t fileOffset) const {
@@ -47,10 +47,10 @@ bool PayloadReader::ReadRest() {
 }
 
 bool PayloadReader::ReadTrailer(char (&trailer)[sizeof zmiTrailer]) {
-    // Where offsets wrap around 4 GiB, the trailer is not behind the payload.
+    // If offsets wrap at 4 GiB, the trailer does not follow the payload.
     if (trailerOffset_ != std::int64_t{dataOffset_} + dataSize_)
         return source_.ReadAt(trailerOffset_, trailer, sizeof trailer);
-    // A small file's payload and trailer are one read.
+    // A small file's payload and trailer take one read.
     if (std::uint64_t{dataSize_} + sizeof trailer <= windowSize_ && !MoveTo(0, dataSize_ + sizeof trailer))
         return false;
     return Copy(dataSize_, trailer, sizeof trailer);

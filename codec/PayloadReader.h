@@ -1,4 +1,4 @@
-// Bounds-checked access to a file's payload, which never stands in memory as a whole.
+// Bounds-checked access to a file's payload, which is never held in memory as a whole.
 #pragma once
 
 #include "codec/ByteBuffer.h"
@@ -10,21 +10,21 @@
 
 namespace vantrel {
 
-// Gives out the ranges that the decoder wants, through one small window that reads ahead, and at the end
-// reads everything that nobody wanted, so that a byte that cannot be read still fails the load. Nothing but
-// payload and trailer is read. Positions count from the payload's first byte. Every operation fails when a
-// range is not wholly in the payload or cannot be read.
+// Provides the ranges that the decoder wants, through one small window that reads ahead, and at the end reads
+// everything that nobody wanted, so that an unreadable byte anywhere fails the load. Nothing but payload and
+// trailer is read. Positions count from the payload's first byte. Every operation fails when a range is not
+// entirely in the payload or cannot be read.
 class PayloadReader {
 public:
     static constexpr std::uint32_t standardWindow = 64 * 1024;
 
-    // The payload is the dataSize bytes at file offset dataOffset; the source outlives the reader. A window
-    // grows only where more bytes are viewed at once.
+    // The payload is the dataSize bytes at file offset dataOffset; the source must outlive the reader. The
+    // window grows only when more bytes are viewed at once.
     PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::uint32_t dataSize,
                   std::uint32_t windowSize = standardWindow);
 
     // Where a file offset lies in the payload: the 32-bit difference to dataOffset, unsigned for tables,
-    // signed for pixel data. May point outside; Contains tells.
+    // signed for pixel data. May point outside; see Contains.
     std::int64_t TablePosition(std::uint32_t fileOffset) const;
     std::int64_t PixelPosition(std::uint32_t fileOffset) const;
 
@@ -32,12 +32,12 @@ public:
 
     // Copies bytes, without reading ahead: the window stays where it is.
     bool Read(std::int64_t position, void* buffer, std::uint64_t count);
-    // The bytes in the window, at least one, where they stay until the next View; null on failure.
+    // The bytes (at least one) in the window, valid until the next View; null on failure.
     const std::uint8_t* View(std::int64_t position, std::uint64_t count);
     // Reads every byte that has not been read yet.
     bool ReadRest();
 
-    // The four bytes where the trailer ought to be.
+    // The four bytes where the trailer should be.
     bool ReadTrailer(char (&trailer)[sizeof zmiTrailer]);
 
 private:
@@ -58,7 +58,7 @@ private:
     std::uint32_t windowSize_;
     std::int32_t trailerOffset_;
     ByteBuffer bytes_;
-    Range held_{}; // where in the payload the leading bytes of the buffer come from
+    Range held_{}; // the payload range at the start of the buffer
     std::vector<Range> read_;
 };
 

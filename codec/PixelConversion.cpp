@@ -14,13 +14,13 @@ void ExpandPalette(const Palette& palette, std::uint32_t* words) {
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width) {
     const auto mask = static_cast<std::uint8_t>(1u << bit);
     std::size_t x = 0;
-#ifdef VANTREL_SSE2 // of plain loops GCC makes a quarter to a half more instructions
+#ifdef VANTREL_SSE2 // for plain loops GCC emits a quarter to a half more instructions
     const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
     const __m128i zero = _mm_setzero_si128();
     for (; x + 16 <= width; x += 16) {
         const __m128i bits = _mm_and_si128(Load(page + x), masks);
         const __m128i white = _mm_cmpeq_epi8(bits, zero);
-        // Each byte of the mask becomes blue, green and red of a word, and 0 its alpha.
+        // Each byte of the mask becomes blue, green and red of a word; alpha is 0.
         const __m128i blueGreen0 = _mm_unpacklo_epi8(white, white);
         const __m128i blueGreen8 = _mm_unpackhi_epi8(white, white);
         const __m128i red0 = _mm_unpacklo_epi8(white, zero);
@@ -51,7 +51,7 @@ void ConvertIndexedRow(const std::uint8_t* indices, const std::uint32_t* palette
 void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::size_t width) {
     std::size_t x = 0;
 #ifdef VANTREL_SSE2
-    // Words are made in halves of 16 bits; fields at their largest get the bits below them, too.
+    // Words are assembled from 16-bit halves; in fields at their maximum the bits below are set, too.
     const __m128i fullGreenBlue = _mm_set1_epi16(static_cast<short>(0xFCF8));
     const __m128i restGreenBlue = _mm_set1_epi16(0x0307);
     const __m128i greens = _mm_set1_epi16(static_cast<short>(0xFC00));

@@ -1,4 +1,4 @@
-// Whether SSE2 is there, as on every x64 processor, and its unaligned loads and stores.
+// Whether SSE2 is available, as on every x64 processor, and its unaligned loads and stores.
 #pragma once
 
 #if defined(__SSE2__) || (defined(_M_X64) && !defined(_M_ARM64EC))

@@ -8,7 +8,7 @@ std::uint64_t StreamSource::Size() {
 }
 
 bool StreamSource::ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) {
-    // Always sought, for a stream may move on its own and would then give the wrong bytes.
+    // Always seeks, since a stream may move on its own and would then return the wrong bytes.
     LARGE_INTEGER distance;
     distance.QuadPart = offset;
     ULONG done = 0;

@@ -9,7 +9,7 @@
 
 namespace vantrel {
 
-// Borrows the stream, moves its position, and neither keeps a reference nor puts the position back.
+// Borrows the stream, moves its position, and neither keeps a reference nor restores the position.
 class StreamSource final : public ByteSource {
 public:
     explicit StreamSource(IStream& stream) : stream_(stream) {}

@@ -1,5 +1,5 @@
-// The ZMI file format: its packed structures, fixed numbers and pixel modes. docs/zmi-format.md tells the
-// whole story.
+// The ZMI file format: its packed structures, fixed numbers and pixel modes. docs/zmi-format.md describes
+// them.
 #pragma once
 
 #include <cstddef>
@@ -118,7 +118,7 @@ constexpr PixelMode ModeOf(std::uint8_t flags) {
     return static_cast<PixelMode>(flags >> 3 & 3);
 }
 
-// Bytes that a row of pixels takes in a file of the given mode.
+// Bytes of a row of pixels in a file of the given mode.
 constexpr std::uint32_t RowBytes(PixelMode mode, std::uint16_t width) {
     switch (mode) {
     case PixelMode::Monochrome:
@@ -130,12 +130,12 @@ constexpr std::uint32_t RowBytes(PixelMode mode, std::uint16_t width) {
     }
 }
 
-// The same for all rows of a frame.
+// The same for a whole frame.
 constexpr std::uint64_t PixelByteCount(PixelMode mode, std::uint16_t width, std::uint16_t height) {
     return std::uint64_t{height} * RowBytes(mode, width);
 }
 
-// The one frame of a file without a frame table, as a record; blank without a picture in the file.
+// The only frame of a file without a frame table, as a record; blank if the file has no picture.
 constexpr FrameRecord SingleFrame(const ImageHeader& header) {
     FrameRecord frame{};
     if (header.pixelOffset == 0) {

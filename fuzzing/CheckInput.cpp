@@ -26,7 +26,7 @@ bool SameBytes(const void* memory, const Bytes& file, std::uint64_t at, std::siz
            (count == 0 || std::memcmp(memory, file.data() + at, count) == 0);
 }
 
-// Of a large frame only some rows are looked at, so that most of the time goes into other inputs.
+// Of a large frame only some rows are checked, so that most of the time goes into other inputs.
 std::size_t Step(std::size_t width, std::size_t height) {
     return 1 + width * height / 0x8000;
 }
@@ -122,7 +122,7 @@ void CheckPixels(const FileFacts& facts, const DecodedImage& image, Keep keep) {
 
 enum class Conversion { Done, Refused, Threw };
 
-// Bottom-up as on a surface, or not at all when the picture is larger than that.
+// Bottom-up as on a surface, or nothing if the picture is larger than the limit.
 Conversion Convert(const DecodedImage& image, std::size_t i, FramePixels& pixels, std::size_t mostPixels,
                    std::vector<std::uint32_t>& words) {
     try {
@@ -140,7 +140,7 @@ Conversion Convert(const DecodedImage& image, std::size_t i, FramePixels& pixels
     }
 }
 
-// What conversion has made of a frame, whose pixels the image holds.
+// The result of converting a frame whose pixels are in the image.
 void CheckConversion(const DecodedImage& image, std::size_t i, std::size_t mostPixels, Conversion met,
                      const std::vector<std::uint32_t>& words) {
     const FrameRecord& frame = image.frames[i];
@@ -168,15 +168,14 @@ void CheckConversion(const DecodedImage& image, std::size_t i, std::size_t mostP
         }
 }
 
-// Each byte of header, payload and trailer is read, and none between header and payload.
+// Every byte of header, payload and trailer is read, and none between header and payload.
 void CheckReads(const FileFacts& facts, const Bytes& reads) {
     for (std::size_t i = 0; i < reads.size(); ++i)
         Require((reads[i] > 0) == (i < file_header::size || i >= facts.payload),
                 "what is to be read is read");
 }
 
-// Each frame, and frame 0 also while its file is being read as the handlers have it; `image` holds
-// everything.
+// Each frame, and frame 0 also while its file is being read, as in the handlers; `image` holds everything.
 void CheckConversions(const FileFacts& facts, const DecodedImage& image, const Limits& limits) {
     MemorySource source(facts.file);
     FileHeader header;
@@ -208,8 +207,7 @@ void CheckConversions(const FileFacts& facts, const DecodedImage& image, const L
         CheckReads(facts, whole.Reads());
 }
 
-// Frames taken one by one: with their own tables where they have some, and also out of a file that does not
-// load.
+// Frames read one by one: with their own tables if they have any, and also from a file that does not load.
 void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
     MemorySource source(file);
     FrameReader reader(source);
@@ -229,7 +227,7 @@ void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
             i == 0 ? facts.Header(image_header::paletteOffset) : std::size_t{frame->record.paletteNumber};
         std::size_t y = 0;
         const auto takeRow = [&](const std::uint32_t* words) {
-            // One-bit pixels of a file of another mode have a meaning, but no use.
+            // One-bit pixels in a file of another mode are defined, but of no use.
             for (std::size_t x = 0; x < width && (mode != 0 || facts.mode == 0); ++x) {
                 const std::size_t pixel = at + y * rowBytes;
                 const std::uint32_t raw = facts.blank ? 0

@@ -14,7 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
 }
 
-// By structure mostly, by libFuzzer's own means on the whole file or behind its header otherwise.
+// Mostly by structure, otherwise by libFuzzer's own mutations of the whole file or of what follows its
+// header.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
                                                unsigned seed) {
     ZmiMutator mutator(seed);

@@ -1,4 +1,4 @@
-// Checks what the fuzzer has found before, and a fixed run of mutations, without libFuzzer.
+// Replays the fuzzer's earlier finds and a fixed series of mutations, without libFuzzer.
 
 #include "fuzzing/CheckInput.h"
 #include "tests/builder/ZmiMutator.h"

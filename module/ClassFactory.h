@@ -1,4 +1,4 @@
-// The one class factory that serves all classes of the module.
+// The class factory for all classes of the module.
 #pragma once
 
 #include "module/ClassTable.h"
@@ -17,7 +17,7 @@ public:
     explicit ClassFactory(CreateInstanceFn create) : create_(create) { ModuleAddRef(); }
     ~ClassFactory() { ModuleRelease(); }
 
-    // Refuses aggregation and then leaves the out pointer as it was.
+    // Refuses aggregation, leaving the out pointer as it was.
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override;
     // Not balanced or checked: an extra unlock drives the module's count below zero.
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override;

@@ -1,6 +1,6 @@
-// Where GCC's runtime keeps a thread's state of exceptions: in this module's own slot, so that unloading
-// leaves nothing behind. Linked statically, the runtime would keep one thread-local slot of the process and
-// its emergency pool for each time that a host has loaded the library and met an exception.
+// Where GCC's runtime keeps its per-thread exception state: in this module's own slot, so that unloading
+// leaves nothing behind. Linked statically, the runtime would leak one thread-local slot of the process and
+// its emergency pool each time a host loads the library and an exception occurs.
 
 #ifdef __GNUC__
 
@@ -12,7 +12,7 @@
 namespace __gnu_cxx {
 void __freeres(); // frees the emergency pool
 
-// In place of the runtime's own, which names the exception on stderr, where no host shows it, and brings a
+// Replaces the runtime's own, which names the exception on stderr, where no host shows it, and pulls in a
 // demangler.
 void __verbose_terminate_handler() {
     std::abort();
@@ -21,7 +21,7 @@ void __verbose_terminate_handler() {
 
 namespace {
 
-// As the Itanium C++ ABI has it, 2.2.2.
+// As in the Itanium C++ ABI, 2.2.2.
 struct ThreadState {
     void* caughtExceptions;
     unsigned int uncaughtExceptions;
@@ -33,13 +33,13 @@ void WINAPI FreeState(void* state) {
     std::free(state);
 }
 
-// The loader calls this before DllMain, on loading and on unloading. At the end of the process there is
-// nothing to give back to.
+// The loader calls this before DllMain, on loading and on unloading. At process exit nothing needs to be
+// freed.
 void NTAPI OnLoader(void*, DWORD reason, void* processEnds) {
     if (reason == DLL_PROCESS_ATTACH)
         g_slot = FlsAlloc(FreeState);
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
-        FlsFree(g_slot); // with every thread's state
+        FlsFree(g_slot); // along along with every thread's state
         __gnu_cxx::__freeres();
     }
 }
@@ -48,11 +48,10 @@ void NTAPI OnLoader(void*, DWORD reason, void* processEnds) {
 
 extern "C" {
 
-// Between the first and the last callback of the C runtime's own.
+// Between the C runtime's own first and last callbacks.
 [[gnu::section(".CRT$XLM"), gnu::used]] const PIMAGE_TLS_CALLBACK vantrelOnLoader = OnLoader;
 
-// Both stand in for the runtime's own functions of the same names, which ask no more of a failed allocation,
-// either.
+// Both replace the runtime's functions of the same names, which don't handle a failed allocation any better.
 ThreadState* __cxa_get_globals() noexcept {
     auto* state = static_cast<ThreadState*>(FlsGetValue(g_slot));
     if (!state) {

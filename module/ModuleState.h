@@ -11,7 +11,7 @@ namespace vantrel {
 // Set on process attach, before any other entry can run.
 extern HINSTANCE g_moduleInstance;
 
-// Live class factories plus outstanding server locks; the objects that factories make do not count.
+// Live class factories plus outstanding server locks; objects created by the factories do not count.
 extern std::atomic<std::int32_t> g_moduleCount;
 
 void ModuleAddRef();

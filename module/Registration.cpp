@@ -38,7 +38,7 @@ constexpr RegistrationStep PropertyList(const wchar_t* name, const wchar_t* prop
     return {.key = fileTypeKey, .valueName = name, .data = properties};
 }
 
-// In the order in which the values are written: 28 in all, four for a bound class.
+// In the order in which the values are written: 28 in total, four for each bound class.
 constexpr RegistrationStep registrationTable[] = {
     BoundClass(thumbnailProviderId, L"Vantrel Thumbnail Provider",
                L"Software\\Classes\\.zmi\\ShellEx\\{E357FCCD-A995-4576-B01F-234630154E96}",
@@ -85,7 +85,7 @@ constexpr RegistrationStep registrationTable[] = {
 constexpr wchar_t removedMachineKey[] =
     L"Software\\Microsoft\\Windows\\CurrentVersion\\PropertySystem\\PropertyHandlers.zmi";
 
-// Constant texts put together without an allocation, so that no step can fail for want of memory.
+// Constant texts concatenated without allocating, so that no step can fail for lack of memory.
 struct KeyPath {
     KeyPath(const wchar_t* first, const wchar_t* second) {
         std::wcscpy(text, first);
@@ -120,7 +120,7 @@ HRESULT RegisterModule() {
     wchar_t modulePath[MAX_PATH];
     if (GetModuleFileNameW(g_moduleInstance, modulePath, MAX_PATH) == 0)
         return HRESULT_FROM_WIN32(GetLastError());
-    // A longer path is cut, by some versions of Windows without a terminator.
+    // A longer path is truncated, in some versions of Windows without a terminator.
     modulePath[MAX_PATH - 1] = L'\0';
 
     for (const RegistrationStep& step : registrationTable) {

@@ -1,4 +1,4 @@
-// What registration tools ask of the module: to write its registry values and to remove them.
+// Registration: writing and removing the module's registry values.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@ namespace vantrel {
 HRESULT RegisterModule();
 
 // Removes what RegisterModule wrote, except for the machine's property-handler binding, and tells the Shell.
-// What can't be removed is passed over.
+// What can't be removed is skipped.
 void UnregisterModule();
 
 } // namespace vantrel

@@ -1,5 +1,5 @@
 @echo off
-rem Runs every test program of this folder; the last line says how it went.
+rem Runs every test program in this folder; the last line has the result.
 setlocal
 pushd "%~dp0"
 set GTEST_BRIEF=1
@@ -8,12 +8,12 @@ for %%T in (*_tests.exe bounds_report.exe) do call :run %%T
 popd
 set result=All tests passed
 if defined failed set result=FAILED:%failed%
-rem Creates nothing, but takes the right to.
+rem Creates nothing, but needs the right to.
 reg add HKLM\Software\Microsoft\Windows\CurrentVersion /f >nul 2>nul
-if errorlevel 1 set result=%result%; what takes an administrator's rights was skipped
+if errorlevel 1 set result=%result%; what needs administrator rights was skipped
 echo %result%.
 
-rem Explorer starts a script by its quoted path and a blank, and the window closes with it.
+rem Explorer starts a script by its quoted path and a space, and the window closes with it.
 set command=started by %cmdcmdline%
 set command=%command:"='%
 call set rest=%%command:'%~f0' =%%

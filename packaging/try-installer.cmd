@@ -1,6 +1,6 @@
 @echo off
-rem try-installer.cmd MSI SAMPLES OUT: installs silently, asks the doctor and every handler, removes, and looks for what
-rem is left. For an administrator, on a machine without Vantrel64; logs, pictures and sheet go to the folder OUT.
+rem try-installer.cmd MSI SAMPLES OUT: installs silently, runs the doctor and every handler, removes, and checks what is
+rem left. Needs an administrator, and a machine without Vantrel64; logs, pictures and sheet go to the folder OUT.
 setlocal
 set msi=%~f1
 set samples=%~f2
@@ -42,7 +42,7 @@ if defined failed (
     echo FAILED:%failed%
     exit /b 1
 )
-echo The installer installs, serves and removes.
+echo The installer installs, works and removes.
 exit /b 0
 
 :check

@@ -1,4 +1,4 @@
-// What the property handlers share: the keys of the facts they serve and the text of the dimensions.
+// What the property handlers share: the keys of the properties they serve and the dimensions text.
 #pragma once
 
 #include "support/VariantHolder.h"
@@ -11,7 +11,7 @@
 
 namespace vantrel {
 
-// As the Windows SDK's propkey.h has them; mingw-w64's lacks those of images.
+// As in the Windows SDK's propkey.h; mingw-w64's lacks the image properties.
 inline constexpr PROPERTYKEY PKEY_Title = {
     {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}}, 2};
 inline constexpr GUID imageFormatId = {
@@ -19,7 +19,8 @@ inline constexpr GUID imageFormatId = {
 inline constexpr PROPERTYKEY PKEY_Image_Dimensions = {imageFormatId, 13};
 inline constexpr PROPERTYKEY PKEY_Image_BitDepth = {imageFormatId, 7};
 
-// "640 x 480" as a VT_BSTR; dimensions holds width and height in pixels. Throws _com_error without memory.
+// "640 x 480" as a VT_BSTR; dimensions holds width and height in pixels. Throws _com_error when out of
+// memory.
 void AssignDimensions(VariantHolder& value, const std::uint32_t (&dimensions)[2]);
 
 } // namespace vantrel

@@ -13,7 +13,7 @@ namespace vantrel {
 namespace {
 
 bool IsZmiExtension(const wchar_t* extension) {
-    // Nearly always it is just this, and lstrcmpiW goes through the sorting tables of the user's language.
+    // Almost always an exact match, and lstrcmpiW goes through the sorting tables of the user's language.
     return std::wcscmp(extension, L".zmi") == 0 || lstrcmpiW(extension, L".zmi") == 0;
 }
 

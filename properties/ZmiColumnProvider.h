@@ -13,7 +13,7 @@ public:
         {&IID_IColumnProvider, AsBase<IColumnProvider>},
     };
 
-    // The folder does not matter.
+    // The folder is ignored.
     HRESULT STDMETHODCALLTYPE Initialize(LPCSHCOLUMNINIT folder) noexcept override;
     // S_FALSE for any index but 0. Title and description stay as the host passed them.
     HRESULT STDMETHODCALLTYPE GetColumnInfo(DWORD index, SHCOLUMNINFO* info) noexcept override;

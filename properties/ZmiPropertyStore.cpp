@@ -22,7 +22,7 @@ HRESULT ZmiPropertyStore::GetCount(DWORD* count) noexcept {
 }
 
 HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) noexcept {
-    // Deliberate: beyond the last key the call succeeds, too, and leaves the caller's key alone.
+    // Deliberate: beyond the last key the call succeeds as well and leaves the caller's key alone.
     if (index >= std::size(servedKeys))
         return S_OK;
     if (!key)
@@ -41,7 +41,7 @@ HRESULT ZmiPropertyStore::ReadValue(REFPROPERTYKEY key, PROPVARIANT& value) cons
     std::uint32_t dimensions[2];
     TextBuffer title;
     std::uint32_t bitsPerPixel;
-    // Before the key is looked at: a file that can't be read answers S_FALSE for every key.
+    // Before checking the key: for an unreadable file every key gives S_FALSE.
     if (!RenderImage(
             {.stream = Stream(), .dimensions = dimensions, .text = &title, .bitsPerPixel = &bitsPerPixel}))
         return S_FALSE;

@@ -20,10 +20,10 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) noexcept override;
     HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) noexcept override;
-    // Reads the file anew at each call. S_FALSE when it can't be read, E_UNEXPECTED for a key that is not
+    // Rereads the file on each call. S_FALSE when it can't be read, E_UNEXPECTED for a key that is not
     // served; the value then stays as it was. Otherwise it is overwritten without being cleared.
     HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) noexcept override;
-    // Both answer E_UNEXPECTED.
+    // Both return E_UNEXPECTED.
     HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY key, REFPROPVARIANT value) noexcept override;
     HRESULT STDMETHODCALLTYPE Commit() noexcept override;
 

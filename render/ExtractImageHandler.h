@@ -30,7 +30,7 @@ public:
     // A square request gives an opaque bitmap of the fitted size, any other one of exactly the requested size
     // with the picture centred on the key colour.
     HRESULT STDMETHODCALLTYPE Extract(HBITMAP* bitmap) noexcept override;
-    // The file's time of last writing. S_OK when the file could be opened, E_FAIL when not.
+    // The file's last-write time. S_OK if the file could be opened, else E_FAIL.
     HRESULT STDMETHODCALLTYPE GetDateStamp(FILETIME* dateStamp) noexcept override;
 
 private:

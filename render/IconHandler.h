@@ -15,15 +15,16 @@ public:
         {&IID_IUnknown, AsBase<IExtractIconW>},
         {&IID_IExtractIconW, AsBase<IExtractIconW>},
         {&IID_IPersistFile, AsBase<IPersistFile>},
-        // Deliberate: the column provider's identifier, too, gets the icon interface here.
+        // Deliberate: the column provider's identifier also gets the icon interface here.
         {&IID_IColumnProvider, AsBase<IExtractIconW>},
     };
 
     // Only sets the result flags: there is no icon file, and nothing is to be cached.
     HRESULT STDMETHODCALLTYPE GetIconLocation(UINT flags, LPWSTR iconFile, UINT bufferLength, int* index,
                                               UINT* resultFlags) noexcept override;
-    // iconSize holds the large icon's edge in its low and the small one's in its high 16 bits; a null icon is
-    // not wanted. When only the small one fails the result is E_FAIL and the large one stays with the caller.
+    // iconSize holds the large icon's edge in its low and the small one's in its high 16 bits; a null pointer
+    // means that the icon is not wanted. If only the small one fails, the result is E_FAIL and the large one
+    // still belongs to the caller.
     HRESULT STDMETHODCALLTYPE Extract(LPCWSTR file, UINT index, HICON* largeIcon, HICON* smallIcon,
                                       UINT iconSize) noexcept override;
 };

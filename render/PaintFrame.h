@@ -1,4 +1,4 @@
-// The painting of one decoded frame at its natural size.
+// Painting one decoded frame at its natural size.
 #pragma once
 
 #include "codec/DecodedImage.h"
@@ -9,10 +9,10 @@
 
 namespace vantrel {
 
-// Makes the target a DIB section of the frame's size and paints the frame, whose pixels are handed in, into
-// it, every pixel opaque in colour and 0 in the alpha byte. False for a frame of the reserved mode, when a
-// frame that has pixels gets no DIB section, or when its pixels can't be read. Throws std::out_of_range when
-// the frame, its palette or some of its pixels are not there.
+// Makes the target a DIB section of the frame's size and paints the frame's pixels into it, with alpha bytes
+// of 0. False for a frame of the reserved mode, when no DIB section can be created for a frame that has
+// pixels, or when its pixels can't be read. Throws std::out_of_range when the frame, its palette or some of
+// its pixels are missing.
 bool PaintFrame(const DecodedImage& image, std::size_t frameIndex, FramePixels& pixels,
                 BitmapSurface& target);
 

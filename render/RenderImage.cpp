@@ -13,7 +13,7 @@ namespace {
 
 constexpr COLORREF keyColour = RGB(255, 255, 0);
 
-// A picture scaled into a box, its proportions kept, and where it lies when centred there.
+// A picture scaled into a box, keeping its proportions, and its position when centred there.
 struct Fit {
     std::uint32_t width;
     std::uint32_t height;
@@ -21,7 +21,7 @@ struct Fit {
     std::uint32_t top;
 };
 
-// Toward zero; what no 32-bit integer can hold saturates, and 0 / 0 becomes 0.
+// Truncates; values outside the 32-bit range saturate, and 0 / 0 becomes 0.
 std::uint32_t Truncate(double value) {
     constexpr double most = std::numeric_limits<std::int32_t>::max();
     return value >= most ? std::numeric_limits<std::int32_t>::max()
@@ -56,10 +56,10 @@ bool MakeIcon(const BitmapSurface& source, std::uint32_t edge, HICON& icon) {
     StretchInto(colour, source, static_cast<int>(fit.left), static_cast<int>(fit.top), fit);
     colour.SetAlphaOutside(keyColour, fit.left, fit.top, fit.width, fit.height);
 
-    // The system copies both bitmaps, which it can't while they are selected into a context.
+    // The system copies both bitmaps, which must not be selected into a context.
     const UniqueBitmap maskBitmap = mask.Detach();
     const UniqueBitmap colourBitmap = colour.Detach();
-    // Without its colours the system would take the mask for a monochrome icon.
+    // Without a colour bitmap the system would treat the mask as a monochrome icon.
     if (!maskBitmap || !colourBitmap)
         return false;
     ICONINFO info{};
@@ -94,7 +94,7 @@ bool MakeBitmap(const BitmapSurface& source, const RenderImageArguments& argumen
     return true;
 }
 
-// The reserved mode's number stands for itself; it is no depth.
+// For the reserved mode its number is reported; it is not a depth.
 std::uint32_t BitsPerPixel(PixelMode mode) {
     switch (mode) {
     case PixelMode::Monochrome:

@@ -1,4 +1,4 @@
-// The single road from a ZMI file to what the Shell receives.
+// The single path from a ZMI file to what the Shell receives.
 #pragma once
 
 #include "support/TextBuffer.h"
@@ -16,7 +16,7 @@ enum class FitMode : std::uint32_t {
     Fitted = 1,    // a bitmap of the fitted size, every pixel opaque
 };
 
-// What to read and what to hand out; null outputs are not wanted. Sizes in pixels.
+// What to read and what to return; null outputs are not wanted. Sizes in pixels.
 struct RenderImageArguments {
     const wchar_t* path = nullptr; // ignored when there is a stream
     IStream* stream = nullptr;
@@ -33,11 +33,10 @@ struct RenderImageArguments {
     FitMode fitMode = FitMode::Letterbox;
 };
 
-// The picture is painted while the file is read, and not at all when no icon and no bitmap is wanted; outputs
-// are stored once both are done. True when everything wanted was handed out; the caller owns the icons and
-// the bitmap. On false an output is either untouched or complete: a large icon made before the small one
-// failed stays with the caller. Throws std::out_of_range when frame 0 or its pixels are missing, and
-// std::bad_alloc.
+// The picture is painted while the file is read, or not at all if neither icon nor bitmap is wanted; outputs
+// are stored when both are done. True when everything wanted was returned; the caller owns the icons and the
+// bitmap. On false each output is either untouched or complete: a large icon made before the small one failed
+// belongs to the caller. Throws std::out_of_range when frame 0 or its pixels are missing, and std::bad_alloc.
 bool RenderImage(const RenderImageArguments& arguments);
 
 } // namespace vantrel

@@ -1,5 +1,5 @@
 # shellcheck shell=sh
-# What the project's commands stand on: Debian packages, builds and the private Wine prefix. Sourced, not run.
+# What the project's commands share: Debian packages, builds and the private Wine prefix. Sourced, not run.
 # Every step is silent when there is nothing to do, and says in one line what went wrong.
 
 root=$(cd "$(dirname "$0")" && pwd)
@@ -22,7 +22,7 @@ quietly() {
     shift
     if ! "$@" >"$log" 2>&1; then
         tail -n 25 "$log" >&2
-        fail "$what failed; the whole output is in ${log#"$root"/}"
+        fail "$what failed; the full output is in ${log#"$root"/}"
     fi
 }
 
@@ -30,7 +30,7 @@ install_packages() {
     $sudo apt-get update && $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 
-# need PACKAGE...: installs those that are missing.
+# need PACKAGE...: installs the missing ones.
 need() {
     missing=
     for package in "$@"; do
@@ -39,7 +39,7 @@ need() {
     [ -z "$missing" ] && return
     sudo=
     if [ "$(id -u)" != 0 ]; then
-        command -v sudo >/dev/null || fail "neither root nor sudo is at hand to install Debian packages:$missing"
+        command -v sudo >/dev/null || fail "neither root nor sudo is available to install Debian packages:$missing"
         sudo="sudo"
     fi
     say "Installing Debian packages:$missing"
@@ -56,7 +56,7 @@ build() {
     preset=$1
     shift
     if [ ! -e "$root/build/$preset/build.ninja" ]; then
-        say "Building $preset, for the first time"
+        say "Building $preset for the first time"
         quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
     fi
     quietly "building $preset" env -C "$root" ninja -C "build/$preset" "$@"

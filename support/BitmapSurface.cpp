@@ -20,7 +20,7 @@ void MakeOpaque(std::uint32_t* begin, const std::uint32_t* end) {
         *pixel |= opaque;
 }
 
-// The key colour becomes transparent instead.
+// Except for the key colour, which becomes transparent.
 void MakeOpaqueButKey(std::uint32_t keyWord, std::uint32_t* begin, const std::uint32_t* end) {
     for (std::uint32_t* pixel = begin; pixel != end; ++pixel) {
         const std::uint32_t colour = *pixel & ~opaque;
@@ -29,7 +29,7 @@ void MakeOpaqueButKey(std::uint32_t keyWord, std::uint32_t* begin, const std::ui
 }
 
 UniqueBitmap MakeDibSection(std::uint32_t width, std::uint32_t height, std::uint32_t*& bits) {
-    // Beyond 2 GiB the system's own size arithmetic can't be relied upon.
+    // Beyond 2 GiB the system's own size arithmetic can't be trusted.
     constexpr std::uint64_t mostPixels = std::numeric_limits<std::int32_t>::max() / sizeof(std::uint32_t);
     if (width > mostPixels || height > mostPixels || std::uint64_t{width} * height > mostPixels)
         return nullptr;
@@ -61,7 +61,7 @@ bool BitmapSurface::Create(std::uint32_t width, std::uint32_t height, BitmapKind
     if (kind == BitmapKind::Dib) {
         bitmap_ = MakeDibSection(width, height, bits_);
     } else {
-        // A memory context's own bitmap is monochrome: only the screen's says what the screen is like.
+        // A memory context's own bitmap is monochrome: only the screen's context has the screen's format.
         const UniqueScreenDc screen(GetDC(nullptr));
         if (screen)
             bitmap_.reset(CreateCompatibleBitmap(screen.get(), width_, height_));
@@ -94,7 +94,7 @@ void BitmapSurface::SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t
                                     std::uint32_t height) {
     if (!bits_)
         return;
-    // Windows batches drawing calls; they must have happened before the pixels are read.
+    // Windows batches drawing calls; flush them before reading the pixels.
     GdiFlush();
     const auto columns = static_cast<std::uint32_t>(width_);
     const std::uint32_t left = std::min(x, columns);
@@ -102,7 +102,7 @@ void BitmapSurface::SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t
     const std::uint32_t keyWord = MemoryOrder(key);
     std::uint32_t* row = bits_;
     // Rows count in memory order while drawing counts from the top: with an odd difference in height the
-    // rectangle lies one row lower than what was drawn. It is meant so.
+    // rectangle lies one row lower than what was drawn. This is intentional.
     for (std::uint32_t r = 0; r < static_cast<std::uint32_t>(height_); ++r, row += columns) {
         if (r >= y && r - y < height) {
             MakeOpaqueButKey(keyWord, row, row + left);

@@ -12,8 +12,8 @@ enum class BitmapKind {
     Dib = 1,        // 32-bit DIB section, bottom-up, words 0xAARRGGBB
 };
 
-// Belongs to one call on one thread. Operations report failure by their result; none throws. At the end the
-// bitmap is deleted unless it was detached.
+// Used within one call on one thread. Operations report failure by their result; none throws. Destruction
+// deletes the bitmap unless it was detached.
 class BitmapSurface {
 public:
     BitmapSurface() = default;
@@ -21,8 +21,8 @@ public:
     BitmapSurface& operator=(const BitmapSurface&) = delete;
     ~BitmapSurface() { Destroy(); }
 
-    // Gives the surface a new bitmap of that many pixels; an existing context is kept, an existing bitmap
-    // replaced. True also when a DIB section could not be made: Bitmap() then is null.
+    // Gives the surface a new bitmap of this size in pixels; an existing context is kept, an existing bitmap
+    // replaced. Also true when a DIB section could not be created: Bitmap() is then null.
     bool Create(std::uint32_t width, std::uint32_t height, BitmapKind kind);
 
     // Fills between the edges, right and bottom excluded; four zeros mean the whole surface.
@@ -32,23 +32,23 @@ public:
     bool StretchFrom(HDC source, int x, int y, int width, int height, int sourceX, int sourceY,
                      int sourceWidth, int sourceHeight);
 
-    // DIB sections only. Inside the rectangle every pixel becomes opaque; outside it pixels of the key colour
-    // become transparent and others opaque. The rectangle's rows count in memory order, that is from the
+    // DIB sections only. Inside the rectangle every pixel becomes opaque; outside, pixels of the key colour
+    // become transparent and others opaque. The rectangle's rows count in memory order, that is, from the
     // bottom.
     void SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t y, std::uint32_t width,
                          std::uint32_t height);
 
     bool SetPixelAt(int x, int y, COLORREF colour);
 
-    // Takes the bitmap out of the context and hands it over, null when there is none.
+    // Deselects the bitmap and transfers its ownership; null when there is none.
     UniqueBitmap Detach();
 
-    // Back to the empty surface.
+    // Resets to the empty surface.
     void Destroy();
 
     HDC Dc() const { return dc_.get(); }
     HBITMAP Bitmap() const { return bitmap_.get(); }
-    // The DIB section's pixels, Width() words a row, the bottom row first; null without one. Call GdiFlush
+    // The DIB section's pixels, Width() words per row, the bottom row first; null without one. Call GdiFlush
     // before touching them after a drawing operation.
     std::uint32_t* Bits() const { return bits_; }
     std::int32_t Width() const { return width_; }

@@ -1,4 +1,4 @@
-// The guard through which every method and export that can throw runs its body: nothing thrown leaves the
+// The guard through which every method and export that can throw runs its body: no exception leaves the
 // module.
 #pragma once
 
@@ -11,8 +11,8 @@
 
 namespace vantrel {
 
-// The body's own result, or the HRESULT of what it threw: E_OUTOFMEMORY for exhausted memory, a COM error's
-// own code, and for anything else `failure`.
+// The body's result, or the HRESULT for what it threw: E_OUTOFMEMORY for exhausted memory, a COM error's own
+// code, and for anything else `failure`.
 template <class Body>
 HRESULT GuardBoundary(HRESULT failure, Body&& body) noexcept {
     try {

@@ -10,7 +10,7 @@
 
 namespace vantrel {
 
-// One identifier that an object answers and the base that is handed out for it.
+// One identifier that an object supports and the base that is returned for it.
 template <class Object>
 struct InterfaceRow {
     const IID* iid;
@@ -62,9 +62,9 @@ void* AsBase(Object* object) {
     return static_cast<Base*>(object);
 }
 
-// Makes an object of a class and hands out the interface asked for. E_OUTOFMEMORY when there is no memory for
-// it, else what its QueryInterface answers; a refused interface destroys the object at once. Passes on what
-// its members throw.
+// Creates an object of a class and returns the requested interface. E_OUTOFMEMORY when there is no memory for
+// it, else the result of QueryInterface; an unsupported interface destroys the object at once. Propagates
+// what its members throw.
 template <class Class, class... Arguments>
 HRESULT CreateObject(REFIID iid, void** object, Arguments... arguments) {
     Class* const created = new (std::nothrow) Class(arguments...);

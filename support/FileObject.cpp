@@ -28,7 +28,7 @@ constexpr std::uint64_t Join(DWORD high, DWORD low) {
 std::uint64_t SizeOf(HANDLE file) {
     DWORD high = 0;
     const DWORD low = GetFileSize(file, &high);
-    // A size whose low half is all ones counts as a failure, without a look at GetLastError.
+    // A size whose low half is all ones counts as a failure, regardless of GetLastError.
     return low == INVALID_FILE_SIZE ? 0 : Join(high, low);
 }
 
@@ -74,10 +74,10 @@ bool FileObject::read(std::uint32_t count, void* buffer) {
         return done == count;
     // Some drivers refuse a large read as a whole but serve it in pieces.
     return GetLastError() == ERROR_NO_SYSTEM_RESOURCES &&
-           readInChunks(count, static_cast<std::uint8_t*>(buffer));
+           ReadInChunks(count, static_cast<std::uint8_t*>(buffer));
 }
 
-bool FileObject::readInChunks(std::uint32_t count, std::uint8_t* buffer) {
+bool FileObject::ReadInChunks(std::uint32_t count, std::uint8_t* buffer) {
     while (count > 0) {
         const DWORD chunk = std::min<DWORD>(count, 1024 * 1024);
         DWORD done = 0;
@@ -93,8 +93,8 @@ bool FileObject::seek(DWORD method, std::int64_t distance) {
     if (!handle_)
         return false;
     LONG high = static_cast<LONG>(distance >> 32);
-    // The low half may rightly be all ones, so only the error code tells; success need not clear an older
-    // one.
+    // The low half may legitimately be all ones, so only the error code decides; success need not reset an
+    // earlier one.
     SetLastError(NO_ERROR);
     return SetFilePointer(handle_.get(), static_cast<LONG>(distance), &high, method) !=
                INVALID_SET_FILE_POINTER ||

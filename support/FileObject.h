@@ -10,11 +10,11 @@ namespace vantrel {
 // Used by one thread at a time; destruction closes. No operation throws.
 class FileObject {
 public:
-    // Size in bytes of a file that need not be open, 0 on any failure. Of a file that denies all access the
-    // folder tells it.
+    // Size in bytes of a file that need not be open, 0 on any failure. If the file denies all access, its
+    // folder is asked.
     static std::uint64_t fileSizeByName(const wchar_t* name);
 
-    // Closes what is open first. Modes: 0 read existing, 1 write, create anew, 2 write existing, 3 write,
+    // Closes an open file first. Modes: 0 read existing, 1 write, create always, 2 write existing, 3 write,
     // open or create, 4 read and write, open or create, 5 read and write existing; any other fails.
     bool open(const wchar_t* name, std::uint32_t mode, DWORD flagsAndAttributes, DWORD shareMode);
 
@@ -34,7 +34,7 @@ public:
     HANDLE handle() const { return handle_.get(); }
 
 private:
-    bool readInChunks(std::uint32_t count, std::uint8_t* buffer);
+    bool ReadInChunks(std::uint32_t count, std::uint8_t* buffer);
 
     UniqueKernelHandle handle_;
 };

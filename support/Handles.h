@@ -18,7 +18,7 @@ struct HandleCloser {
     }
 };
 
-// Null means none; APIs that answer INVALID_HANDLE_VALUE are mapped where they are called.
+// Null means none; APIs that return INVALID_HANDLE_VALUE are mapped where they are called.
 template <class Handle, auto close>
 using UniqueHandle = std::unique_ptr<std::remove_pointer_t<Handle>, HandleCloser<close>>;
 

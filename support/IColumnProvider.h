@@ -1,5 +1,5 @@
-// Explorer's column handlers, for Windows SDKs that leave them out: nothing calls them since Windows Vista
-// but hosts of older make.
+// Explorer's column handlers, for Windows SDKs that leave them out: since Windows Vista only older hosts call
+// them.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 #include <objbase.h>
 #include <shlobj.h>
 
-// Defined in the midst of these declarations wherever they are.
+// Defined together with these declarations in every SDK that has them.
 #ifndef SHCDF_UPDATEITEM
 
 #define SHCDF_UPDATEITEM 0x00000001

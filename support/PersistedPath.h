@@ -1,4 +1,4 @@
-// The IPersistFile half of a handler that is given its file by path.
+// The IPersistFile part of a handler that receives its file by path.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@
 
 namespace vantrel {
 
-// Only Load does anything; the other methods answer E_NOTIMPL.
+// Only Load does anything; the other methods return E_NOTIMPL.
 class PersistedPath : public IPersistFile {
 public:
     HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) noexcept final;

@@ -12,8 +12,8 @@ struct RegistrationEntry {
     const wchar_t* data;
 };
 
-// Creates the key where needed and writes the value as REG_SZ, its terminator included. The first Win32
-// error, folded to an HRESULT, or S_OK.
+// Creates the key if needed and writes the value as REG_SZ, including its terminator. The first Win32 error
+// as an HRESULT, or S_OK.
 HRESULT WriteStringValue(const RegistrationEntry& entry);
 
 } // namespace vantrel

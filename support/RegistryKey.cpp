@@ -37,12 +37,12 @@ BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath) {
 }
 
 BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth) {
-    // Whoever gets there follows a link round and round, and the stack is not endless.
+    // This deep it is almost certainly a cycle of links, and the stack is limited.
     constexpr unsigned mostLevels = 128;
     if (depth > mostLevels)
         return FALSE;
     {
-        // Without the right to change the key's security the deletion is tried with the rights it has.
+        // If the key's security can't be changed, deletion is tried with the existing rights.
         SecurityApi api;
         GrantEveryoneFullAccess(api, root, keyPath);
     }

@@ -12,20 +12,20 @@ public:
     RegistryKey& operator=(const RegistryKey&) = delete;
     ~RegistryKey() { Close(); }
 
-    // Null when none is held.
+    // Null if empty.
     HKEY Get() const { return key_; }
-    // Where an opening function stores its key; what was held is closed first.
+    // For functions that store an opened key; closes the key held before.
     HKEY* Put();
-    // A key that the system refuses to close stays held.
+    // If the system refuses to close the key, it is kept.
     void Close();
 
-    // Deletes the value named behind the last backslash from the key named before it; paths of less than
-    // MAX_PATH characters. FALSE without a backslash, or when the value can't be deleted.
+    // Deletes the value named after the last backslash from the key named before it; the path must be shorter
+    // than MAX_PATH. FALSE without a backslash, or when the value can't be deleted.
     static BOOL DeleteValueByPath(HKEY root, const wchar_t* path);
 
-    // Deletes a key and everything below it, depth first, having granted everyone access to each key. A
-    // missing key is created on the way, its missing parents too; they stay. FALSE at the first key that
-    // can't be deleted, such as one that a link below it keeps.
+    // Deletes a key and everything below it, depth first, after granting everyone access to each key. A
+    // missing key is created on the way, with its missing parents, which stay. FALSE at the first key that
+    // can't be deleted, such as one with a link below it.
     static BOOL DeleteKeyTree(HKEY root, const wchar_t* keyPath);
 
 private:

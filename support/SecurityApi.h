@@ -14,7 +14,7 @@ class SecurityApi {
 public:
     SecurityApi();
 
-    // A self-relative security descriptor made from SDDL text; null on any failure.
+    // A self-relative security descriptor from SDDL text; null on any failure.
     std::unique_ptr<std::byte[]> MakeSecurityDescriptor(const wchar_t* sddl);
 
 private:
@@ -25,7 +25,7 @@ private:
     ConvertFn convertStringSecurityDescriptor_ = nullptr; // resolved on first use
 };
 
-// Allows everyone everything on a key, inherited by what lies below; the key is created when it is missing.
+// Grants everyone full access to a key, inherited by everything below; creates the key if it is missing.
 BOOL GrantEveryoneFullAccess(SecurityApi& api, HKEY root, const wchar_t* keyPath);
 
 } // namespace vantrel

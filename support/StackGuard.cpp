@@ -1,6 +1,6 @@
-// What GCC's stack protector calls. The toolchain's own version of it asks a cryptographic provider for its
-// random number as soon as a module is loaded, and so brings that provider and its libraries into every host,
-// under the loader lock.
+// What GCC's stack protector calls. The toolchain's own version gets its random number from a cryptographic
+// provider as soon as a module is loaded, and so loads that provider and its libraries into every host, under
+// the loader lock.
 #include <windows.h>
 
 #include <bit>
@@ -8,8 +8,8 @@
 
 namespace {
 
-// As unpredictable as what Microsoft's startup code takes for its own guard. The lowest byte is zero, so that
-// no overrun by a string can read it or write it.
+// As unpredictable as what Microsoft's startup code uses for its guard. The lowest byte is zero, so that no
+// overrun by a string can read it or write it.
 std::uintptr_t MakeGuard() {
     FILETIME now;
     GetSystemTimePreciseAsFileTime(&now);
@@ -19,7 +19,7 @@ std::uintptr_t MakeGuard() {
     guard ^= std::rotl(static_cast<std::uint64_t>(counter.QuadPart), 24);
     guard ^= std::uint64_t{GetCurrentProcessId()} << 40 ^ std::uint64_t{GetCurrentThreadId()} << 16;
     guard ^= std::rotl(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&now)), 32);
-    guard *= 0x9E3779B97F4A7C15; // carries what differs into the upper half
+    guard *= 0x9E3779B97F4A7C15; // spreads the entropy into the upper half
     return guard & ~std::uint64_t{0xFF};
 }
 

@@ -1,4 +1,4 @@
-// The IInitializeWithStream half of a handler that is given its file as a stream.
+// The IInitializeWithStream part of a handler that receives its file as a stream.
 #pragma once
 
 #include "support/Handles.h"
@@ -9,7 +9,7 @@ namespace vantrel {
 
 class StreamInitialized : public IInitializeWithStream {
 public:
-    // Takes one reference to the stream. E_UNEXPECTED when one is held already, which then stays.
+    // Takes one reference to the stream. E_UNEXPECTED if there is a stream already, which is kept.
     HRESULT STDMETHODCALLTYPE Initialize(IStream* stream, DWORD mode) noexcept final;
 
 protected:

@@ -29,7 +29,7 @@ bool TextBuffer::Reserve(std::size_t capacity) {
     auto* const block = static_cast<wchar_t*>(std::realloc(characters_.get(), capacity * sizeof(wchar_t)));
     if (!block)
         return FallBack();
-    static_cast<void>(characters_.release()); // realloc has taken it over
+    static_cast<void>(characters_.release()); // now owned by realloc
     characters_.reset(block);
     std::fill(block + capacity_, block + capacity, L'\0');
     capacity_ = capacity;
@@ -98,7 +98,7 @@ bool TextBuffer::Format(const wchar_t* format, ...) {
     for (;;) {
         va_list arguments;
         va_start(arguments, format);
-        // The writer does not terminate a text that just fits.
+        // The function does not terminate a text that fits exactly.
         characters_.get()[capacity_ - 1] = L'\0';
         const int written = _vsnwprintf(characters_.get(), capacity_ - 1, format, arguments);
         va_end(arguments);

@@ -1,4 +1,4 @@
-// A growable, always terminated UTF-16 text.
+// A growable, always terminated UTF-16 string.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace vantrel {
 
-// Out of memory never throws: the text falls back to an empty one, or to no storage at all when even that
-// fails, and the operation answers false. Counts are in code units.
+// Running out of memory never throws: the text becomes empty, or loses its storage if even that fails, and
+// the operation returns false. Counts are in code units.
 class TextBuffer {
 public:
     // Empty, with the standard capacity.
@@ -26,14 +26,14 @@ public:
 
     enum class Widening {
         AnsiCodePage = 0, // by the system's ANSI code page
-        ByValue = 1,      // each byte becomes the code unit of the same number
+        ByValue = 1,      // each byte becomes the code unit with the same value
     };
-    // A conversion that fails leaves the empty text.
+    // A failed conversion leaves the text empty.
     bool AssignNarrow(const char* bytes, std::size_t count, Widening widening);
     // Up to the first zero byte, by the ANSI code page.
     bool AssignNarrow(const char* bytes);
 
-    // By the rules of _vsnwprintf. Texts beyond 3,145,728 code units are refused.
+    // Follows _vsnwprintf. Texts longer than 3,145,728 code units are refused.
     bool Format(const wchar_t* format, ...);
 
 private:
@@ -41,7 +41,7 @@ private:
         void operator()(wchar_t* block) const noexcept { std::free(block); }
     };
 
-    // Keeps the text. Without memory, falls back to the empty text.
+    // Keeps the text. If out of memory, falls back to the empty text.
     bool Reserve(std::size_t capacity);
     // Always false, so that failing operations can return it.
     bool FallBack();

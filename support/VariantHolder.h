@@ -1,4 +1,4 @@
-// A VARIANT that clears itself and hands its value over by detaching it.
+// A VARIANT that clears itself and can transfer its value to a caller.
 #pragma once
 
 #include <windows.h>
@@ -17,8 +17,8 @@ public:
     VariantHolder& operator=(const VariantHolder&) = delete;
     ~VariantHolder() { VariantClear(&value_); }
 
-    // VT_BSTR; a null text gives a null BSTR. Throws _com_error without memory or when the old value can't be
-    // cleared.
+    // VT_BSTR; a null text gives a null BSTR. Throws _com_error when out of memory or when the old value
+    // can't be cleared.
     void AssignText(const wchar_t* text);
     // Replaces the number of a VT_I4 or VT_ERROR and the truth of a VT_BOOL; anything else becomes VT_I4.
     // Throws _com_error when the old value can't be cleared.

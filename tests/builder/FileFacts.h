@@ -1,12 +1,12 @@
-// What stands in a ZMI file, read straight from its bytes.
+// The contents of a ZMI file, read directly from its bytes.
 #pragma once
 
 #include "tests/builder/ZmiBuilder.h"
 
 namespace vantrel::tests {
 
-// Of a file with a whole image header; a frame table is only looked at when it is asked for. What lies
-// outside the file throws std::out_of_range.
+// The file must have a complete image header; a frame table is read only on demand. Throws std::out_of_range
+// for anything outside the file.
 struct FileFacts {
     explicit FileFacts(const Bytes& bytes) : file(bytes) {}
 

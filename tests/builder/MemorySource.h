@@ -1,5 +1,5 @@
-// A byte source in memory that counts what is read from it and can fail at a chosen call, and the verdict of
-// loading from a source.
+// A byte source in memory that counts reads and can fail at a chosen call, and the result of loading from a
+// source.
 #pragma once
 
 #include "codec/FileReader.h"
@@ -15,7 +15,7 @@ class MemorySource final : public ByteSource {
 public:
     explicit MemorySource(Bytes bytes) : bytes_(std::move(bytes)), reads_(bytes_.size()) {}
 
-    // Calls count from 1, Size among them. A failing read leaves half of what was asked for in the buffer.
+    // Calls count from 1, Size among them. A failing read fills half of the buffer.
     std::size_t failingCall = 0;
 
     std::uint64_t Size() override { return Fails() ? 0 : bytes_.size(); }
@@ -33,7 +33,7 @@ public:
     }
 
     std::size_t Calls() const { return calls_; }
-    // How often each byte has been read; wraps at 256.
+    // The number of times each byte was read; wraps at 256.
     const Bytes& Reads() const { return reads_; }
 
 private:
@@ -44,7 +44,7 @@ private:
     std::size_t calls_ = 0;
 };
 
-// What is loaded is handed out where it is asked for.
+// Stores the loaded image in *image if given.
 template <class Source>
 Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
                   std::uint32_t windowSize = PayloadReader::standardWindow, DecodedImage* image = nullptr) {

@@ -1,5 +1,4 @@
-// The maker of ZMI files for tests, and what each pixel of them must look like; shares nothing with the
-// decoder.
+// Builds ZMI files for tests, with the expected colour of each pixel; shares nothing with the decoder.
 #pragma once
 
 #include <array>
@@ -39,38 +38,38 @@ inline constexpr Field dataOffset{0, 4}, paletteOffset{4, 4}, extra0{8, 4}, tran
     flags{16, 1}, width{17, 2}, height{19, 2};
 } // namespace frame_record
 
-// `base` is where the structure begins.
+// `base` is the offset of the structure.
 std::uint32_t GetField(const Bytes& bytes, std::size_t base, Field field);
 void SetField(Bytes& bytes, std::size_t base, Field field, std::uint32_t value);
 
-// Makes the file header and the last four bytes, the trailer, agree on a payload from there on.
+// Makes the file header and the last four bytes, the trailer, describe a payload that starts there.
 void FramePayload(Bytes& file, std::uint32_t payloadAt);
 
-// Number i of an endless run that looks random and is the same every time.
+// Number i of a fixed pseudo-random sequence.
 std::uint8_t PatternByte(std::uint32_t seed, std::size_t i);
 Colours PatternColours(std::uint32_t seed);
 
-// The bytes that a frame's pixels take in a file of that mode.
+// The bytes of a frame's pixels in a file of that mode.
 std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height);
 
-// How a 5-6-5 colour is shown, 0x00RRGGBB.
+// A 5-6-5 colour as displayed, 0x00RRGGBB.
 std::uint32_t Rgb(std::uint32_t colour565);
 
 struct ZmiFrame {
     std::uint16_t width = 0;
     std::uint16_t height = 0;
-    std::optional<Bytes> pixels{};       // as they stand in the file; without, a pattern of its own
-    std::optional<Colours> palette{};    // mode 1: a table of its own instead of the file's
+    std::optional<Bytes> pixels{};       // as in the file; default: a pattern
+    std::optional<Colours> palette{};    // mode 1: its own table instead of the file's
     std::optional<std::uint8_t> flags{}; // instead of the file's
     std::uint32_t transparentKey = 0;
 };
 
-// Say what the file holds, then Build it. Whatever no reader interprets is filled with pattern bytes.
+// Describe the file, then call Build. Bytes that no reader interprets are filled with a pattern.
 struct ZmiBuilder {
     unsigned mode = 2;
-    std::vector<ZmiFrame> frames{}; // none: without a frame table the blank default, with one an empty table
+    std::vector<ZmiFrame> frames{}; // empty: the blank default without a frame table, an empty table with one
     std::string title{};            // cut off at 34 bytes
-    bool frameTable = false;        // more than one frame always has one
+    bool frameTable = false;        // more than one frame always implies one
     Colours palette = PatternColours(0);
     std::optional<std::uint32_t> transparentKey{};
     std::size_t gap = 0;      // bytes between the file header and the payload
@@ -84,7 +83,7 @@ struct ZmiBuilder {
     // table.
     std::uint32_t ExpectedPixel(unsigned x, unsigned y, std::size_t frame = 0) const;
 
-    // Where things stand in the built file.
+    // Offsets in the built file.
     std::size_t PayloadAt() const { return file_header::size + gap; }
     std::size_t PaletteAt() const { return PayloadAt() + image_header::size; }
     std::size_t FrameTableAt() const { return PaletteAt() + (mode == 1 ? sizeof(Colours) : 0); }

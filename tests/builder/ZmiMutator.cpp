@@ -80,13 +80,13 @@ void ZmiMutator::Mutate(Bytes& file) {
             SetField(file, table, frame_table::frameCount,
                      Pick(2) == 0 ? TellingNumber(file) : frames + Pick(3) - 1);
         break;
-    case 4: { // another mode, or with a table what had none
+    case 4: { // another mode, or a frame table where there was none
         const std::size_t at = Pick(2) == 0 && hasRecord ? record + frame_record::flags.offset
                                                          : payload + image_header::flags.offset;
         file[at] = static_cast<std::uint8_t>(file[at] ^ (Pick(2) == 0 ? 8 << Pick(2) : 1));
         break;
     }
-    case 5: { // shorter or longer somewhere in the payload
+    case 5: { // bytes removed or inserted somewhere in the payload
         const auto at = file.begin() + static_cast<std::ptrdiff_t>(payload + Pick(file.size() - payload - 3));
         if (Pick(2) == 0)
             file.insert(at, Pick(60), static_cast<std::uint8_t>(Pick(256)));
@@ -95,7 +95,7 @@ void ZmiMutator::Mutate(Bytes& file) {
         Repair(file);
         break;
     }
-    case 6: { // the payload begins earlier or later than its offsets think, or too early
+    case 6: { // the payload starts earlier or later than its offsets assume, or too early
         const std::uint32_t shift = Pick(5) - 2;
         SetField(file, 0, file_header::dataOffset, static_cast<std::uint32_t>(payload) + shift);
         SetField(file, 0, file_header::dataSize, GetField(file, 0, file_header::dataSize) - shift);

@@ -1,4 +1,4 @@
-// The maker of damaged and misleading ZMI files that still get past the first checks.
+// Makes damaged and misleading ZMI files that still pass the first checks.
 #pragma once
 
 #include "tests/builder/ZmiBuilder.h"
@@ -8,7 +8,7 @@
 
 namespace vantrel::tests {
 
-// The same seed gives the same files everywhere.
+// The same seed gives the same files on every system.
 class ZmiMutator {
 public:
     explicit ZmiMutator(std::uint32_t seed) : random_(seed) {}
@@ -16,10 +16,10 @@ public:
     // A valid file of any kind, a few KiB at most.
     ZmiBuilder MakeFile();
 
-    // Changes one thing: a number where the format has one, a flag, the length, a frame record.
+    // Changes one thing: a field, a flag, the length, a frame record.
     void Mutate(Bytes& file);
 
-    // Makes magic, version, kind, sizes and trailer agree with the length, so that the payload is looked at.
+    // Makes magic, version, kind, sizes and trailer match the length, so that the payload is parsed.
     static void Repair(Bytes& file);
 
     // Below limit, which is not 0.

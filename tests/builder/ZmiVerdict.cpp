@@ -14,7 +14,7 @@ Verdict Judge(const Bytes& file) {
         GetField(file, 0, file_header::kind) != 1)
         return Verdict::Fails;
 
-    // A payload that really lies between header and trailer can't make any 32-bit sum wrap.
+    // A payload that really is between header and trailer can't make any 32-bit sum wrap.
     const std::uint64_t begin = GetField(file, 0, file_header::dataOffset);
     const std::uint64_t end = begin + GetField(file, 0, file_header::dataSize);
     if (begin < file_header::size || end >= 0x80000000 || end + 4 != file.size() || !text.ends_with("zpix"sv))

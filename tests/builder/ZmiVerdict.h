@@ -1,4 +1,4 @@
-// A second opinion on whether bytes are a ZMI file that loads, written from the format and not from the
+// A second opinion on whether bytes are a ZMI file that loads, written from the format, independently of the
 // decoder.
 #pragma once
 

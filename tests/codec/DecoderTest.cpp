@@ -6,10 +6,10 @@
 
 namespace vantrel::tests {
 
-// But for the gap, which is not read at all.
+// Except for the gap, which is not read at all.
 TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
-    // One that is a window's alone. With bytes that no record names, between pixels and behind them for
-    // several windows, and with a frame longer than a window.
+    // A file that fits into one window. With unreferenced bytes between the pixels and, for several windows,
+    // after them, and with a frame longer than a window.
     std::vector<ZmiBuilder> files{{.frames = {{5, 3}}, .gap = 3},
                                   {.gap = 3, .rest = 200000},
                                   {.mode = 0, .frames = {{1024, 600}}, .gap = 3}};

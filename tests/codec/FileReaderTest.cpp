@@ -12,11 +12,11 @@ namespace {
 
 const ZmiBuilder plain{.frames = {{5, 3}}};
 
-// A file that is only claimed: its head and trailer exist, zeros lie between, and nothing is in front of the
-// payload but the head.
+// A virtual file: only its header and trailer exist, with zeros in between, and nothing but the header
+// precedes the payload.
 class SparseSource final : public ByteSource {
 public:
-    // Wherever the trailer really belongs.
+    // Wherever the trailer really is.
     SparseSource(std::uint32_t dataOffset, std::uint32_t dataSize, std::int64_t trailerAt)
         : head_(plain.Build()), size_(std::uint64_t{dataOffset} + dataSize + 4), trailerAt_(trailerAt) {
         SetField(head_, 0, file_header::dataOffset, dataOffset);
@@ -58,7 +58,7 @@ TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
         EXPECT_EQ(std::memcmp(&header, file.data(), sizeof header), 0);
     }
 
-    // Nothing is read before the size is known, and of a header that is cut short nothing is handed out.
+    // Nothing is read before the size is known, and a truncated header is not returned.
     const FileHeader zeros{};
     for (const auto& [size, calls] : {std::pair<std::size_t, std::size_t>{0, 1}, {111, 2}}) {
         MemorySource source(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -72,7 +72,7 @@ TEST(FileReader, RefusesAnyWrongByte) {
     const Bytes file = plain.Build();
     for (std::size_t at = 0; at < file.size(); ++at) {
         if (at == file_header::dataSize.offset + file_header::dataSize.width)
-            at = file.size() - 4; // what lies between has no say, or is pixels
+            at = file.size() - 4; // what is between doesn't matter, or is pixels
         for (const unsigned bit : {0x01u, 0x20u}) {
             Bytes broken = file;
             broken[at] = static_cast<std::uint8_t>(broken[at] ^ bit);
@@ -87,7 +87,7 @@ TEST(FileReader, RefusesPayloadsThatAreElsewhere) {
     SetField(inHeader, 0, file_header::dataOffset, 111);
     EXPECT_EQ(VerdictOf(MemorySource(inHeader)), Verdict::Fails);
 
-    // The sum wraps and so is right.
+    // The sum wraps and therefore matches.
     Bytes wrapping = plain.Build();
     SetField(wrapping, 0, file_header::dataOffset, 0xFFFFFFF0);
     SetField(wrapping, 0, file_header::dataSize, static_cast<std::uint32_t>(wrapping.size() + 12));
@@ -99,7 +99,7 @@ TEST(FileReader, RefusesPayloadsThatAreElsewhere) {
             << "ends at 2 GiB";
 }
 
-// Its trailer is where the wrapped sum says.
+// The trailer is where the wrapped sum points.
 TEST(FileReader, ReadsPayloadsBeyondFourGiBAsFastAsOthers) {
     SparseSource source(0xFF000000, 0x11000000, 0x10000000);
     EXPECT_EQ(VerdictOf(source), Verdict::Loads);

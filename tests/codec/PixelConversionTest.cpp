@@ -9,7 +9,7 @@
 
 namespace vantrel::tests {
 
-// Every colour, and rows of every length around a vector's.
+// Every colour, and rows of every length around a vector's length.
 TEST(PixelConversion, ExpandsEveryColourAtEveryWidth) {
     std::vector<std::uint8_t> pixels;
     std::vector<std::uint32_t> expected;

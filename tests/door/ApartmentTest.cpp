@@ -19,7 +19,7 @@ public:
 
 const ZmiBuilder file{.mode = 2, .frames = {{15, 11}}, .title = "Apartment"};
 
-// As hosts that read the file elsewhere do: the library gets a proxy of the stream.
+// As in hosts that read the file in another apartment: the library gets a proxy for the stream.
 TEST(Apartment, ReadsAStreamOfAnotherApartment) {
     const Apartment apartment(COINIT_MULTITHREADED);
     TestStream stream(file.Build());
@@ -38,7 +38,7 @@ TEST(Apartment, ReadsAStreamOfAnotherApartment) {
     EXPECT_EQ(1u, stream.References());
 }
 
-// Every request once, with objects of its own; pictures at their natural size.
+// Every request once, with its own objects; pictures at their natural size.
 std::vector<Answer> AskEverything(const ZmiBuilder& picture) {
     TestStream stream(picture.Build());
     const ScratchFile scratch(picture.Build());
@@ -51,8 +51,8 @@ std::vector<Answer> AskEverything(const ZmiBuilder& picture) {
     return answers;
 }
 
-// Wine's CreateIconIndirect now and then gives no icon, and no reason, while other threads make icons. So
-// there a failure is asked about once more; a wrong answer is not.
+// Wine's CreateIconIndirect occasionally fails without a reason while other threads make icons. So under Wine
+// a failure is retried once; a wrong answer is not.
 bool AnswersAsExpected(const ZmiBuilder& picture, const std::vector<Answer>& expected) {
     const std::vector<Answer> answers = AskEverything(picture);
     if (answers == expected)

@@ -9,7 +9,7 @@
 namespace vantrel::tests {
 namespace {
 
-// What is in a picture or a fact, replaying the fuzzer's mutations checks without a door.
+// The contents of pictures and facts are checked by the fuzzer's replay.
 TEST(HostileFile, GetsTheSameVerdictFromEveryHandler) {
     unsigned shown = 0;
     constexpr unsigned rounds = 2000;
@@ -27,7 +27,7 @@ TEST(HostileFile, GetsTheSameVerdictFromEveryHandler) {
                 const Answer& answer = answers[request.name] = request.ask();
                 ASSERT_TRUE(answer.result == S_OK || answer == Answer{request.failure}) << request.name;
                 ASSERT_TRUE(answer.result != S_OK || Judge(bytes) == Verdict::Loads) << request.name;
-                // Facts are the same for all and there whenever a picture is.
+                // Facts are the same from all handlers and exist whenever a picture does.
                 ASSERT_TRUE(answers["thumbnail"].result != S_OK || answer.result == S_OK) << request.name;
                 ASSERT_TRUE(request.failure == E_FAIL || answer.result == answers["title"].result)
                     << request.name;
@@ -38,7 +38,7 @@ TEST(HostileFile, GetsTheSameVerdictFromEveryHandler) {
         ASSERT_EQ(answers["letterboxed image"].result, answers["icons"].result);
         shown += answers["icons"].result == S_OK ? 1 : 0;
     }
-    // Files that all fail, or all load, would show nothing.
+    // If all files failed, or all loaded, the test would prove nothing.
     EXPECT_LT(rounds / 5, shown);
     EXPECT_GT(rounds - rounds / 5, shown);
 }

@@ -1,4 +1,4 @@
-// The replacement of a function that a loaded module imports, for as long as the hook lives.
+// Replaces a function that a loaded module imports, for the lifetime of the hook.
 #pragma once
 
 #include <windows.h>
@@ -42,7 +42,7 @@ struct FunctionName {
     char text[size];
 };
 
-// Undoes what it did when it goes away.
+// Restores the original on destruction.
 class ImportPatch {
 public:
     virtual ~ImportPatch() = default;
@@ -51,8 +51,8 @@ public:
 template <FunctionName name, class Signature>
 class ImportHook;
 
-// ImportHook<"CreateFileW", HANDLE(...)>: one at a time of each kind. The replacement gets the original
-// function before the arguments. Of a function that the module doesn't import nothing is replaced.
+// ImportHook<"CreateFileW", HANDLE(...)>: one at a time of each kind. The replacement receives the original
+// function before the arguments. If the module doesn't import the function, nothing happens.
 template <FunctionName name, class Result, class... Arguments>
 class ImportHook<name, Result(Arguments...)> final : public ImportPatch {
 public:

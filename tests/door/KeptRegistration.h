@@ -9,7 +9,7 @@
 
 namespace vantrel::tests {
 
-// A key with all below it, whoever wrote it: put back as it was when this goes away.
+// A key with everything below it: restored on destruction.
 class KeptKey {
 public:
     KeptKey(HKEY root, const std::wstring& path)

@@ -18,7 +18,7 @@ HRESULT CanUnload() {
 
 struct ClassCase {
     CLSID classId;
-    std::vector<IID> interfaces; // the first is the one that IUnknown's identity belongs to
+    std::vector<IID> interfaces; // the first one has IUnknown's identity
 };
 
 const ClassCase classes[] = {
@@ -80,7 +80,7 @@ TEST(Module, CountsFactoriesAndLocksButNoObjects) {
     ComPtr<IClassFactory> last = std::move(first);
     EXPECT_EQ(S_OK, last->LockServer(FALSE));
     EXPECT_EQ(S_FALSE, CanUnload());
-    EXPECT_EQ(S_OK, last->LockServer(FALSE)); // one too many: below zero with the factory gone
+    EXPECT_EQ(S_OK, last->LockServer(FALSE)); // one too many: below zero once the factory is gone
     EXPECT_EQ(S_OK, CanUnload());
     last.Reset();
     EXPECT_EQ(S_FALSE, CanUnload());
@@ -105,12 +105,12 @@ TEST(Module, ServesEachClassWithItsInterfacesAndNoOthers) {
             EXPECT_EQ(own ? S_OK : E_NOINTERFACE, object->QueryInterface(iid, &answer));
             EXPECT_EQ(E_POINTER, object->QueryInterface(iid, nullptr));
             EXPECT_EQ(own, answer != nullptr);
-            // One identity, whichever interface is asked.
+            // The same identity from every interface.
             EXPECT_TRUE(!own || Ask<IUnknown>(answer.Get(), IID_IUnknown) == object);
         }
         const IUnknown* const primary = Ask<IUnknown>(object.Get(), each.interfaces[0]).Get();
         EXPECT_EQ(object.Get(), primary);
-        // The icon handler answers the column provider's identifier with its icon interface.
+        // The icon handler returns its icon interface for the column provider's identifier.
         EXPECT_TRUE(!IsEqualCLSID(each.classId, iconHandlerClass) ||
                     Ask<IUnknown>(object.Get(), IID_IColumnProvider).Get() == primary);
         EXPECT_EQ(2u, object->AddRef());

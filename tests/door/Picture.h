@@ -17,7 +17,7 @@ namespace vantrel::tests {
 using Bitmap = UniqueBitmap;
 using Icon = UniqueHandle<HICON, DestroyIcon>;
 
-inline constexpr std::uint32_t keyColour = 0xFFFF00; // of the background around a picture
+inline constexpr std::uint32_t keyColour = 0xFFFF00; // the background around a picture
 inline constexpr std::uint32_t opaque = 0xFF000000;
 
 // 32-bit words 0xAARRGGBB, the top row first; empty when there is no bitmap.
@@ -58,7 +58,7 @@ inline Picture NaturalPicture(const ZmiBuilder& file) {
     return picture;
 }
 
-// A file of one colour, which scaling leaves as it is, and a bitmap of that colour.
+// A file of one colour, which scaling doesn't change, and a bitmap of that colour.
 inline constexpr std::uint32_t flatColour = 0xFF0000;
 
 inline ZmiBuilder FlatFile(std::uint16_t width, std::uint16_t height, std::uint16_t colour565 = 0xF800) {

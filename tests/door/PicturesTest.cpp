@@ -18,7 +18,7 @@ Picture Letterboxed(const Picture& picture, unsigned width, unsigned height) {
     return box;
 }
 
-// The same as an icon. The opaque rectangle counts its rows from the bottom, so that with an odd rest it lies
+// The same as an icon. The opaque rectangle counts its rows from the bottom, so with an odd remainder it is
 // one row below what was drawn.
 Picture AsIcon(const Picture& picture, unsigned edge) {
     Picture icon = Letterboxed(picture, edge, edge);
@@ -27,14 +27,14 @@ Picture AsIcon(const Picture& picture, unsigned edge) {
     for (unsigned y = 0; y < edge; ++y)
         for (unsigned x = 0; x < edge; ++x) {
             std::uint32_t& word = icon.words.at(std::size_t{y} * edge + x);
-            // Differences below 0 are large ones.
+            // Differences below 0 wrap and count as large.
             const bool inside = edge - 1 - y - bottom < picture.height && x - left < picture.width;
             word |= inside || word != keyColour ? opaque : 0;
         }
     return icon;
 }
 
-// A picture with pixels of the key colour and of black in it.
+// A picture with some pixels of the key colour and some black ones.
 ZmiBuilder SpeckledFile(std::uint16_t width, std::uint16_t height) {
     Bytes pixels;
     for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
@@ -45,7 +45,7 @@ ZmiBuilder SpeckledFile(std::uint16_t width, std::uint16_t height) {
     return {.frames = {{width, height, pixels}}};
 }
 
-// What each handler makes of a file in a square, of which that picture, empty if none, must be visible.
+// What each handler makes of a file in a square, of which this picture (empty: none) must be visible.
 void ExpectInSquare(const ZmiBuilder& file, UINT edge, const Picture& fitted) {
     TestStream stream(file.Build());
     const ScratchFile scratch(file.Build());
@@ -66,7 +66,7 @@ TEST(Pictures, ShowEveryPixelOfTheFirstFrame) {
     for (const auto size : sizes)
         for (unsigned mode = 0; mode <= 3; ++mode) {
             SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", mode " << mode);
-            // Transparency is noted in a file and changes nothing.
+            // Transparency is recorded in a file and changes nothing.
             ZmiBuilder file{.mode = mode,
                             .frames = {{size.width, size.height}, {64, 64}},
                             .transparentKey = PatternByte(100, 0),
@@ -97,7 +97,7 @@ TEST(Pictures, KeepTheirProportionsInASquare) {
     ExpectInSquare(ZmiBuilder{}, 256, FlatPicture(256, 150, 0xFFFFFF));
 }
 
-// As the system's own halftone has it.
+// As the system's own halftone scaling renders it.
 TEST(Pictures, AreScaledWithHalftone) {
     const ZmiBuilder file = SpeckledFile(60, 44);
     TestStream stream(file.Build());
@@ -178,7 +178,7 @@ TEST(ExtractImage, KeepsTheRequestUntilTheNextLoad) {
     const auto handler = ImageHandlerOf(scratch.Path());
     EXPECT_EQ(Answer{E_FAIL}, AskImage(*handler.Get())) << "no size has been given";
 
-    // Asynchronous hosts come back for the picture after E_PENDING, on a thread of their own.
+    // After E_PENDING, asynchronous hosts call again for the picture on their own thread.
     const SIZE size{9, 9};
     DWORD flags = IEIFLAG_ASYNC;
     EXPECT_EQ(E_PENDING, handler->GetLocation(nullptr, 0, nullptr, &size, 32, &flags));

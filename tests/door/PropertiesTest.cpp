@@ -68,7 +68,7 @@ TEST(PropertyStore, ReadsTheFileBeforeItLooksAtTheKey) {
         EXPECT_LT(before, good.Calls());
         EXPECT_EQ(Answer{S_FALSE}, AskValue(*PropertyStoreOf(bad).Get(), key));
     }
-    // A file that has no first frame can't be read either.
+    // A file without a first frame can't be read either.
     TestStream empty(ZmiBuilder{.mode = 2, .frameTable = true}.Build());
     EXPECT_EQ(Answer{S_FALSE}, AskValue(*PropertyStoreOf(empty).Get(), titleKey));
 }
@@ -81,7 +81,7 @@ TEST(ColumnProvider, DescribesItsOneColumn) {
     std::memset(&untouched, 0x5A, sizeof untouched);
     SHCOLUMNINFO expected = untouched;
     expected.scid = dimensionsKey;
-    expected.vt = VT_LPSTR; // what is delivered is VT_BSTR
+    expected.vt = VT_LPSTR; // the values are VT_BSTR
     expected.fmt = 0;
     expected.cChars = 32;
     expected.csFlags = 0x21;
@@ -110,8 +110,7 @@ TEST(ColumnProvider, AnswersForItsColumnAndItsFilesOnly) {
     } cases[] = {
         {file.Path(), L".zmi", FILE_ATTRIBUTE_NORMAL, dimensionsKey, true},
         {file.Path(), L".ZmI", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN, dimensionsKey, true},
-        {renamed.Path(), L".zmi", FILE_ATTRIBUTE_ARCHIVE, dimensionsKey,
-         true}, // the host names the extension
+        {renamed.Path(), L".zmi", FILE_ATTRIBUTE_ARCHIVE, dimensionsKey, true}, // the extension is the host's
         {renamed.Path(), L".bmp", FILE_ATTRIBUTE_NORMAL, dimensionsKey, false},
         {file.Path(), L"zmi", FILE_ATTRIBUTE_NORMAL, dimensionsKey, false},
         {file.Path(), nullptr, FILE_ATTRIBUTE_NORMAL, dimensionsKey, false},

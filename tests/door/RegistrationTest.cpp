@@ -16,7 +16,7 @@ namespace {
 using Line = std::wstring;
 using Lines = std::vector<Line>;
 
-// What registration writes, in its order.
+// What registration writes, in order.
 Lines ExpectedLines() {
     Lines lines;
     const auto addClass = [&](const Line& id, const wchar_t* description, const Line& bindingKey = L"",
@@ -82,7 +82,7 @@ void Write(const Lines& lines) {
     }
 }
 
-// Every key below that one and every value in them.
+// Every key below this one and every value in them.
 void List(HKEY key, const Line& path, std::set<Line>& lines) {
     lines.insert(path);
     wchar_t name[256];
@@ -101,7 +101,7 @@ void List(HKEY key, const Line& path, std::set<Line>& lines) {
     }
 }
 
-// The current user's and the machine's registry, redirected to keys that vanish with their test.
+// The current user's and the machine's registry, redirected to keys that are deleted with the test.
 class ScratchRegistry {
 public:
     ScratchRegistry() {
@@ -135,7 +135,7 @@ private:
     HKEY machine_ = nullptr;
 };
 
-// What a scratch registry holds when these values and keys are all there is.
+// The listing of a scratch registry with only these values and keys.
 std::set<Line> Listing(const Lines& lines) {
     std::set<Line> listing(lines.begin(), lines.end());
     for (const Line& line : lines) {
@@ -178,7 +178,7 @@ private:
                          const BYTE* data, DWORD size) {
             if (const LSTATUS refusal = set(); refusal != ERROR_SUCCESS)
                 return refusal;
-            // Checked here, too: the system itself counts in a terminating zero that was left out.
+            // Checked here, since the system adds a missing terminating zero.
             EXPECT_EQ((std::wcslen(reinterpret_cast<const wchar_t*>(data)) + 1) * sizeof(wchar_t), size);
             written.push_back(paths[key] + L"|" + (name ? name : L"") + L"|" +
                               reinterpret_cast<const wchar_t*>(data));
@@ -228,7 +228,7 @@ TEST(Registration, StopsAtTheFirstRowThatFails) {
     }
 }
 
-// A path that is too long is cut; some versions of Windows leave its terminator out.
+// A path that is too long is truncated; some versions of Windows omit the terminator.
 TEST(Registration, NeedsTheModulesPath) {
     const ScratchRegistry registry;
     for (const auto& [length, error] :
@@ -306,10 +306,10 @@ TEST(Registration, SurvivesAStarvingMachine) {
     }
 }
 
-// In the real registry, which a child process can't be kept from.
+// In the real registry, since a child process can't be redirected.
 TEST(Registration, WorksThroughRegsvr32) {
     if (!IsAdministrator())
-        GTEST_SKIP() << "registering takes an administrator's rights";
+        GTEST_SKIP() << "registering needs administrator rights";
     const KeptRegistration kept;
     const auto regsvr32 = [](const wchar_t* option) {
         wchar_t folder[MAX_PATH];

@@ -8,7 +8,7 @@ namespace vantrel::tests {
 
 namespace {
 
-// Stands in an output until it is written to.
+// The value of an output until it is written to.
 template <class Handle>
 Handle Untouched() {
     return reinterpret_cast<Handle>(std::uintptr_t{0x1234});
@@ -26,7 +26,7 @@ Answer FromBitmap(HRESULT result, HBITMAP bitmap) {
     return answer;
 }
 
-// A value that no call hands out, to see what a call leaves alone.
+// A value that no call returns, to detect outputs that were left alone.
 VARIANT UntouchedVariant() {
     VARIANT value;
     std::memset(&value, 0x5A, sizeof value);

@@ -1,4 +1,4 @@
-// The requests that hosts make of each handler, asked so that their answers can be compared.
+// The requests that hosts make of each handler, with comparable answers.
 #pragma once
 
 #include "support/IColumnProvider.h"
@@ -24,7 +24,7 @@ inline constexpr PROPERTYKEY titleKey = {
 inline constexpr PROPERTYKEY dimensionsKey = {imageProperties, 13};
 inline constexpr PROPERTYKEY bitDepthKey = {imageProperties, 7};
 
-// What came back: whatever was handed out, read and freed again.
+// The answer: everything that was returned, read and freed.
 struct Answer {
     HRESULT result = E_UNEXPECTED;
     std::vector<Picture> pictures{}; // a bitmap, or icons in the order large, small
@@ -39,7 +39,7 @@ struct Answer {
     }
 };
 
-// Each fails the running test when a failed call has written to an output.
+// Each fails the running test if a failed call has written to an output.
 Answer AskThumbnail(IThumbnailProvider& provider, UINT edge);
 Answer AskImage(IExtractImage2& handler);
 Answer AskImage(IExtractImage2& handler, SIZE size); // GetLocation, then Extract
@@ -48,16 +48,16 @@ Answer AskValue(IPropertyStore& store, const PROPERTYKEY& key);
 Answer AskColumn(IColumnProvider& provider, const wchar_t* path, const wchar_t* extension = L".zmi",
                  DWORD attributes = FILE_ATTRIBUTE_NORMAL, const SHCOLUMNID& column = dimensionsKey);
 
-// The icon's colours with their alpha; none of it is masked away.
+// The icon's colours with their alpha; no pixel is masked out.
 Picture ReadIcon(HICON icon);
 
-// Objects that have been given their file.
+// Objects initialised with their file.
 ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream);
 ComPtr<IPropertyStore> PropertyStoreOf(IStream& stream);
 ComPtr<IExtractImage2> ImageHandlerOf(const wchar_t* path);
 ComPtr<IExtractIconW> IconHandlerOf(const wchar_t* path);
 
-// One request to one object, which it keeps; it can be repeated.
+// One repeatable request to one object, which it owns.
 struct Request {
     const char* name;
     HRESULT failure; // for a file that can't be read
@@ -68,7 +68,7 @@ struct Request {
 std::vector<Request> StreamRequests(IStream& stream, UINT edge = 16);
 std::vector<Request> PathRequests(const wchar_t* path, UINT edge = 16);
 
-// What the C++ runtime sets up for a thread's first exception stays as long as the thread.
+// What the C++ runtime allocates for a thread's first exception stays as long as the thread.
 void LetOneExceptionHappen();
 
 } // namespace vantrel::tests

@@ -1,5 +1,5 @@
-// What the library takes from the system and must give back, counted; any taking of it can be refused,
-// and any read of a file.
+// Counts the resources that the library acquires and must release; can make any acquisition and any file read
+// fail.
 #pragma once
 
 #include "tests/door/ImportHook.h"
@@ -17,17 +17,17 @@ namespace vantrel::tests {
 
 enum class Refuse {
     One,
-    // From that one on everything but small memory: a full heap, too, still has room for the runtime's own
-    // exception objects.
+    // From this one on all but small allocations: even a full heap has room for the runtime's exception
+    // objects.
     AllLarge,
 };
 
-// While it lives, on one thread. Counts what the library itself calls: memory, BSTRs, GDI objects, icons,
-// files, libraries, security descriptors, registry keys. Fails the running test when a key is closed twice or
-// a bitmap deleted while it is selected.
+// Active during its lifetime, on one thread. Counts what the library itself acquires: memory, BSTRs, GDI
+// objects, icons, files, libraries, security descriptors, registry keys. Fails the running test if a key is
+// closed twice or a bitmap is deleted while selected.
 class ResourceWatch {
 public:
-    // Refuses the taking of that number, counted from 1.
+    // Makes this acquisition fail, counted from 1.
     explicit ResourceWatch(unsigned number = 0, Refuse mode = Refuse::One) : number_(number), mode_(mode) {
         Allocating<"malloc", std::size_t>();
         Allocating<"calloc", std::size_t, std::size_t>();
@@ -58,7 +58,7 @@ public:
         Hook<"ReadFile", BOOL, HANDLE, void*, DWORD, DWORD*, OVERLAPPED*>(
             [this](auto original, auto... rest) { return Refused("ReadFile") ? FALSE : original(rest...); });
         Taking<"LoadLibraryW", HMODULE, const wchar_t*>(nullptr);
-        // Found at run time, what it makes is local memory.
+        // Found at run time; it allocates local memory.
         Hook<"GetProcAddress", FARPROC, HMODULE, const char*>(
             [this](auto original, HMODULE module, const char* name) {
                 const FARPROC found = original(module, name);
@@ -101,12 +101,12 @@ public:
         Giving<"CloseHandle", BOOL, HANDLE>();
     }
 
-    // The function that was refused first; empty when nothing was.
+    // The first function that was made to fail; empty if none was.
     const std::string& RefusedName() const { return refused_; }
-    // What has been taken and not been given back.
+    // What was acquired and not released.
     std::size_t Live() const { return live_.size(); }
-    // The most bytes that its heap blocks and DIB sections had at one time. What the system takes on its own
-    // during a call is not in it.
+    // The peak size of its heap blocks and DIB sections. What the system itself allocates during a call is
+    // not included.
     std::size_t PeakBytes() const { return peakBytes_; }
 
 private:
@@ -125,14 +125,14 @@ private:
             return taken == refusal ? taken : Keep(taken);
         });
     }
-    // The product of its arguments is the block's size.
+    // The block's size is the product of the arguments.
     template <FunctionName name, class... Sizes>
     void Allocating() {
         Hook<name, void*, Sizes...>([this](auto original, Sizes... sizes) {
             return Keep(Refused(name.text, (sizes * ...)) ? nullptr : original(sizes...), (sizes * ...));
         });
     }
-    // Counts the key that a function stores through its last argument of that kind.
+    // Counts the key that a function stores through its last argument of this type.
     template <FunctionName name, class... Arguments>
     void Opening() {
         Hook<name, LSTATUS, Arguments...>([this](auto original, Arguments... arguments) {
@@ -149,7 +149,7 @@ private:
         converting_->Keep(*descriptor);
         return TRUE;
     }
-    // The functions that give back name the thing last.
+    // The releasing functions take the resource as their last argument.
     template <FunctionName name, class Result, class... Arguments>
     void Giving() {
         Hook<name, Result, Arguments...>([this](auto original, Arguments... arguments) {
@@ -178,7 +178,7 @@ private:
         }
         return thing;
     }
-    // Things from before the watch began go uncounted.
+    // Resources from before the watch are not counted.
     void Forget(void* thing) {
         if (const auto known = live_.extract(thing))
             bytes_ -= known.mapped();

@@ -1,4 +1,4 @@
-// A file in the temporary folder that nobody may keep open.
+// A temporary file that nobody may keep open.
 #pragma once
 
 #include "tests/builder/ZmiBuilder.h"

@@ -6,22 +6,22 @@
 namespace vantrel::tests {
 namespace {
 
-// How many of the things that the library took stay with the host.
+// How many of the acquired resources belong to the host afterwards.
 std::size_t HandedOut(const Answer& answer) {
     return answer.pictures.size() + (answer.text.starts_with(L"bstr:") ? 1 : 0);
 }
 
-// Whether a request may answer that when that function was refused.
+// Whether a request may return this result if that function failed.
 bool IsFair(const Request& request, const std::string& refused, const Answer& answer, const Answer& whole) {
     const bool memory = refused.ends_with("alloc"); // of any kind
-    // A text without storage is an empty one, and a picture without its background is a picture.
+    // A text without storage counts as empty, and a picture without its background is still a picture.
     if (answer.result == S_OK)
         return (memory && (answer == whole || answer.text == L"bstr:" || answer.text == L"bstr null")) ||
                refused == "CreateSolidBrush";
     return answer.result == (memory || refused == "SysAllocString" ? E_OUTOFMEMORY : request.failure);
 }
 
-// Refuses every taking in turn until a run meets no refusal.
+// Makes each acquisition in turn fail, until a run has no failure.
 void Starve(const Request& request) {
     SCOPED_TRACE(request.name);
     const Answer whole = request.ask();

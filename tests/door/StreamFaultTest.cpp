@@ -37,7 +37,7 @@ TEST(BrokenStream, FailsEveryRequestAtEveryCall) {
 }
 
 TEST(BrokenStream, NeedsToGiveNoMoreThanIsRead) {
-    // The gap behind the header is not read, and header and payload are reads of their own.
+    // The gap after the header is not read, and header and payload are separate reads.
     const ZmiBuilder gap{.frames = {{8, 8}}, .gap = 300}, blank{};
     TestStream broken(gap.Build()), sluggish(blank.Build());
     broken.LimitReads(1000, file_header::size, gap.PayloadAt());

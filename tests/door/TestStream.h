@@ -1,4 +1,4 @@
-// A stream in memory that counts its calls and references and, on demand, breaks its promises.
+// A stream in memory that counts its calls and references and can be made to misbehave.
 #pragma once
 
 #include <windows.h>
@@ -20,17 +20,17 @@ enum class StreamFault {
     None,
     Fails,        // with E_FAIL
     ReadsShort,   // one byte too few, with S_OK
-    ReadsNothing, // from that call on for ever, with S_OK
+    ReadsNothing, // from that call on, with S_OK
     ReadsTooMuch, // reports one byte more than was asked for
-    Moves,        // reads rightly, then the position is somewhere else
+    Moves,        // reads correctly, then the position is somewhere else
 };
 
-// Lives where its test puts it; what is left of References() after a test is the test's own one.
+// Not heap-allocated; after a test, References() must be 1, the test's own.
 class TestStream final : public IStream {
 public:
     explicit TestStream(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
 
-    // The call of that number, Stat, Seek and Read counted together from 1, meets the fault.
+    // The call with this number (Stat, Seek and Read counted together from 1) is faulty.
     void BreakAt(unsigned call, StreamFault fault) {
         calls_ = 0;
         hasLied_ = false;
@@ -38,15 +38,15 @@ public:
         fault_ = fault;
     }
     void ClaimSize(std::uint64_t size) { claimedSize_ = size; }
-    // No call may give more bytes, and none of those from begin to end.
+    // No call may read more bytes, nor any of those from begin to end.
     void LimitReads(ULONG most, std::uint64_t begin = 0, std::uint64_t end = 0) {
         mostBytes_ = most;
         forbidden_ = {begin, end};
     }
-    // Answers every question for an interface with that.
+    // Returns this from every QueryInterface.
     void RefuseInterfaces(HRESULT refusal) { refusal_ = refusal; }
 
-    // Whether the fault has told its caller anything wrong: a Seek has no bytes to fall short of.
+    // Whether the fault had any effect: a Seek, for example, can't read short.
     bool HasLied() const { return hasLied_; }
     unsigned Calls() const { return calls_; }
     std::uint64_t BytesAsked() const { return bytesAsked_; }
@@ -133,7 +133,7 @@ private:
     }
 
     std::vector<std::uint8_t> bytes_;
-    std::uint64_t position_ = 3; // a host need not hand a stream over at its beginning
+    std::uint64_t position_ = 3; // a host may pass a stream that is not at its start
     std::optional<std::uint64_t> claimedSize_;
     ULONG mostBytes_ = ~ULONG{0};
     std::pair<std::uint64_t, std::uint64_t> forbidden_{};

@@ -1,4 +1,4 @@
-// The shipped library as a host meets it: loaded from the test program's folder, its exports, its objects.
+// The shipped library as a host sees it: loaded from the test program's folder, its exports, its objects.
 #pragma once
 
 #include <windows.h>
@@ -50,7 +50,7 @@ inline HRESULT CallExport(const char* name) {
     return Export<HRESULT(STDAPICALLTYPE*)()>(name)();
 }
 
-// Null, and a failure of the running test, when any step of it fails.
+// Null, and a failure of the running test, if any step fails.
 template <class Interface>
 ComPtr<Interface> Create(REFCLSID classId, REFIID iid) {
     ComPtr<IClassFactory> factory;

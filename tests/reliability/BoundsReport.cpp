@@ -1,4 +1,4 @@
-// bounds_report: what each kind of request costs for hostile files, against the bound on memory.
+// bounds_report: what each kind of request costs for hostile files, compared with the bound on memory.
 #include "tests/door/Requests.h"
 #include "tests/door/ResourceWatch.h"
 #include "tests/reliability/HostileFile.h"
@@ -66,7 +66,7 @@ std::vector<Row> Rows() {
     return rows;
 }
 
-// The whole request as a host makes it: object, file, call, release.
+// The complete request as a host makes it: object, file, call, release.
 Answer Perform(Kind kind, UINT width, UINT height, const wchar_t* path) {
     ComPtr<IStream> stream;
     if (kind == Kind::Properties || kind == Kind::Thumbnail)
@@ -90,7 +90,7 @@ Answer Perform(Kind kind, UINT width, UINT height, const wchar_t* path) {
     }
 }
 
-// Facts: 4 MiB. Pictures: besides, frame 0's surface, if there can be one, and the result.
+// Facts: 4 MiB. Pictures: plus frame 0's surface, if there can be one, plus the result.
 std::int64_t Bound(const Row& row, std::int64_t resultBytes) {
     const HostileFile& file = row.file;
     if (!row.Paints() || !file.loads)
@@ -105,10 +105,10 @@ PROCESS_MEMORY_COUNTERS Memory() {
     return counters;
 }
 
-// Prints one line of the table. In a process of its own: the system's peak can't be taken back.
+// Prints one line of the table. In its own process, since the peak can't be reset.
 int Measure(const Row& row, const wchar_t* path) {
     {
-        // The system's own first-time costs are not the request's.
+        // One-time costs of the system don't count.
         const ResourceWatch watch;
         Perform(row.kind, 8, 8, (std::wstring(path) + L"-small").c_str());
         if (watch.PeakBytes() == 0)
@@ -125,7 +125,7 @@ int Measure(const Row& row, const wchar_t* path) {
     for (const Picture& picture : answer.pictures) // an icon has a mask besides its colours
         bytes += (row.kind == Kind::Icons ? 8 : 4) * static_cast<std::int64_t>(picture.words.size());
     const std::int64_t bound = Bound(row, bytes);
-    // Wine's StretchBlt, when it enlarges, makes a copy of the result for itself; this program makes one
+    // Wine's StretchBlt makes its own copy of the result when it enlarges; this program makes another one
     // later.
     const bool exceeded = held >= bound || seen >= bound + bytes;
     const bool wrong = (answer.result == S_OK) != row.succeeds;
@@ -165,8 +165,8 @@ int Report(const wchar_t* program) {
 } // namespace
 } // namespace vantrel::tests
 
-// Without arguments the whole table; two are what its own child processes get. 1 when a bound is broken, an
-// answer wrong or something could not be measured, which a child says with 2.
+// Without arguments the whole table; child processes get two. Returns 1 if a bound is exceeded, an answer is
+// wrong or something could not be measured; a child returns 2 for the latter.
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tests;
     if (count < 3) {

@@ -32,7 +32,7 @@ std::uint64_t Write(const HostileFile& file, const std::wstring& path) {
     const UniqueKernelHandle handle(
         CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     DWORD done = 0;
-    // Wine refuses, and leaves holes without being told.
+    // Fails under Wine, which leaves holes anyway.
     DeviceIoControl(handle.get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
     const auto write = [&](std::uint64_t offset, const void* data, std::size_t size) {
         LARGE_INTEGER distance;

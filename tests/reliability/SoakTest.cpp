@@ -9,7 +9,7 @@
 namespace vantrel::tests {
 namespace {
 
-// Now and then the system opens some for itself; a leak in the soak would show by the thousand.
+// The system occasionally opens some itself; a leak in the soak would show in the thousands.
 constexpr double handleSlack = 8;
 
 // How many GDI objects can still be made: counts them exactly where GetGuiResources says nothing.
@@ -20,7 +20,7 @@ std::size_t FreeGdiHandles() {
     return brushes.size();
 }
 
-// Asks each value whether it is a handle, for under Wine GetProcessHandleCount answers 0.
+// Tests every possible value, since under Wine GetProcessHandleCount returns 0.
 std::size_t OpenHandles() {
     std::size_t count = 0;
     for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
@@ -43,7 +43,7 @@ struct Usage {
     SIZE_T bytes = PrivateBytes();
 };
 
-// A picture, one that loads and can't be painted, one whose pixels are missing, and half a file.
+// A picture, one that loads but can't be painted, one whose pixels are missing, and half a file.
 std::vector<Bytes> Files() {
     const Bytes picture = ZmiBuilder{.mode = 2, .frames = {{8, 8}}}.Build();
     Bytes missing = picture;
@@ -53,7 +53,7 @@ std::vector<Bytes> Files() {
             Bytes(picture.begin(), picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2))};
 }
 
-// One object of each class, made and asked everything.
+// One object of each class, created and asked for everything.
 std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
     std::vector<Answer> answers;
     for (const auto& requests : {StreamRequests(stream, 8), PathRequests(path, 8)})
@@ -111,7 +111,7 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
                 after.bytes, before.handles, after.handles, before.freeGdi);
 }
 
-// How many slots of one kind the process can still take.
+// How many slots of one kind the process can still allocate.
 std::size_t FreeSlots(DWORD (*take)(), BOOL (*give)(DWORD)) {
     std::vector<DWORD> slots;
     for (DWORD slot = take(); slot != TLS_OUT_OF_INDEXES; slot = take())
@@ -126,8 +126,8 @@ std::size_t FreeSlots() {
            FreeSlots([] { return FlsAlloc(nullptr); }, [](DWORD slot) { return FlsFree(slot); });
 }
 
-// A picture and a file at which the library throws, on this thread and on one that ends before the library
-// goes.
+// A picture and a file that makes the library throw, on this thread and on one that ends before the library
+// is unloaded.
 void UseAndUnload(const std::wstring& path) {
     const HMODULE module = LoadLibraryW(path.c_str());
     const auto use = [=](const ZmiBuilder& file, HRESULT expected) {
@@ -153,7 +153,7 @@ void UseAndUnload(const std::wstring& path) {
 }
 
 TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
-    // Another copy than the one that the rest of this program keeps loaded.
+    // A separate copy, since the rest of this program keeps the library loaded.
     wchar_t folder[MAX_PATH];
     GetTempPathW(MAX_PATH, folder);
     const std::wstring copy = folder + (L"soak-" + std::to_wstring(GetCurrentProcessId()) + L".dll");

@@ -5,7 +5,7 @@
 
 namespace vantrel::tests {
 
-// No handler names both.
+// No handler passes both.
 TEST(RenderImage, AStreamComesBeforeAPath) {
     const ScratchFile scratch(ZmiBuilder{.frames = {{3, 4}}}.Build());
     TestStream stream(ZmiBuilder{.frames = {{5, 6}}}.Build());

@@ -11,7 +11,7 @@ namespace {
 constexpr COLORREF key = RGB(255, 128, 0);
 constexpr std::uint32_t keyWord = 0xFF8000;
 
-// A DIB surface, black with alpha 0x55, the value that no operation leaves behind.
+// A DIB surface, black with alpha 0x55, which no operation produces.
 struct TestSurface : BitmapSurface {
     TestSurface(unsigned width, unsigned height) {
         EXPECT_TRUE(Create(width, height, BitmapKind::Dib));
@@ -58,7 +58,7 @@ TEST(BitmapSurface, StretchTakesTheDestinationsSizeForZero) {
 TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
     const struct {
         std::uint32_t x, y, width, height;
-        std::string opaque; // of the key colour, from the top left on: x marks what stays visible
+        std::string opaque; // pixels of the key colour, from the top left: x marks those that stay visible
     } cases[] = {{0, 0, 4, 1, "........xxxx"},
                  {1, 1, 2, 2, ".xx..xx....."},
                  {2, 1, 0xFFFFFFFF, 0xFFFFFFFF, "..xx..xx...."},

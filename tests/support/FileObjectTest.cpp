@@ -36,7 +36,7 @@ TEST(FileObject, ReadsExactlyOrFails) {
     EXPECT_EQ(file.handle(), nullptr);
 }
 
-// A driver that refuses what is longer than a MiB, and breaks down at a call.
+// A driver that refuses reads longer than 1 MiB, and fails at a given call.
 TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
     Bytes content(2'500'000);
     for (std::size_t i = 0; i < content.size(); ++i)
@@ -65,9 +65,9 @@ TEST(FileObject, SeeksAndMeasuresBeyondFourGiB) {
     const ScratchFile scratch({}, L".txt");
     FileObject file;
     ASSERT_TRUE(file.open(scratch.Path(), 5, 0, shareAll));
-    // A low half of ones is a place to seek to and a size that counts as none.
+    // A low half of all ones is a valid position, but a size that counts as a failure.
     for (const auto& [end, size] : {std::pair{0x180000000ll, 0x180000000ull}, {0x1FFFFFFFFll, 0ull}}) {
-        SetLastError(ERROR_INVALID_DATA); // of somebody else
+        SetLastError(ERROR_INVALID_DATA); // set by an earlier call
         ASSERT_TRUE(file.seek(FILE_BEGIN, end));
         ASSERT_TRUE(SetEndOfFile(file.handle()));
         EXPECT_EQ(file.size(), size);
@@ -123,7 +123,7 @@ TEST(FileObject, OpenClosesWhatWasOpen) {
     const ScratchFile scratch(digits, L".txt");
     for (const std::uint32_t mode : {0u, 6u, 0xFFFFFFFFu}) {
         FileObject file, other;
-        ASSERT_TRUE(file.open(scratch.Path(), 0, 0, 0)); // shared with nobody
+        ASSERT_TRUE(file.open(scratch.Path(), 0, 0, 0)); // not shared
         EXPECT_FALSE(other.open(scratch.Path(), 0, 0, shareAll));
         EXPECT_FALSE(file.open(L"Z:\\no\\such\\file.zmi", mode, 0, shareAll)) << mode;
         EXPECT_EQ(file.handle(), nullptr);

@@ -11,7 +11,7 @@
 
 namespace vantrel::tests {
 
-// What registration does with all this is tested through the library's exports; here, what it doesn't show.
+// Registration is tested through the library's exports; this covers what it doesn't exercise.
 TEST(RegistryKey, SaysWhatItCouldNotDo) {
     const std::wstring base = L"Software\\unit-" + std::to_wstring(GetCurrentProcessId());
     const std::wstring tooLong = base + L'\\' + std::wstring(MAX_PATH, L'x');

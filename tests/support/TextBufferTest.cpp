@@ -33,7 +33,7 @@ TEST(TextBuffer, FormatGrowsInSteps) {
 TEST(TextBuffer, FormatGivesUpAtItsLimit) {
     constexpr std::size_t limit = 3145728;
     for (const std::size_t capacity : {limit - 1, limit}) {
-        const std::size_t most = capacity < limit ? capacity + 260 : capacity; // below it, grows once more
+        const std::size_t most = capacity < limit ? capacity + 260 : capacity; // below it, may grow once more
         for (const std::size_t length : {most - 1, most}) {
             TextBuffer text;
             ASSERT_TRUE(text.AssignWide(std::wstring(capacity - 1, L'-').c_str()));

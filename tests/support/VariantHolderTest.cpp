@@ -10,7 +10,7 @@ namespace vantrel::tests {
 
 namespace {
 
-// The VARIANT is all there is in a holder, so that a test can give it a type that no operation makes.
+// A holder consists of just its VARIANT, so a test can give it a type that no operation produces.
 static_assert(std::is_standard_layout_v<VariantHolder> && sizeof(VariantHolder) == sizeof(VARIANT));
 VARIANT& Inside(VariantHolder& holder) {
     return reinterpret_cast<VARIANT&>(holder);
@@ -39,7 +39,7 @@ TEST(VariantHolder, IntegersKeepTheTypesThatCanHoldThem) {
 
 TEST(VariantHolder, DetachHandsTheTextOver) {
     PROPVARIANT text;
-    std::memset(&text, 0xEE, sizeof text); // overwritten, never cleared
+    std::memset(&text, 0xEE, sizeof text); // overwritten, not cleared
     {
         VariantHolder holder;
         holder.AssignText(L"replaced");

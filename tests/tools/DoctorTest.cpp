@@ -9,11 +9,11 @@ using namespace vantrel::tools;
 constexpr wchar_t ours[] = LR"(C:\V\Vantrel64.dll)";
 constexpr wchar_t other[] = LR"(C:\W\Vantrel64.dll)";
 
-// The first class's values of the registration come first: description, server, threading model, binding.
+// The first class's values come first: description, server, threading model, binding.
 enum { description, server, threading, binding };
 enum { thumbnail, extract, icon };
 
-// Registered for the user, and nothing wrong.
+// Registered for the user, with nothing wrong.
 DoctorFacts SoundFacts() {
     DoctorFacts facts;
     for (const RegistrationValue& expected : ExpectedRegistration()) {
@@ -56,7 +56,7 @@ void BreakAll(DoctorFacts& f) {
                {.shown = L"zmi.dat", .width = 1, .height = 1}};
 }
 
-// What is changed in sound facts, and parts of "health text. Fix: fix" of all findings that are not [ok].
+// A change to healthy facts, and parts of "health text. Fix: fix" of all findings that are not [ok].
 const struct {
     void (*change)(DoctorFacts& f);
     std::vector<std::wstring> findings;
@@ -98,12 +98,12 @@ const struct {
       L"fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another "
       L"program",
       LR"(fail the system uses another icon handler for .zmi, {2} of the program Y)",
-      LR"(warn the program Y has an icon of its own, which Explorer may show instead. Fix: if it does, delete )",
+      LR"(warn the program Y has its own icon, which Explorer may show instead. Fix: if it does, delete )",
       LR"(fail Explorer shows icons instead of thumbnails (HKCU\a\IconsOnly). Fix: in Explorer's)",
       L"fail a policy lets only approved shell extensions load",
       LR"(is blocked. Fix: delete the value {5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27} in HKCU\x)",
       L"warn a.zmi: its content is not on this machine", L"warn b.zmi: its content is not on this machine",
-      L"warn c.zmi: empty. Fix: name", L"fail d.zmi: cut. Fix: make the file again",
+      L"warn c.zmi: empty. Fix: name", L"fail d.zmi: cut. Fix: recreate the file",
       L"warn e.zmi: 5 x 241 pixels is too thin for thumbnails smaller than 49 pixels. Fix: crop",
       L"fail f.zmi: 257 x 1 pixels is too thin for thumbnails smaller than 257 pixels",
       L"warn zmi.dat: the Shell goes by the extension"}},
@@ -174,7 +174,8 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     Write(L"thin.zmi", ZmiBuilder{.frames = {{300, 1}}}.Build());
     std::filesystem::create_directory(folder_ / L"empty");
 
-    // In this process the two hives are keys that vanish with the test; COM and the Shell see the real ones.
+    // In this process the two hives are keys that are deleted with the test; COM and the Shell see the real
+    // ones.
     constexpr wchar_t scratch[] = LR"(Software\Vantrel doctor test)";
     HKEY user = nullptr;
     HKEY machine = nullptr;
@@ -214,10 +215,9 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     for (const wchar_t* part :
          {L"[QuickTip] is of the wrong type", L"hides 1 of the machine's values",
           L"fail shell32.dll, registered for Vantrel Thumbnail Provider, is another library",
-          L"the program Y has an icon of its own", L"fail a policy turns thumbnails off (HKLM",
-          L"Icon is blocked", L"empty: the folder holds no .zmi file",
-          L"mode3.zmi: frame 1 is in pixel mode 3",
-          L"frameless.zmi: the frame table at offset 167 holds no frame", L"300 x 1 pixels is too thin"})
+          L"the program Y has its own icon", L"fail a policy turns thumbnails off (HKLM", L"Icon is blocked",
+          L"empty: the folder contains no .zmi files", L"mode3.zmi: frame 1 is in pixel mode 3",
+          L"frameless.zmi: the frame table at offset 167 contains no frames", L"300 x 1 pixels is too thin"})
         EXPECT_TRUE(told.find(part) != std::wstring::npos) << testing::PrintToString(part);
 
     const ToolRun run = Run(Beside(L"zmi-preview.exe"), {L"--doctor", L"none.zmi"});

@@ -1,5 +1,5 @@
-// Presses Ctrl+C in another process's console. A process of its own, since whoever changes consoles is silent
-// afterwards.
+// Sends Ctrl+C to another process's console. A separate program, since a process that changes consoles loses
+// its output.
 #include <windows.h>
 
 #include <cwchar>

@@ -10,7 +10,7 @@ std::uint32_t Header(const Bytes& file, Field field) {
     return GetField(file, file_header::size, field);
 }
 
-// The values that stand for the pixels of a frame, row after row; not for black and white.
+// The pixel values of a frame, row by row; not for black and white.
 struct Frame {
     Frame(const Bytes& file, std::size_t index) {
         std::size_t at =
@@ -31,7 +31,7 @@ struct Frame {
     std::vector<std::uint32_t> values;
 };
 
-// Numbers in one byte order behind each other.
+// A sequence of numbers in one byte order.
 struct Numbers {
     bool bigEndian = false;
     std::string text;
@@ -52,7 +52,7 @@ std::string Tiff(bool bigEndian, const std::vector<std::pair<std::uint32_t, std:
     return tiff.Add(0, 4).text;
 }
 
-// 24 x 16 pixels, dark to light: a b b over c d d, of 8 x 8 each.
+// 24 x 16 pixels, dark to light: a b b over c d d, 8 x 8 each.
 std::string Jpeg(const std::string& exif) {
     return "\xFF\xD8"s + Numbers{true, "\xFF\xE1"}.Add(static_cast<std::uint32_t>(exif.size() + 8), 2).text +
            "Exif\0\0"s + exif + "\xFF\xDB\0\x43\0"s + std::string(64, '\x80') +
@@ -81,7 +81,7 @@ std::string Gif(unsigned width, unsigned height, const std::vector<GifLayer>& la
             .Add(layer.x, 2)
             .Add(layer.y, 2);
         gif.Add(columns, 2).Add(rows, 2).Add(0x0200, 2);
-        // Three bits a code: a fresh start (4) before every pixel, and the end (5).
+        // Three bits per code: a clear code (4) before every pixel, and the end code (5).
         std::string codes;
         for (const char pixel : layer.rows)
             if (pixel != '/')
@@ -102,7 +102,8 @@ protected:
         Write(name, Bytes(text.begin(), text.end()));
     }
 
-    // A bitmap file of 0xRRGGBB colours from the top left: one for each pixel, or a mixture of them.
+    // A bitmap file of 0xRRGGBB colours from the top left: one for each pixel, or a pseudo-random mix of
+    // them.
     void WriteBitmap(const std::wstring& name, std::uint32_t width, std::uint32_t height,
                      const std::vector<std::uint32_t>& colours) const {
         constexpr std::size_t headers = 54;
@@ -259,13 +260,13 @@ TEST_F(PackTest, MarksAndFillsTheTransparentColour) {
     EXPECT_EQ(0x28u, Header(indexed, image_header::flags));
     EXPECT_EQ(0xF81Fu, GetField(indexed, Header(indexed, image_header::paletteOffset) + 2 * key, {0, 2}));
     EXPECT_EQ(key, Frame(indexed, 0).values[0]);
-    // What is almost the key stays almost so, and opaque.
+    // A colour close to the key stays close to it, and opaque.
     EXPECT_EQ(0xF83Fu, Frame(direct, 0).values[3]);
     const std::uint32_t twin = Frame(indexed, 0).values[3];
     EXPECT_NE(key, twin);
     EXPECT_EQ(0xF81Fu, GetField(indexed, Header(indexed, image_header::paletteOffset) + 2 * twin, {0, 2}));
 
-    // A wide picture's icon is transparent at its top.
+    // A wide picture's icon is transparent at the top.
     Preview({L"a.zmi"}).Ended(0);
     Pack({L"--transparent", L"00ff00", L"a-icon-32.png", L"green.zmi"}).Ended(0);
     Pack({L"a-icon-32.png", L"white.zmi"}).Ended(0);
@@ -321,17 +322,17 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
         const wchar_t* output = L"old.zmi";
     } cases[] = {
         {{L"none ü図.bmp"}, 1, "none ü図.bmp: "},
-        {{L"old.zmi"}, 2, "old.zmi: this is one of the files to read"},
-        {{L"folder.zmi"}, 1, "folder.zmi: the folder holds no pictures"},
-        {{L"*.png"}, 1, "*.png: no file has such a name"},
+        {{L"old.zmi"}, 2, "old.zmi: this is one of the input files"},
+        {{L"folder.zmi"}, 1, "folder.zmi: the folder contains no pictures"},
+        {{L"*.png"}, 1, "*.png: no such file"},
         {{L"p.bmp", L"cut.bmp"}, 1, "pack: cut.bmp: cannot be read: the picture is damaged or cut short"},
         {{L"p.bmp"}, 1, "folder.zmi: ", L"folder.zmi"},
         {{L"p.bmp"}, 1, "p.bmp/new.zmi: ", L"p.bmp/new.zmi"},
         {{}, 2, "no input given for old.zmi"},
-        {{}, 2, "ends in .zmi, not \"p.bmp\"", L"p.bmp"},
+        {{}, 2, "end in .zmi, not \"p.bmp\"", L"p.bmp"},
         {{L""}, 2, "a file name is empty"},
         {{L"--colour", L"p.bmp"}, 2, "unknown option --colour"},
-        {{L"--mode", L"16", L"p.bmp"}, 2, "--mode is 1, 8 or 565, not \"16\""},
+        {{L"--mode", L"16", L"p.bmp"}, 2, "--mode must be 1, 8 or 565, not \"16\""},
         {{L"--transparent", L"red", L"p.bmp"}, 2, "RRGGBB"},
         {{L"--transparent", L"ff00ff", L"--mode", L"1", L"p.bmp"}, 2, "no meaning with --mode 1"},
         {{L"--title", std::wstring(34, L'x'), L"p.bmp"}, 2, "33 bytes"},

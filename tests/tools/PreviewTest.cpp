@@ -16,7 +16,7 @@ Bytes With(Bytes file, std::size_t base, Field field, std::uint32_t value) {
     return file;
 }
 
-// Folds values into one letter, from the innermost outwards, until nothing but that letter should be left.
+// Replaces values by one letter, from the innermost outwards, until only that letter should be left.
 bool IsJson(std::string text) {
     const std::regex scalar(R"re("([^"\\\x00-\x1f]|\\["\\]|\\u[0-9a-f]{4})*"|\d+|true|false)re");
     const std::regex list(R"(\{v:v(,v:v)*\}|\[\]|\[v(,v)*\])");
@@ -52,7 +52,7 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
         {With(good, payload, image_header::width, 0), "frame 1 is 0 x 20 pixels"},
         {With(frames, payload, image_header::paletteOffset, 1),
          "the colour table of frame 1, 512 bytes at offset 1"},
-        {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "holds no frame"},
+        {With(frames, several.FrameTableAt(), frame_table::frameCount, 0), "contains no frames"},
         {With(frames, several.RecordAt(1), frame_record::dataOffset, 99999),
          "the pixels of frame 2, 9 bytes at offset 99,999"},
     };
@@ -90,10 +90,10 @@ TEST_F(PreviewTest, WritesJsonThatParsesInEveryCase) {
           R"("request": "dimensions", "ok": true, "result": "30 x 20", "width": 30, "height": 20})",
           R"("request": "bit depth", "ok": true, "result": 16})", R"(Z"})",
           R"("handler": "icon", "request": "16", "ok": true)",
-          R"("file": "folder", "ok": false, "reason": "folder: the folder holds no .zmi file", "results": [])",
+          R"("file": "folder", "ok": false, "reason": "folder: the folder contains no .zmi files", "results": [])",
           R"("file": "bad.zmi", "ok": false, "reason": "no picture: the file has 1 bytes)",
           R"("hresult": "0x80004005"})", R"(]}], "sheet": "page.png", "ok": false})"}},
-        {{L"folder"}, 1, "no .zmi file", {R"("results": []}], "ok": false})"}},
+        {{L"folder"}, 1, "no .zmi files", {R"("results": []}], "ok": false})"}},
         {{}, 2, "no file given", {R"({"ok": false, "error": "no file given)"}},
     };
     for (auto [arguments, exitCode, words, parts] : cases) {
@@ -113,7 +113,7 @@ TEST_F(PreviewTest, KeepsItsPicturesApartAndGoesOnWhenOneFails) {
     const ToolRun run =
         Preview({L"--sizes", L"32", L"--out", L"out", L"--sheet", L"out\\a-icon-16.png", L"a*.zmi", L"out"});
     run.Ended(1, "a-icon.zmi: thumbnail 32: out\\a-icon-32.png: this is a folder");
-    // No line of its own for the second one in a title.
+    // A line break in a title must not start a new line.
     EXPECT_TRUE(Contains(run.out, "a \"b\\c<U+001B><U+000A>\n")) << run.out;
     std::set<std::string> names;
     const std::regex arrow(R"(-> (.+))");
@@ -137,11 +137,11 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
         {{L"--doctor", L"--sheet", L"page.png"}, 2, "--doctor writes no pictures"},
         {{L"--sheet=page.png", L"--sizes=9", L"good.zmi"}, 0, "the sheet chooses"},
         {{L"--dll", L"none.dll", L"good.zmi"}, 1, "none.dll"},
-        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: a file stands where"},
-        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; one"},
+        {{L"--out", L"good.zmi", L"good.zmi"}, 1, "good-256.png: there is a file where"},
+        {{L"--sheet", L"--good.zmi"}, 2, "--sheet needs a value; write one"},
         {{L"--sheet=--good.zmi", L"good.zmi"}, 2, "must end in .png"},
-        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this exists and is not a PNG file"},
-        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the files to read"},
+        {{L"--sheet", L"text.png", L"good.zmi"}, 2, "text.png: this already exists and is not a PNG file"},
+        {{L"--sheet", L"GOOD.png", L"good.png"}, 2, "GOOD.png: this is one of the input files"},
         {{L"--", L"--good.zmi"}, 0, ""},
     };
     Write(L"good.zmi", single.Build());
@@ -155,18 +155,18 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
     }
 }
 
-// Harder on Windows, where such a path must be in a form of its own; Wine takes any.
+// More demanding on Windows, where such a path needs a special form; Wine takes any.
 TEST_F(PreviewTest, TakesLongPaths) {
     const std::wstring half(115, L'ü');
     const std::wstring folder = half + L"\\" + half;
     Pack({L"--blank", folder + L"\\p 図.zmi"}).Ended(0);
     const ToolRun run =
         Preview({L"--sizes", L"16", L"--out", folder, L"--sheet", folder + L"\\s.png", folder});
-    // Not that all went well: the structures of columns are too old to hold such a path.
+    // The exit code is not 0, since column structures can't hold such a path.
     EXPECT_TRUE(Contains(run.out, "p 図.zmi  thumbnail   16  ")) << run.err << run.out;
     EXPECT_FALSE(Read(folder + L"\\s.png").empty());
     Pack({folder + L"\\p 図-16.png", L"again.zmi"}).Ended(0);
-    // The standard library removes nothing that lies so deep.
+    // The standard library can't remove such long paths.
     EXPECT_TRUE(MoveFileW(LongPath(folder).c_str(), LongPath(L"rest").c_str())) << GetLastError();
 }
 
@@ -178,7 +178,7 @@ TEST_F(PreviewTest, DrawsASheetAndKeepsProgressOutOfPipes) {
     run.Ended(0);
     EXPECT_TRUE(run.out.ends_with("sheet -> page.png\n")) << run.out;
     EXPECT_EQ("", run.err);
-    EXPECT_EQ(4, FileCount()) << "single pictures are for --out alone";
+    EXPECT_EQ(4, FileCount()) << "separate pictures only with --out";
     const Bytes png = Read(L"page.png");
     ASSERT_LT(24u, png.size());
     EXPECT_EQ("PNG", std::string(png.begin() + 1, png.begin() + 4));

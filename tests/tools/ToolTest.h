@@ -1,4 +1,4 @@
-// The tools beside the test program, run as their users run them in a scratch folder.
+// Runs the tools next to the test program as users do, in a scratch folder.
 #pragma once
 
 #include "tests/builder/ZmiBuilder.h"
@@ -26,7 +26,7 @@ struct ToolRun {
     std::string out;
     std::string err;
 
-    // Fails the running test unless the program ended with this code and said these words on stderr.
+    // Fails the running test unless the program exited with this code and printed these words on stderr.
     void Ended(DWORD expected, const std::string& words = "") const {
         EXPECT_EQ(expected, exitCode) << out << err;
         EXPECT_TRUE(Contains(err, words)) << words << "\n not in \n" << err;
@@ -37,10 +37,10 @@ class ToolTest : public testing::Test {
 protected:
     ToolTest() {
         std::filesystem::create_directories(folder_);
-        // Wine makes a desktop for who needs one, in a second, and drops it with its last user: hold it.
+        // Wine creates a desktop on demand, which takes a second, and drops it with its last user: keep it.
         GetDesktopWindow();
     }
-    // A tool's console host outlives it by some milliseconds, and the folder is its current one.
+    // A tool's console host outlives it by some milliseconds, and has this as its current folder.
     ~ToolTest() override {
         std::error_code error;
         for (int i = 0; i < 100 && (std::filesystem::remove_all(folder_, error), error); ++i)
@@ -54,7 +54,7 @@ protected:
         return std::filesystem::path(path).replace_filename(name).wstring();
     }
 
-    // Runs a program to its end; whileItRuns is called with its process identifier.
+    // Runs a program until it exits; whileItRuns is called with its process identifier.
     ToolRun Run(const std::wstring& program, const Arguments& arguments, DWORD flags = 0,
                 const std::function<void(DWORD)>& whileItRuns = {}) const {
         std::wstring command = L'"' + program + L'"';
@@ -79,7 +79,7 @@ protected:
         CloseHandle(writing[1]);
         if (whileItRuns)
             whileItRuns(process.dwProcessId);
-        // One after the other: what goes to stderr fits into its pipe.
+        // One after the other: stderr's output fits into its pipe.
         ToolRun run;
         for (const auto& [pipe, text] : {std::pair(reading[0], &run.out), std::pair(reading[1], &run.err)}) {
             char buffer[4096];
@@ -96,7 +96,7 @@ protected:
     ToolRun Pack(const Arguments& arguments) const { return Run(Beside(L"zmi-pack.exe"), arguments); }
     ToolRun Unpack(const Arguments& arguments) const { return Run(Beside(L"zmi-unpack.exe"), arguments); }
 
-    // With the library beside the programs, registered or not.
+    // With the library next to the programs, registered or not.
     ToolRun Preview(Arguments arguments) const {
         arguments.insert(arguments.begin(), {L"--dll", Beside(L"Vantrel64.dll")});
         return Run(Beside(L"zmi-preview.exe"), arguments);
@@ -107,12 +107,12 @@ protected:
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
 
-    // In a form that may have more than 260 characters.
+    // In a form that allows more than 260 characters.
     std::filesystem::path LongPath(const std::wstring& name) const {
         return LR"(\\?\)" + (folder_ / name).wstring();
     }
 
-    // Nothing when there is no such file.
+    // Empty if there is no such file.
     Bytes Read(const std::wstring& name) const {
         std::ifstream file(LongPath(name), std::ios::binary);
         return Bytes(std::istreambuf_iterator<char>(file), {});
@@ -123,7 +123,7 @@ protected:
                              std::filesystem::directory_iterator());
     }
 
-    // No code page of one byte has all of its characters.
+    // No single-byte code page has all of these characters.
     const std::filesystem::path folder_ =
         std::filesystem::temp_directory_path() / (L"tool ä図 " + std::to_wstring(GetCurrentProcessId()));
 };

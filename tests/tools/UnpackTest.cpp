@@ -7,7 +7,7 @@ using UnpackTest = ToolTest;
 
 constexpr std::uint32_t green = 0x07E0;
 
-// Each pixel of a ZMI file in 16-bit colour is the builder's, or green where it is transparent.
+// Each pixel of a ZMI file in 16-bit colour is the builder's, or green if it is transparent.
 void ExpectPixels(const ZmiBuilder& made, const Bytes& file) {
     const std::size_t table = GetField(file, file_header::size, image_header::pixelOffset);
     const Bytes from = made.Build();
@@ -34,7 +34,7 @@ TEST_F(UnpackTest, GivesBackEveryPixelOfEveryFrame) {
     for (const auto& [mode, packMode] : {std::pair(0u, L"1"), {1u, L"8"}, {2u, L"565"}}) {
         SCOPED_TRACE(mode);
         ZmiBuilder made{.mode = mode, .frames = {{9, 5}, {1, 17}, {12, 3}}, .transparentKey = 7};
-        // The transparent colour of some pixels, and a table of its own.
+        // A transparent colour that some pixels have, and its own table.
         made.frames[2].palette = mode == 1 ? std::optional(PatternColours(5)) : std::nullopt;
         const Bytes plain = made.Build();
         for (std::size_t i = 0; i < names.size() && mode != 0; ++i)
@@ -44,7 +44,7 @@ TEST_F(UnpackTest, GivesBackEveryPixelOfEveryFrame) {
         Pack({L"--transparent", L"00ff00", names[0], names[1], names[2], L"direct.zmi"}).Ended(0);
         ExpectPixels(made, Read(L"direct.zmi"));
 
-        // What this mode can hold comes back as it is, from a GIF, too.
+        // What this mode can represent comes back unchanged, from a GIF as well.
         Arguments pack = {L"--mode", packMode, L"--transparent", L"00ff00", names[0], L"a.zmi"};
         if (mode == 0)
             pack.erase(pack.begin() + 2, pack.begin() + 4);
@@ -74,7 +74,7 @@ TEST_F(UnpackTest, SaysWhichFramesAreBrokenAndWritesTheOthers) {
         EXPECT_TRUE(Contains(run.err, words)) << run.err;
     EXPECT_TRUE(Contains(run.out, "a.zmi -> new/out/a-001.png ... new/out/a-004.png")) << run.out;
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(folder_ / L"new/out"), {}));
-    // Behind the header, with the title in UTF-8 and nothing in it that a terminal would obey.
+    // After the header, with the title in UTF-8 and nothing in it that a terminal would interpret.
     const Bytes bytes = Read(LR"(new\out\a-001.png)");
     const std::string png(bytes.begin(), bytes.end());
     EXPECT_EQ(37u, png.find("iTXtTitle"));
@@ -93,19 +93,19 @@ TEST_F(UnpackTest, NeverWritesOneResultOverAnotherOrOverAnInput) {
         Write(name, bytes);
     Unpack({L"a.zmi", L"A-001.zmi"}).Ended(0);
     EXPECT_EQ(6, FileCount()); // "A-001 (2).png" among them
-    Unpack({L"--gif", L"in.gif", L"--force", L"in.gif"}).Ended(2, "one of the files to read");
+    Unpack({L"--gif", L"in.gif", L"--force", L"in.gif"}).Ended(2, "one of the input files");
     EXPECT_EQ(one, Read(L"in.gif"));
     const std::pair<Arguments, const char*> usages[] = {
-        {{L"--frames", L"2-1", L"a.zmi"}, "--frames wants a whole number from 2 to 65535, not \"1\""},
+        {{L"--frames", L"2-1", L"a.zmi"}, "--frames needs a whole number from 2 to 65535, not \"1\""},
         {{L"--frames", L"1,", L"a.zmi"}, "not \"\""},
-        {{L"--delay", L"20", L"a.zmi"}, "--delay wants --gif"},
+        {{L"--delay", L"20", L"a.zmi"}, "--delay needs --gif"},
         {{L"--info", L"--gif", L"b.gif", L"a.zmi"}, "--info writes no pictures"},
         {{}, "no file given"},
     };
     for (const auto& [arguments, words] : usages)
         Unpack(arguments).Ended(2, words);
     Unpack({L"--frames", L"2-3", L"--gif", L"b.gif", L"a.zmi"}).Ended(1, "there is no frame 3");
-    EXPECT_EQ(7, FileCount()); // what there is of the frames makes the animation
+    EXPECT_EQ(7, FileCount()); // the frames that could be read make the animation
 }
 
 } // namespace

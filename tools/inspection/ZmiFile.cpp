@@ -98,7 +98,7 @@ std::wstring ZmiFile::Fault() const {
         return Outside(L"the list of frame records", RecordOffset(0),
                        frames_.Table().frameCount * sizeof(FrameRecord));
     case FileFault::NoFrame:
-        return L"the frame table at offset " + Grouped(image.pixelOffset) + L" holds no frame";
+        return L"the frame table at offset " + Grouped(image.pixelOffset) + L" contains no frames";
     }
     return {};
 }
@@ -118,12 +118,12 @@ std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const
         return Outside(L"the pixels of " + name, frame.record.frameDataOffset, frame.pixelByteCount);
     case FrameFault::ReservedMode:
         return name + L" is in pixel mode 3, by its flags at offset " + Grouped(flagsOffset) +
-               L", which nothing can show";
+               L", which can't be displayed";
     case FrameFault::NoColourTable:
-        return itsMode + L" wants a colour table, and the file's mode has none";
+        return itsMode + L" needs a colour table, but the file's mode has none";
     case FrameFault::TooFewPixels:
-        return itsMode + L" takes more bytes than the " + Grouped(frame.pixelByteCount) +
-               L" that the file's mode gives it";
+        return itsMode + L" needs more bytes than the " + Grouped(frame.pixelByteCount) +
+               L" that the file's mode provides";
     case FrameFault::Empty:
         return name + L" is " + std::to_wstring(frame.record.width) + L" x " +
                std::to_wstring(frame.record.height) + L" pixels, which leaves nothing to show";
@@ -141,8 +141,7 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
             const auto frame = frames.Frame(i);
             if (!frame)
                 return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
-            // What keeps a file from being loaded counts in any frame, what keeps a picture from being shown
-            // only in the first.
+            // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
             if (i == 0 || frame->fault == FrameFault::ColourTable || frame->fault == FrameFault::Pixels)
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;

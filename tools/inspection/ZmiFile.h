@@ -1,4 +1,4 @@
-// A ZMI file that is looked at frame by frame, and what is wrong with it in words.
+// A ZMI file inspected frame by frame, and what is wrong with it in words.
 #pragma once
 
 #include "codec/FileSource.h"
@@ -13,7 +13,7 @@ namespace vantrel::tools {
 
 class ZmiFile {
 public:
-    // Throws Failure, which says why but not which, for a file that can't be opened; one that is broken can.
+    // Throws Failure, whose message doesn't name the file, if the file can't be opened; a broken file can.
     explicit ZmiFile(const std::filesystem::path& path);
     ZmiFile(const ZmiFile&) = delete;
     ZmiFile& operator=(const ZmiFile&) = delete;
@@ -22,11 +22,11 @@ public:
     const FrameReader& Frames() const { return frames_; }
     std::uint64_t Size() const { return size_; }
     std::wstring Title() const;
-    // The file offset of a frame's record; of the image header without a frame table.
+    // The file offset of a frame's record, or of the image header if there is no frame table.
     std::uint64_t RecordOffset(std::uint16_t index) const;
 
-    // What is wrong with the file as a whole, and with a frame of it, and at which offset; empty when nothing
-    // is. Frames count from 1 in words.
+    // What is wrong with the file as a whole, or with one frame, and at which offset; empty if nothing is.
+    // Messages count frames from 1.
     std::wstring Fault() const;
     std::wstring FaultOf(std::uint16_t index, const FileFrame& frame) const;
 
@@ -40,11 +40,11 @@ private:
     FrameReader frames_;
 };
 
-// Why the Shell shows no picture of the file; nothing when it shows one, whose size in pixels is then stored.
+// Why the Shell shows no picture of the file; nothing if it shows one, whose size in pixels is then stored.
 std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width = nullptr,
                                       unsigned* height = nullptr);
 
-// Digits in groups of three, as sizes and offsets are read best.
+// A number with its digits grouped in threes, for sizes and offsets.
 std::wstring Grouped(std::uint64_t number);
 
 } // namespace vantrel::tools

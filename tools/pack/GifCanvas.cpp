@@ -26,8 +26,7 @@ std::span<const Color> GifCanvas::Show(unsigned index) {
         const std::size_t size = std::size_t{width_} * height_;
         if (size > largestCanvas)
             throw Failure(picture_.Name() + L": its canvas of " + std::to_wstring(width_) + L" x " +
-                          std::to_wstring(height_) +
-                          L" pixels is too large to lay its frames over each other");
+                          std::to_wstring(height_) + L" pixels is too large to compose its frames");
         pixels_.assign(size, Color{});
         shown_ = 0;
         disposal_ = 0;

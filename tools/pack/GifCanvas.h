@@ -1,4 +1,4 @@
-// The canvas on which the frames of a GIF picture are laid over each other.
+// The canvas on which the frames of a GIF picture are composed.
 #pragma once
 
 #include "tools/pack/WicPicture.h"
@@ -9,8 +9,9 @@
 
 namespace vantrel::tools {
 
-// Shows what browsers show: the canvas starts out transparent and is cleared to that, whatever background the
-// file names; it is as large as the first frame needs at least, and what sticks out of it later is cut off.
+// Shows what browsers show: the canvas starts out transparent and is cleared to transparent, whatever
+// background the file specifies; it is at least as large as the first frame needs, and later frames are
+// clipped to it.
 class GifCanvas {
 public:
     // The picture must outlive the canvas. Throws Failure.
@@ -19,12 +20,12 @@ public:
     UINT Width() const { return width_; } // pixels
     UINT Height() const { return height_; }
 
-    // Composes the picture up to this frame; cheap for the frame after the last. Row after row, valid until
-    // the next call. Throws Failure.
+    // Composes the picture up to this frame; cheap for the frame after the previous one. Rows from top to
+    // bottom, valid until the next call. Throws Failure.
     std::span<const Color> Show(unsigned index);
 
 private:
-    // What the file wants done with a frame before the next one comes.
+    // What the file wants done with a frame before the next one is drawn.
     enum Disposal : unsigned { clearFrame = 2, restoreWhatWasBeneath = 3 };
 
     void Draw(const WicFrame& frame);
@@ -35,7 +36,7 @@ private:
     const WicPicture& picture_;
     UINT width_;
     UINT height_;
-    std::vector<Color> pixels_; // none until something is shown
+    std::vector<Color> pixels_; // empty until something is shown
     unsigned shown_ = 0;        // frames
     WICRect covered_{};         // by the last one
     unsigned disposal_ = 0;     // of the last one

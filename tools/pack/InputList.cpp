@@ -13,7 +13,8 @@ namespace vantrel::tools {
 
 namespace {
 
-// ".bmp,.dib,.jpg," in lower case: of all decoders that this system has. Wine parts them by semicolons.
+// ".bmp,.dib,.jpg," in lower case: the extensions of all decoders on this system. Wine separates them by
+// semicolons.
 std::wstring DecodableExtensions(IWICImagingFactory& factory) {
     std::wstring all;
     ComPtr<IEnumUnknown> decoders;
@@ -52,8 +53,8 @@ std::vector<std::filesystem::path> ListInputs(IWICImagingFactory& factory,
                 return extension == L"," || known.find(extension) == std::wstring::npos;
             });
         if (found.files.empty())
-            throw Failure(input.wstring() + (found.isFolder ? L": the folder holds no pictures"
-                                                            : L": no file has such a name"));
+            throw Failure(input.wstring() +
+                          (found.isFolder ? L": the folder contains no pictures" : L": no such file"));
         std::ranges::move(found.files, std::back_inserter(inputs));
     }
     return inputs;

@@ -1,4 +1,4 @@
-// From what the user typed to the pictures that are meant: patterns and folders become the files in them.
+// Turns what the user typed into a list of pictures: patterns and folders become the files in them.
 #pragma once
 
 #include <windows.h>
@@ -10,9 +10,9 @@
 
 namespace vantrel::tools {
 
-// A pattern gives the files that match it, a folder those whose extension WIC knows a decoder for; both in
-// the order of the numbers in their names. All else stays as it was typed. Throws Failure when a pattern or
-// folder gives nothing.
+// A pattern gives the files that match it, a folder those whose extension WIC has a decoder for; both in the
+// order of the numbers in their names. Everything else stays as typed. Throws Failure if a pattern or folder
+// gives nothing.
 std::vector<std::filesystem::path> ListInputs(IWICImagingFactory& factory,
                                               const std::vector<std::filesystem::path>& typed);
 

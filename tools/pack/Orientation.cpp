@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::literals;
 
-// The bytes of a TIFF structure. What lies beyond their end reads as 0, which is no valid count or value.
+// The bytes of a TIFF structure. Reading beyond the end gives 0, which is never a valid count or value.
 class TiffBytes {
 public:
     explicit TiffBytes(std::string_view bytes) : bytes_(bytes), bigEndian_(bytes.starts_with("MM")) {}
@@ -67,7 +67,7 @@ Orientation OrientationFromExif(unsigned number) {
 }
 
 unsigned ReadJpegOrientation(const std::filesystem::path& file) {
-    constexpr int mostSegments = 64; // EXIF stands among the first; a hostile file may have millions
+    constexpr int mostSegments = 64; // EXIF is among the first; a hostile file may have millions
     constexpr unsigned char app1 = 0xE1;
     constexpr unsigned char startOfScan = 0xDA;
     constexpr auto exif = "Exif\0\0"sv;

@@ -1,11 +1,11 @@
-// How the rows and columns of a stored picture stand to the picture that one sees.
+// How the rows and columns of a stored picture map to the picture as displayed.
 #pragma once
 
 #include <filesystem>
 
 namespace vantrel::tools {
 
-// The stored pixel is mirrored first, then rows and columns change places.
+// The stored picture is mirrored first, then rows and columns are swapped.
 struct Orientation {
     bool mirroredX = false;
     bool mirroredY = false;
@@ -17,8 +17,8 @@ struct Orientation {
 // EXIF's numbers 1 to 8; any other number is 1, upright.
 Orientation OrientationFromExif(unsigned number);
 
-// What the EXIF block of a JPEG file says; 1 when there is none or it makes no sense. Read here, byte by
-// byte, because Wine's JPEG decoder has no metadata, so that both systems see the same.
+// The orientation from the EXIF block of a JPEG file; 1 if there is none or it is invalid. Parsed here, since
+// Wine's JPEG decoder has no metadata and both systems are to see the same.
 unsigned ReadJpegOrientation(const std::filesystem::path& file);
 
 } // namespace vantrel::tools

@@ -21,7 +21,7 @@ PixelMode ParseMode(const std::wstring& text) {
         return PixelMode::Indexed;
     if (text == L"565")
         return PixelMode::Rgb565;
-    throw UsageError(L"--mode is 1, 8 or 565, not \"" + text + L"\"");
+    throw UsageError(L"--mode must be 1, 8 or 565, not \"" + text + L"\"");
 }
 
 Color ParseColor(const std::wstring& text) {
@@ -34,7 +34,7 @@ Color ParseColor(const std::wstring& text) {
         value = value << 4 | static_cast<std::uint32_t>(place & 15);
     }
     if (!valid)
-        throw UsageError(L"--transparent wants a colour as RRGGBB, ff00ff for example, not \"" + text +
+        throw UsageError(L"--transparent needs a colour as RRGGBB, for example ff00ff, not \"" + text +
                          L"\"");
     return {.blue = static_cast<std::uint8_t>(value),
             .green = static_cast<std::uint8_t>(value >> 8),
@@ -45,7 +45,7 @@ Color ParseColor(const std::wstring& text) {
 std::string ToAnsi(const std::wstring& text) {
     if (text.empty())
         return {};
-    // UTF-8 as the ANSI code page accepts neither this flag nor the question, and has no need of them.
+    // With UTF-8 as the ANSI code page, this flag and the query are not allowed, nor needed.
     const bool utf8 = GetACP() == CP_UTF8;
     std::string bytes(text.size() * 4, '\0');
     BOOL replaced = FALSE;
@@ -61,13 +61,13 @@ std::string ToAnsi(const std::wstring& text) {
 
 std::string ToTitle(std::wstring text, bool truncate) {
     if (std::ranges::any_of(text, IsControl))
-        throw UsageError(L"--title has a control character");
+        throw UsageError(L"--title contains a control character");
     std::string title = ToAnsi(text);
     if (title.size() > longestTitle && !truncate)
         throw UsageError(L"--title has more than " + std::to_wstring(longestTitle) +
-                         L" bytes in this system's ANSI code page; --truncate-title cuts it: \"" + text +
+                         L" bytes in this system's ANSI code page; --truncate-title shortens it: \"" + text +
                          L"\"");
-    // By whole characters, of which none takes less than a byte and some have two halves.
+    // Cuts whole characters, each of which takes at least one byte; some are surrogate pairs.
     text.resize(std::min(text.size(), longestTitle));
     for (; title.size() > longestTitle; text.pop_back()) {
         if (IS_HIGH_SURROGATE(text.back()))
@@ -86,15 +86,15 @@ const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI fil
 
 INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a pattern
 such as step*.png, or a folder of pictures, in the order of their numbers.
-Several of them, or animated ones, give a file of as many frames.
+Several pictures, or animated ones, become a file with several frames.
 
   --mode 1|8|565        black and white, 256 colours, or 16 bits (default 565)
   --title TEXT          the title, at most 33 bytes in the ANSI code page
-  --truncate-title      cuts a longer title off
+  --truncate-title      cuts off a longer title
   --transparent RRGGBB  this colour is transparent, and transparent parts of an
                         input get it instead of white; not with --mode 1
-  --no-dither           takes each pixel's nearest colour, without mixing
-  --no-rotate           keeps photos as they are stored, not as they were taken
+  --no-dither           uses each pixel's nearest colour, without mixing
+  --no-rotate           keeps photos as stored, ignoring their orientation
   --blank               the blank default picture, which needs no input
   --force               replaces an existing file even if it is not a ZMI file
   --help, --version
@@ -142,12 +142,12 @@ PackOptions ParsePackOptions(CommandLine& line) {
         throw UsageError(blank ? L"no output given" : L"no input and no output given");
     options.output = std::move(options.inputs.back());
     options.inputs.pop_back();
-    // A forgotten output would otherwise cost the user the last of the inputs.
+    // Otherwise, if the user forgets the output, the last input would be overwritten.
     if (CompareStringOrdinal(options.output.extension().c_str(), -1, L".zmi", -1, TRUE) != CSTR_EQUAL)
-        throw UsageError(L"the output comes last and its name ends in .zmi, not \"" +
+        throw UsageError(L"the output must come last and its name must end in .zmi, not \"" +
                          options.output.wstring() + L"\"");
     if (blank && (!options.inputs.empty() || pictureOptions))
-        throw UsageError(L"--blank takes no input and, beside --title, no option");
+        throw UsageError(L"--blank takes no input, and no option other than --title");
     if (!blank && options.inputs.empty())
         throw UsageError(L"no input given for " + options.output.wstring());
     if (options.transparent && options.mode == PixelMode::Monochrome)

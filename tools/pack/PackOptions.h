@@ -1,4 +1,4 @@
-// What the user asks of zmi-pack.
+// The options of zmi-pack.
 #pragma once
 
 #include "codec/ZmiFormat.h"
@@ -19,8 +19,8 @@ struct PackOptions {
     std::optional<Color> transparent;
     bool force = false;
     bool dither = true;
-    bool rotate = true;                        // upright, where an input says how
-    std::vector<std::filesystem::path> inputs; // as typed; none: the blank default picture
+    bool rotate = true;                        // as an input's orientation says
+    std::vector<std::filesystem::path> inputs; // as typed; empty: the blank default picture
     std::filesystem::path output;
 };
 

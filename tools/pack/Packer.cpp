@@ -14,11 +14,11 @@ namespace vantrel::tools {
 
 namespace {
 
-// About as many bytes of pixels are in memory at a time, however large a picture is.
+// Roughly the number of bytes of pixels held in memory at a time, however large a picture is.
 constexpr std::size_t bandBytes = 1U << 20;
 
-// Walks over the frames of all inputs, as often as needed, and tells the user how far it is. One input is
-// open at a time, and a single one stays open.
+// Walks over the frames of all inputs, as often as needed, and shows progress. One input is open at a time;
+// if there is only one, it stays open.
 class FrameWalk {
 public:
     FrameWalk(ComPtr<IWICImagingFactory> factory, std::vector<std::filesystem::path> inputs,
@@ -41,7 +41,7 @@ public:
         }
     }
 
-    // Calls begin for each frame, then visit for all of its rows, made opaque, some at a time.
+    // Calls begin for each frame, then visit for all of its rows, made opaque, several at a time.
     template <class Begin, class Visit>
     void Rows(Begin begin, Visit visit) {
         Frames([&](PictureFrame frame, std::uint64_t index) {
@@ -66,7 +66,7 @@ private:
     const PackOptions& options_;
     Progress progress_;
     std::unique_ptr<PictureReader> reader_;
-    const std::filesystem::path* open_ = nullptr; // the reader's input
+    const std::filesystem::path* open_ = nullptr; // the input being read
     std::vector<Color> band_;
 };
 
@@ -88,7 +88,7 @@ ZmiContent Pack(const PackOptions& options) {
     walk.Frames([&](const PictureFrame& frame, unsigned) {
         content.frames.push_back({.width = frame.Width(), .height = frame.Height()});
     });
-    ZmiFileSize(content); // a file that cannot be is refused before the long part
+    ZmiFileSize(content); // rejects an impossible file before the long part
 
     bool dither = options.dither;
     std::optional<ColorTable> table;

@@ -1,4 +1,4 @@
-// The whole way from the user's pictures to a finished ZMI file.
+// The whole process from the user's pictures to a finished ZMI file.
 #pragma once
 
 #include "tools/pack/PackOptions.h"
@@ -6,8 +6,8 @@
 
 namespace vantrel::tools {
 
-// Packs the inputs, or the blank default picture when there are none, and puts the file in place of an older
-// one. Needs COM on this thread. Returns what the file holds. Throws Failure; the output is then as it was.
+// Packs the inputs, or the blank default picture when there are none, and replaces an older file. Needs COM
+// on this thread. Returns what the file contains. Throws Failure; the output is then unchanged.
 ZmiContent Pack(const PackOptions& options);
 
 } // namespace vantrel::tools

@@ -13,8 +13,8 @@ namespace {
 
 constexpr unsigned largestSide = std::numeric_limits<std::uint16_t>::max();
 
-// A decoder can only start over when it is asked for what lies behind, so a turned picture is read in few
-// large strips; up to 33 million pixels in one.
+// A decoder has to start over when asked for earlier rows, so a rotated picture is read in a few large strips
+// of up to 33 million pixels.
 constexpr std::size_t stripBytes = 1U << 27;
 constexpr std::size_t chunkBytes = 1U << 20;
 
@@ -25,7 +25,7 @@ PictureFrame::PictureFrame(CopyArea copyArea, UINT width, UINT height, Orientati
     : copyArea_(std::move(copyArea)), orientation_(orientation) {
     if (width == 0 || height == 0 || width > largestSide || height > largestSide)
         throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
-                      L" pixels; a ZMI frame has from 1 to 65535 each way");
+                      L" pixels; a ZMI frame must have 1 to 65535 in each direction");
     width_ = static_cast<std::uint16_t>(orientation.transposed ? height : width);
     height_ = static_cast<std::uint16_t>(orientation.transposed ? width : height);
 }
@@ -51,7 +51,7 @@ void PictureFrame::FillStrip(unsigned firstRow, unsigned count) {
     strip_.resize(std::size_t{count} * width_);
     stripFirst_ = firstRow;
 
-    // The strip's part of the stored picture.
+    // The part of the stored picture that the strip covers.
     const auto [mirroredX, mirroredY, transposed] = orientation_;
     const unsigned behind = height_ - firstRow - count;
     WICRect area = {0, 0, width_, static_cast<INT>(count)};
@@ -60,7 +60,7 @@ void PictureFrame::FillStrip(unsigned firstRow, unsigned count) {
     else
         area.Y = static_cast<INT>(mirroredY ? behind : firstRow);
 
-    // Where its pixels go: from the first one's place, one step for each column and one for each row.
+    // Where its pixels go: the first one's position, and the step for each column and for each row.
     std::ptrdiff_t columnStep = transposed ? width_ : 1;
     std::ptrdiff_t rowStep = transposed ? 1 : width_;
     std::ptrdiff_t place = 0;

@@ -14,7 +14,7 @@ PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::file
         canvas_.emplace(picture_);
         const WicFrame first = picture_.Frame(0);
         if (FrameCount() == 1 && first.Width() == canvas_->Width() && first.Height() == canvas_->Height())
-            canvas_.reset(); // nothing to compose, and no need of memory for all of it
+            canvas_.reset(); // nothing to compose, so no memory is needed for the whole canvas
     }
     if (rotate && picture_.Is(GUID_ContainerFormatJpeg))
         orientation_ = OrientationFromExif(ReadJpegOrientation(LongPath(path)));

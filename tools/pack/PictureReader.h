@@ -1,4 +1,4 @@
-// Pictures of every kind that WIC reads, frame by frame, as one sees them.
+// Pictures of every kind that WIC reads, frame by frame, as displayed.
 #pragma once
 
 #include "tools/pack/GifCanvas.h"
@@ -13,13 +13,13 @@ namespace vantrel::tools {
 // An open picture file.
 class PictureReader {
 public:
-    // Turns pictures upright when asked to. Throws Failure.
+    // Turns pictures upright if asked to. Throws Failure.
     PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path, bool rotate);
     PictureReader(const PictureReader&) = delete;
     PictureReader& operator=(const PictureReader&) = delete;
 
     unsigned FrameCount() const { return picture_.FrameCount(); }
-    // Valid as long as the reader. Throws Failure, as do the frame's own operations.
+    // Valid as long as the reader. Throws Failure, as do the frame's operations.
     PictureFrame Frame(unsigned index);
 
 private:

@@ -1,4 +1,4 @@
-// From a row of colours to the bytes of that row in a ZMI file.
+// Converts a row of colours to the bytes of that row in a ZMI file.
 #pragma once
 
 #include "codec/ZmiFormat.h"
@@ -14,18 +14,16 @@
 
 namespace vantrel::tools {
 
-// Makes pixels opaque: those below half opacity become the transparent colour when there is one, the others
-// keep their colour; without a transparent colour all are laid over white.
+// Makes pixels opaque: those below half opacity become the transparent colour if there is one, and the others
+// keep their colour; without a transparent colour all are blended with white.
 void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent);
 
-// Takes the rows of one frame after the other, top to bottom, and spreads what each pixel's colour misses
-// over its neighbours (Floyd and Steinberg's weights). This last step of the conversion is not left to WIC
-// because Wine's format converter knows neither 16bppBGR565 nor BlackWhite and does not dither; so both
-// systems make the same file.
+// Takes the rows of each frame in turn, top to bottom, and diffuses each pixel's error to its neighbours
+// (Floyd-Steinberg). This last step of the conversion is not left to WIC because Wine's format converter
+// supports neither 16bppBGR565 nor BlackWhite and does not dither; this way both systems make the same file.
 class RowEncoder {
 public:
-    // The table must be given in indexed mode and outlive the encoder; it is not looked at in the other
-    // modes.
+    // The table is required in indexed mode and must outlive the encoder; other modes ignore it.
     RowEncoder(PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither);
 
     void StartFrame(std::uint16_t width);
@@ -45,7 +43,7 @@ private:
     std::optional<Color> transparent_;
     std::uint32_t transparentKey_ = 0;
     bool dither_;
-    std::vector<Error> thisRow_; // one more at either end than the row has pixels
+    std::vector<Error> thisRow_; // one entry more at either end than the row has pixels
     std::vector<Error> nextRow_;
 };
 

@@ -10,11 +10,11 @@ namespace vantrel::tools {
 namespace {
 
 void CheckRead(HRESULT result, const std::wstring& name) {
-    // Wine's decoders just fail where those of Windows say that the picture is bad.
+    // Wine's decoders return a plain E_FAIL where those of Windows report a bad image.
     Check(result == E_FAIL ? WINCODEC_ERR_BADIMAGE : result, name + L": cannot be read");
 }
 
-// Of a decoder or of a frame.
+// From a decoder or a frame.
 template <class Described>
 unsigned MetadataNumber(Described& described, const wchar_t* query) {
     ComPtr<IWICMetadataQueryReader> reader;
@@ -41,7 +41,7 @@ ComPtr<IWICImagingFactory> CreateWicFactory() {
 WicFrame::WicFrame(IWICImagingFactory& factory, ComPtr<IWICBitmapFrameDecode> frame, std::wstring name)
     : frame_(std::move(frame)), name_(std::move(name)) {
     CheckRead(frame_->GetSize(&width_, &height_), name_);
-    // Not WICConvertBitmapSource, which would be the program's only reason to load WIC before it runs.
+    // Not WICConvertBitmapSource, which would be the only import from WIC and load it at startup.
     ComPtr<IWICFormatConverter> converter;
     CheckRead(factory.CreateFormatConverter(converter.GetAddressOf()), name_);
     CheckRead(converter->Initialize(frame_.Get(), GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,

@@ -1,4 +1,4 @@
-// A picture file as WIC reads it: frames as they are stored, in 32bppBGRA, and their metadata.
+// A picture file as WIC reads it: frames as stored, in 32bppBGRA, and their metadata.
 #pragma once
 
 #include "tools/picture/Rgb565.h"
@@ -22,16 +22,16 @@ ComPtr<IWICImagingFactory> CreateWicFactory();
 // One frame. All operations but Number throw Failure.
 class WicFrame {
 public:
-    // The name is the one that errors give.
+    // The name is used in error messages.
     WicFrame(IWICImagingFactory& factory, ComPtr<IWICBitmapFrameDecode> frame, std::wstring name);
 
     UINT Width() const { return width_; } // pixels
     UINT Height() const { return height_; }
     const std::wstring& Name() const { return name_; }
 
-    // A whole number out of the metadata, by WIC's query language; 0 when there is none.
+    // An integer from the metadata, by a WIC metadata query; 0 if there is none.
     unsigned Number(const wchar_t* query) const;
-    // Copies an area, row after row.
+    // Copies an area, row by row.
     void CopyPixels(const WICRect& area, std::span<Color> pixels) const;
 
 private:

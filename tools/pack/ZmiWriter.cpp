@@ -9,7 +9,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// The file's pieces stand in this order; an absent piece has no length.
+// The file's parts are in this order; an absent part has no length.
 struct Layout {
     std::uint64_t frameTable = sizeof(FileHeader) + sizeof(ImageHeader);
     std::uint64_t colorTable = frameTable;
@@ -35,7 +35,7 @@ Layout LayOut(const ZmiContent& content) {
 }
 
 std::uint8_t FrameFlags(const ZmiContent& content) {
-    constexpr unsigned modeShift = 3; // the way back from ModeOf
+    constexpr unsigned modeShift = 3; // the reverse of ModeOf
     return static_cast<std::uint8_t>(static_cast<unsigned>(content.mode) << modeShift |
                                      (content.transparentKey ? transparencyFlag : 0U));
 }
@@ -111,14 +111,14 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
 
 void ZmiWriter::WriteRows(std::span<const std::byte> rows) {
     if (rows.size() > bytesLeft_)
-        throw Failure(L"a picture grew while it was read");
+        throw Failure(L"a picture grew while being read");
     bytesLeft_ -= rows.size();
     output_.Write(rows);
 }
 
 void ZmiWriter::Finish() {
     if (bytesLeft_ != 0)
-        throw Failure(L"a picture shrank while it was read");
+        throw Failure(L"a picture shrank while being read");
     Put(output_, zmiTrailer);
 }
 

@@ -1,4 +1,4 @@
-// Lays a ZMI file down, from front to back: headers and tables first, then the rows of each frame, then the
+// Writes a ZMI file from front to back: headers and tables first, then the rows of each frame, then the
 // trailer.
 #pragma once
 
@@ -21,29 +21,29 @@ struct FrameSize {
     std::uint16_t height = 0;
 };
 
-// What a file holds beside its pixels.
+// What a file contains apart from its pixels.
 struct ZmiContent {
     std::string title; // in the ANSI code page, at most longestTitle bytes
     PixelMode mode = PixelMode::Rgb565;
-    std::vector<FrameSize> frames;               // none makes the blank default picture
+    std::vector<FrameSize> frames;               // empty: the blank default picture
     std::optional<Palette> colorTable;           // for indexed mode
     std::optional<std::uint32_t> transparentKey; // 16-bit colour or index
 };
 
 // The length of the whole file in bytes. Throws Failure when it is 2 GiB or more or has more than 65,535
-// frames: readers take positions in the file for signed 32-bit numbers and count frames in 16 bits.
+// frames: readers treat positions in the file as signed 32-bit numbers and count frames in 16 bits.
 std::uint32_t ZmiFileSize(const ZmiContent& content);
 
-// One table is shared by all frames of an indexed picture: the format's readers do not pair later frames with
-// tables of their own in the order in which those stand.
+// All frames of an indexed picture share one table: the format's readers assign tables of later frames to the
+// wrong frames.
 class ZmiWriter {
 public:
-    // Writes all that stands before the pixels. Throws as ZmiFileSize does.
+    // Writes everything before the pixels. Throws what ZmiFileSize throws.
     ZmiWriter(OutputFile& output, const ZmiContent& content);
 
-    // Bytes of whole rows, frame after frame. Throws Failure.
+    // Bytes of whole rows, frame by frame. Throws Failure.
     void WriteRows(std::span<const std::byte> rows);
-    // Writes the trailer. Throws Failure when there were more or fewer rows than announced.
+    // Writes the trailer. Throws Failure if there were more or fewer rows than announced.
     void Finish();
 
 private:

@@ -32,7 +32,7 @@ std::wstring DescribeFrames(const std::vector<FrameSize>& frames) {
     for (std::size_t i = 0; i < shown; ++i)
         text += (i == 0 ? L" (" : L", ") + std::to_wstring(sizes[i].second) + L" of " + sizes[i].first;
     if (shown < sizes.size())
-        text += L", and " + std::to_wstring(sizes.size() - shown) + L" sizes more";
+        text += L", and " + std::to_wstring(sizes.size() - shown) + L" more sizes";
     return text + L")";
 }
 

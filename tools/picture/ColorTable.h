@@ -15,15 +15,15 @@ namespace vantrel::tools {
 
 inline constexpr std::size_t colorTableEntries = std::extent_v<decltype(Palette::colours)>;
 
-// A colour table ready for use: 16-bit colours and the way from a colour to its nearest entry.
+// A colour table with a search for the entry nearest to a colour.
 class ColorTable {
 public:
-    // At most 256 colours, or 255 and a key, which gets an entry that no colour is mapped to.
+    // At most 256 colours, or 255 and a key, which gets an entry that no colour maps to.
     ColorTable(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key);
 
-    // All 256 entries as the file has them; those beyond the colours given are 0.
+    // All 256 entries as in the file; unused ones are 0.
     const Palette& Entries() const { return entries_; }
-    // There must be a colour beside the key.
+    // There must be a colour other than the key.
     std::uint8_t NearestIndex(std::uint16_t rgb565);
     std::uint8_t KeyIndex() const { return static_cast<std::uint8_t>(key_); }
 
@@ -32,8 +32,8 @@ private:
 
     Palette entries_{};
     std::size_t used_;
-    std::size_t key_;                    // its index; without a key the number of entries
-    std::vector<std::uint16_t> nearest_; // by 16-bit colour; unknown until asked for
+    std::size_t key_;                    // its index; the number of entries if there is no key
+    std::vector<std::uint16_t> nearest_; // by 16-bit colour; computed on demand
 };
 
 } // namespace vantrel::tools

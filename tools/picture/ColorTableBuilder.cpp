@@ -11,13 +11,13 @@ namespace {
 
 using Channels = std::array<float, 3>;
 
-// The pixels that share a 16-bit colour: what they are on average, and how many.
+// The pixels that share a 16-bit colour: their mean, and how many there are.
 struct Bin {
     Channels color;
     float weight;
 };
 
-// Some of the bins, as one colour would stand for them.
+// Some of the bins, represented by one colour.
 struct Box {
     explicit Box(std::span<Bin> all) : bins(all) {
         std::array<double, 3> sum{};
@@ -47,10 +47,10 @@ struct Box {
     std::span<Bin> bins;
     Channels mean{};
     double missed = 0;    // squared distance of all pixels from the mean
-    std::size_t axis = 0; // the channel that has the most of it
+    std::size_t axis = 0; // the channel with the largest share of it
 };
 
-// Splits the box that is missed by most at its mean, until there are enough.
+// Splits the box with the largest error at its mean, until there are enough boxes.
 std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
     std::vector<Box> boxes = {Box(bins)};
     while (boxes.size() < wanted) {
@@ -62,7 +62,7 @@ std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
             return bin.color[worst.axis] <= worst.mean[worst.axis];
         });
         const auto lower = static_cast<std::size_t>(upper - worst.bins.begin());
-        if (lower == 0 || lower == worst.bins.size()) { // rounding alone told its colours apart
+        if (lower == 0 || lower == worst.bins.size()) { // its colours differ only by rounding
             worst.missed = 0;
             continue;
         }
@@ -77,9 +77,9 @@ std::vector<Channels> SplitByVariance(std::span<Bin> bins, std::size_t wanted) {
     return means;
 }
 
-// Moves each colour to the middle of the bins that are nearest to it.
+// Moves each colour to the mean of the bins nearest to it.
 void Settle(std::span<const Bin> bins, std::vector<Channels>& colors) {
-    std::array<std::vector<float>, 3> planes; // of the colours, for the compiler to work on several at once
+    std::array<std::vector<float>, 3> planes; // one per channel, so that the compiler can vectorise
     for (std::size_t c = 0; c < planes.size(); ++c)
         for (const Channels& color : colors)
             planes[c].push_back(color[c]);
@@ -148,7 +148,7 @@ std::vector<std::uint16_t> ColorTableBuilder::Choose() const {
         return chosen;
 
     std::vector<Channels> colors = SplitByVariance(bins, Room());
-    constexpr int passes = 6; // more gain next to nothing
+    constexpr int passes = 6; // more gain almost nothing
     for (int i = 0; i < passes; ++i)
         Settle(bins, colors);
 

@@ -12,21 +12,21 @@
 
 namespace vantrel::tools {
 
-// Sees all pixels of all frames once, then chooses the table: their own colours when they fit, else the ones
-// that the picture misses least by. Not WIC's choice, which is coarser and differs between Wine and Windows.
+// Sees all pixels of all frames once, then chooses the table: the pixels' own colours if they fit, else those
+// with the least total error. Not WIC's palette, which is coarser and differs between Wine and Windows.
 class ColorTableBuilder {
 public:
     explicit ColorTableBuilder(std::optional<Color> key) : key_(key), seen_(65536) {}
 
-    // Opaque pixels; those of the key's very colour do not count.
+    // Opaque pixels; those of exactly the key's colour are ignored.
     void Add(std::span<const Color> pixels);
 
-    // True when each pixel's 16-bit colour has an entry of its own in the table.
+    // True when each pixel's 16-bit colour has its own entry in the table.
     bool IsExact() const { return Distinct() <= Room(); }
     ColorTable Build() const;
 
 private:
-    // The pixels of one 16-bit colour: how many, and the sums of what their channels were before.
+    // The pixels of one 16-bit colour: how many, and the sums of their 8-bit channels.
     struct Seen {
         std::uint64_t count = 0;
         std::uint64_t blue = 0;

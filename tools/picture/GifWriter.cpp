@@ -55,7 +55,7 @@ ComPtr<IStream> Encode(std::uint16_t width, std::uint16_t height, std::span<std:
     CheckEncoder(frame->SetSize(width, height));
     WICPixelFormatGUID format = GUID_WICPixelFormat8bppIndexed;
     CheckEncoder(frame->SetPixelFormat(&format));
-    // Of 256 different colours, which the real table takes the place of.
+    // 256 different colours, later replaced by the real table.
     std::array<WICColor, 256> greys;
     for (std::uint32_t i = 0; i < greys.size(); ++i)
         greys[i] = 0xFF000000 | i * 0x010101;
@@ -104,7 +104,7 @@ std::string_view CompressedPixels(std::string_view file) {
 
 GifWriter::GifWriter(OutputFile& output, unsigned delayMilliseconds)
     : output_(output), delay_((delayMilliseconds + 5) / 10) {
-    // The size is filled in when it is known.
+    // The size is filled in once it is known.
     Put(output_, "GIF89a\0\0\0\0\x70\0\0!\xFF\x0BNETSCAPE2.0\x03\x01\0\0\0"sv);
 }
 

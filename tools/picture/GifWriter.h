@@ -10,13 +10,13 @@
 
 namespace vantrel::tools {
 
-// The animation runs for ever, and is as large as its largest frame. All operations throw Failure.
+// The animation loops forever and is as large as its largest frame. All operations throw Failure.
 class GifWriter {
 public:
-    // The output outlives the writer, and is the caller's to commit.
+    // The output must outlive the writer, and the caller commits it.
     GifWriter(OutputFile& output, unsigned delayMilliseconds);
 
-    // A frame of width x height indices, rows from top to bottom, that takes the place of the one before it.
+    // A frame of width x height indices, rows from top to bottom, which replaces the one before it.
     void AddFrame(std::uint16_t width, std::uint16_t height, std::span<std::uint8_t> indices,
                   const Palette& palette, std::optional<std::uint8_t> transparentIndex);
     void Finish();

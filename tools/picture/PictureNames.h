@@ -12,11 +12,11 @@ public:
     // An empty folder is the current one.
     explicit PictureNames(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
-    // Keeps the name of another output of the run from being given out.
+    // Reserves the name of another output of the run.
     void Reserve(const std::filesystem::path& file);
 
-    // A path below the folder, in the slashes that the folder was given in. A name that the run has taken
-    // already, in whatever case, gets a number.
+    // A path below the folder, with the folder's kind of slashes. A name that the run has already used, in
+    // any case, gets a number.
     std::filesystem::path Take(const std::wstring& stem);
 
 private:

@@ -16,7 +16,7 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-// The signature and the IHDR chunk, behind which texts may stand.
+// The signature and the IHDR chunk, which texts may follow.
 constexpr std::uint64_t pngStart = 8 + 25;
 
 std::uint32_t Crc32(std::string_view bytes) {
@@ -34,21 +34,21 @@ std::string BigEndian(std::uint32_t number) {
             static_cast<char>(number)};
 }
 
-// Plain text where it does, for more readers know it.
+// Plain text where possible, since more readers support it.
 std::string TextChunk(const PngText& text) {
     const std::wstring visible = Visible(text.text);
     const bool isPlain = std::ranges::all_of(visible, [](wchar_t character) { return character < 0x7F; });
     std::string chunk = isPlain ? "tEXt" : "iTXt";
     chunk += text.keyword;
-    chunk.append(isPlain ? 1 : 5, '\0'); // not compressed, without a language and a translated keyword
+    chunk.append(isPlain ? 1 : 5, '\0'); // not compressed, no language, no translated keyword
     chunk += ToUtf8(visible);
     return BigEndian(static_cast<std::uint32_t>(chunk.size() - 4)) + chunk + BigEndian(Crc32(chunk));
 }
 
 } // namespace
 
-// What WIC writes to: the output, with room for the texts behind the file's start, where WIC can't write them
-// itself under Wine. Lives on after its last reference.
+// The stream that WIC writes to: inserts the texts after the header, which WIC can't do under Wine. Not
+// destroyed by its last Release.
 class PngWriter::Stream final : public IStream {
 public:
     Stream(OutputFile& output, const std::vector<PngText>& texts) : output_(output) {
@@ -60,7 +60,7 @@ public:
         output_.Seek(pngStart);
         output_.Write(std::as_bytes(std::span(texts_)));
     }
-    // Of the last write that failed; nothing thrown may pass through WIC.
+    // From the last failed write; no exception may pass through WIC.
     std::exception_ptr Failed() const { return failed_; }
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
@@ -124,7 +124,7 @@ public:
 private:
     OutputFile& output_;
     std::string texts_;
-    std::uint64_t position_ = 0; // as WIC counts, without the texts
+    std::uint64_t position_ = 0; // as WIC counts, not including the texts
     std::uint64_t size_ = 0;
     std::exception_ptr failed_;
 };

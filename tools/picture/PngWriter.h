@@ -22,18 +22,18 @@ struct PngText {
     std::wstring text;
 };
 
-// Keeps no more than a row in memory. All operations throw Failure.
+// Keeps at most one row in memory. All operations throw Failure.
 class PngWriter {
 public:
-    // The output outlives the writer, and is the caller's to commit. An opaque picture has no alpha in its
-    // file. Control characters in texts are made visible.
+    // The output must outlive the writer, and the caller commits it. An opaque picture is stored without
+    // alpha. Control characters in texts are made visible.
     PngWriter(OutputFile& output, unsigned width, unsigned height, bool isOpaque,
               const std::vector<PngText>& texts = {});
     ~PngWriter();
 
-    // Rows from top to bottom, one 0xAARRGGBB word per pixel, colours not multiplied by their alpha.
+    // Rows from top to bottom, one 0xAARRGGBB word per pixel, not premultiplied.
     void WriteRow(const std::uint32_t* words);
-    // When all rows are written.
+    // Call when all rows are written.
     void Finish();
 
 private:

@@ -14,7 +14,7 @@ constexpr std::uint8_t Expand(unsigned level) {
     return static_cast<std::uint8_t>(level == highest ? 255U : level << (8 - bits));
 }
 
-// For each of the 256 values of a channel the level that is shown nearest to it.
+// For each of the 256 values of a channel, the level that is displayed closest to it.
 template <unsigned bits>
 constexpr std::array<std::uint8_t, 256> MakeNearest() {
     std::array<std::uint8_t, 256> nearest{};

@@ -1,4 +1,4 @@
-// Colours: as WIC hands them out, and as the ZMI format keeps them in 16 bits.
+// Colours: as WIC delivers them, and as the ZMI format stores them in 16 bits.
 #pragma once
 
 #include <cstdint>
@@ -16,14 +16,14 @@ struct Color {
 };
 static_assert(sizeof(Color) == 4);
 
-// The 16-bit colour that is shown nearest to the given one; alpha does not count.
+// The 16-bit colour that is displayed closest to the given one; alpha is ignored.
 std::uint16_t ToRgb565(Color color);
-// The same among all values but one.
+// The same, but never the excluded colour.
 std::uint16_t ToRgb565Except(Color color, std::uint16_t forbidden);
-// The colour as it is shown, opaque: the highest level of a channel becomes 255, any other is shifted up.
+// The colour as displayed, opaque: the highest level of a channel becomes 255, any other is shifted left.
 Color FromRgb565(std::uint16_t value);
 
-// How far two colours are apart, squared, with channels weighed by about as much as the eye makes of each.
+// The squared distance of two colours, with channels weighted roughly as the eye does.
 int Distance(Color a, Color b);
 
 } // namespace vantrel::tools

@@ -15,7 +15,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// By stream where the handler is given one, else by the interface that its hosts ask for.
+// IInitializeWithStream where the handler takes a stream, else the interface that its hosts ask for.
 const std::array<HandlerClass, 5> g_handlerClasses = {{
     {L"thumbnail", L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}", L"Vantrel Thumbnail Provider",
      L"{E357FCCD-A995-4576-B01F-234630154E96}", &__uuidof(IInitializeWithStream)},
@@ -34,7 +34,7 @@ std::wstring FindClass(HandlerKind kind, const std::wstring& extension) {
     std::optional<std::wstring> classId;
     switch (kind) {
     case HandlerKind::Column:
-        // Hosts ask every column handler of the folder; of these only the library's own is of interest here.
+        // Hosts ask every column handler of the folder; only the library's own matters here.
         for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
             if (!classId && KeyExists(root, columnHandlersKey + std::wstring(known.classId)))
                 classId = known.classId;

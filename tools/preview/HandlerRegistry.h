@@ -1,4 +1,4 @@
-// How the Shell finds the class that answers for a file: extension, binding, class, server path.
+// How the Shell finds the class that handles a file: extension, binding, class, server path.
 #pragma once
 
 #include "tools/preview/ServerModule.h"
@@ -17,10 +17,10 @@ enum class HandlerKind { Thumbnail, ExtractImage, Icon, Column, Properties };
 
 // What is fixed about each of the library's five classes.
 struct HandlerClass {
-    const wchar_t* name;        // as this tool's lines name it
+    const wchar_t* name;        // as shown in this tool's output
     const wchar_t* classId;     // with braces, as the registry has it
     const wchar_t* description; // default value of the class's key
-    const wchar_t* shellEx;     // the binding's key below <extension>\ShellEx, null where it stands elsewhere
+    const wchar_t* shellEx;     // the binding's key below <extension>\ShellEx; null if it is elsewhere
     const IID* interfaceId;     // what hosts ask the class for first
 };
 
@@ -41,11 +41,11 @@ std::wstring FindServerPath(const std::wstring& classId);
 
 class HandlerRegistry {
 public:
-    // With a DLL given, nothing is looked up: the library's own classes are taken from it.
+    // If a DLL is given, nothing is looked up: the library's classes are taken from it.
     explicit HandlerRegistry(std::optional<std::filesystem::path> dll) : dll_(std::move(dll)) {}
 
-    // Makes the object that a host would get for files of this extension (with its dot). Throws Failure. The
-    // server stays loaded as long as this registry lives.
+    // Creates the object that a host would get for files with this extension (including the dot). Throws
+    // Failure. The server stays loaded as long as this registry exists.
     template <class Interface>
     Microsoft::WRL::ComPtr<Interface> Create(HandlerKind kind, const std::wstring& extension) {
         Microsoft::WRL::ComPtr<Interface> object;

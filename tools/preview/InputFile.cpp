@@ -16,7 +16,7 @@ std::vector<InputFile> FindInputFiles(const std::wstring& argument) {
         });
     if (found.files.empty())
         throw Failure(argument +
-                      (found.isFolder ? L": the folder holds no .zmi file" : L": no file has such a name"));
+                      (found.isFolder ? L": the folder contains no .zmi files" : L": no such file"));
     std::vector<InputFile> files;
     for (const std::filesystem::path& file : found.files)
         files.push_back({file.wstring(), LongPath(file)});

@@ -1,4 +1,4 @@
-// The files that the user named, one by one or as the content of a folder.
+// The files that the user named, individually or by folder.
 #pragma once
 
 #include <filesystem>
@@ -12,8 +12,8 @@ struct InputFile {
     std::filesystem::path path; // absolute, and in \\?\ form when it is long
 };
 
-// As FindFiles finds them, of a folder the .zmi files. Throws Failure when there is none, and UsageError for
-// an empty name; whether a file that was named exists shows when it is asked for.
+// As found by FindFiles; in a folder the .zmi files. Throws Failure if there is none, and UsageError for an
+// empty name; does not check whether a named file exists.
 std::vector<InputFile> FindInputFiles(const std::wstring& argument);
 
 } // namespace vantrel::tools

@@ -9,7 +9,7 @@
 namespace vantrel::tools {
 
 Picture TakePicture(UniqueBitmap bitmap) {
-    // The library may still have drawing calls in GDI's batch.
+    // The library's drawing calls may still be in GDI's batch.
     GdiFlush();
     BITMAP facts{};
     if (GetObjectW(bitmap.get(), sizeof(facts), &facts) == 0 || facts.bmWidth <= 0 || facts.bmHeight == 0)
@@ -19,7 +19,7 @@ Picture TakePicture(UniqueBitmap bitmap) {
     picture.height = static_cast<unsigned>(std::abs(facts.bmHeight));
     picture.pixels.resize(std::size_t{picture.width} * picture.height);
 
-    // GetDIBits turns bottom-up rows around and keeps the fourth byte of 32-bit pixels.
+    // GetDIBits flips bottom-up rows and keeps the fourth byte of 32-bit pixels.
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = facts.bmWidth;

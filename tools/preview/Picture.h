@@ -1,4 +1,4 @@
-// A picture as a host got it, taken out of GDI's hands.
+// A picture as a host received it, copied out of GDI.
 #pragma once
 
 #include "support/Handles.h"
@@ -11,11 +11,11 @@
 
 namespace vantrel::tools {
 
-// Rows from top to bottom, one 0xAARRGGBB word per pixel, colours not multiplied by their alpha.
+// Rows from top to bottom, one 0xAARRGGBB word per pixel, not premultiplied.
 struct Picture {
     unsigned width = 0;
     unsigned height = 0;
-    bool isOpaque = true; // the alpha bytes carry no meaning
+    bool isOpaque = true; // the alpha bytes are meaningless
     std::vector<std::uint32_t> pixels;
 
     std::wstring Dimensions() const { return std::to_wstring(width) + L" x " + std::to_wstring(height); }
@@ -23,10 +23,10 @@ struct Picture {
 
 // Both throw Failure. Thumbnails and extracted images are opaque whatever their alpha bytes hold.
 Picture TakePicture(UniqueBitmap bitmap);
-// Icons show through their alpha, or through their mask when all of their alpha is 0.
+// Icons are shown by their alpha, or by their mask if all of their alpha is 0.
 Picture TakePicture(UniqueIcon icon);
 
-// Rows and pixels as in Picture. Throws what OutputFile and PngWriter throw; the file appears only when it is
+// Rows and pixels as in Picture. Throws what OutputFile and PngWriter throw; the file appears only once it is
 // complete.
 void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
               bool isOpaque, const std::uint32_t* pixels);

@@ -29,13 +29,13 @@ const std::wstring_view previewHelp =
   zmi-preview [options] FILE|FOLDER...
   zmi-preview --doctor [--dll FILE] [--json] [FILE|FOLDER...]
 
-A folder stands for the .zmi files in it. Each of the five handlers is asked as
-its host asks it; pictures become NAME-256.png, NAME-icon-32.png and so on.
+A folder stands for the .zmi files in it. Each of the five handlers is called as
+its host calls it; pictures become NAME-256.png, NAME-icon-32.png and so on.
 
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
-  --sheet FILE   one PNG page of all files; single PNG files only with --out
-  --force        replaces existing files even when they are not PNG files
+  --sheet FILE   one PNG page of all files; separate PNG files only with --out
+  --force        replaces existing files even if they are not PNG files
   --dll FILE     asks this library, registered or not
   --json         prints one JSON document instead of lines
   --doctor       finds out why there are no thumbnails, and what to do about it

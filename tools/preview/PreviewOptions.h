@@ -1,4 +1,4 @@
-// What the user asks of zmi-preview.
+// The options of zmi-preview.
 #pragma once
 
 #include "tools/terminal/CommandLine.h"
@@ -12,7 +12,7 @@
 namespace vantrel::tools {
 
 struct PreviewOptions {
-    std::optional<std::vector<unsigned>> sizes; // edges of thumbnails in pixels, each one once
+    std::optional<std::vector<unsigned>> sizes; // edges of thumbnails in pixels, without duplicates
     std::optional<std::filesystem::path> out;
     std::optional<std::filesystem::path> sheet;
     std::optional<std::filesystem::path> dll; // absolute

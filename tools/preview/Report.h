@@ -1,4 +1,4 @@
-// All answers about one file, and how they are told: as lines for people, as JSON for programs.
+// All results for one file, and how they are printed: as lines for people, as JSON for programs.
 #pragma once
 
 #include "tools/preview/hosts/Hosts.h"
@@ -17,13 +17,13 @@ struct FileReport {
     std::optional<std::wstring> fault{}; // what is wrong with the file itself
 
     bool Ok() const;
-    // Null when there is no such answer, or it failed.
+    // Null if there is no such result, or it failed.
     const HandlerResult* Find(HandlerKind kind, std::wstring_view request) const;
-    // One sentence for a file that failed: the fault, or else the first failed answer.
+    // One sentence for a file that failed: the fault, or else the first failed result.
     std::wstring Reason() const;
 };
 
-// One line per result on stdout, aligned behind names of so many columns.
+// One line per result on stdout, aligned after a name column of this width.
 void PrintResults(const FileReport& report, std::size_t nameColumns);
 JsonObject ToJson(const FileReport& report);
 

@@ -7,13 +7,13 @@
 
 namespace vantrel::tools {
 
-// Stays loaded until destroyed, so it must outlive the objects that it made.
+// Stays loaded until destroyed, so it must outlive the objects that it created.
 class ServerModule {
 public:
-    // Throws Failure when the DLL does not load.
+    // Throws Failure if the DLL does not load.
     explicit ServerModule(const std::filesystem::path& path);
 
-    // Makes an object through the DLL's class factory; the caller owns the reference. Throws Failure.
+    // Creates an object through the DLL's class factory; the caller owns the reference. Throws Failure.
     void Create(REFCLSID classId, REFIID interfaceId, void** object) const;
 
 private:

@@ -1,4 +1,4 @@
-// zmi-preview: shows what a host of the Shell gets from the installed library.
+// zmi-preview: shows what the Shell's hosts get from the installed library.
 #include "tools/inspection/ZmiFile.h"
 #include "tools/picture/PictureNames.h"
 #include "tools/preview/doctor/Doctor.h"
@@ -31,7 +31,7 @@ FileReport Ask(HandlerRegistry& registry, const InputFile& file, const std::vect
     return report;
 }
 
-// What can't be written becomes a failed result.
+// If the picture can't be written, the result becomes a failed one.
 void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard& guard,
                   HandlerResult& result) {
     try {
@@ -46,7 +46,7 @@ void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard&
     }
 }
 
-// The files that the arguments stand for. An argument without any is told at once and makes ok false.
+// The files that the arguments stand for. An argument without files is reported at once and sets ok to false.
 std::vector<InputFile> FindFiles(const PreviewOptions& options, JsonDocument* json, bool& ok) {
     std::vector<InputFile> files;
     for (const std::wstring& argument : options.inputs) {
@@ -91,8 +91,8 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
     if (wantsSingles)
         sizes = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
     else if (options.sizes)
-        PrintError(L"zmi-preview: the sheet chooses its thumbnails' size itself; --sizes is for the single "
-                   L"files that --out asks for");
+        PrintError(L"zmi-preview: the sheet chooses its own thumbnail size; --sizes applies only to the "
+                   L"separate files of --out");
     std::optional<ContactSheet> sheet;
     std::wstring sizeForSheetAlone;
     if (options.sheet) {

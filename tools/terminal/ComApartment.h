@@ -1,4 +1,4 @@
-// A thread's stay in a COM apartment.
+// Initialises COM on a thread for the duration of a scope.
 #pragma once
 
 #include <objbase.h>

@@ -51,9 +51,9 @@ std::wstring CommandLine::Value() {
         return *std::exchange(attachedValue_, std::nullopt);
     if (position_ == arguments_.size())
         throw UsageError(option_ + L" needs a value");
-    // Far more often a forgotten value than a value.
+    // Far more likely a forgotten value than a value.
     if (LooksLikeOption(arguments_[position_]))
-        throw UsageError(option_ + L" needs a value; one that begins with a dash is written " + option_ +
+        throw UsageError(option_ + L" needs a value; write one that starts with a dash as " + option_ +
                          L"=VALUE");
     return arguments_[position_++];
 }
@@ -67,7 +67,7 @@ unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned 
             number = number * 10 + static_cast<unsigned>(digit - L'0');
     }
     if (!valid || number < low || number > high)
-        throw UsageError(std::wstring(option) + L" wants a whole number from " + std::to_wstring(low) +
+        throw UsageError(std::wstring(option) + L" needs a whole number from " + std::to_wstring(low) +
                          L" to " + std::to_wstring(high) + L", not \"" + std::wstring(text) + L"\"");
     return static_cast<unsigned>(number);
 }

@@ -1,4 +1,4 @@
-// The arguments of a tool, taken apart one by one.
+// The arguments of a tool, parsed one by one.
 #pragma once
 
 #include "tools/terminal/Failure.h"
@@ -15,15 +15,15 @@ class CommandLine {
 public:
     CommandLine(int count, wchar_t** arguments);
 
-    // True when this option, one without a value, stands anywhere among the arguments.
+    // True if this option, which takes no value, is anywhere among the arguments.
     bool Has(std::wstring_view option) const;
 
-    // The next argument: an option's name with its dashes, or a plain argument. Empty at the end.
+    // The next argument: an option's name with its dashes, or a plain argument. Nothing at the end.
     std::optional<std::wstring> Next();
-    // True when the argument just given was an option ("--" was not seen before it).
+    // True if the current argument is an option ("--" was not seen before it).
     bool IsOption() const { return isOption_; }
-    // The value of the option just given. Throws UsageError when it is missing; one that begins with a dash
-    // is taken only behind "=".
+    // The value of the current option. Throws UsageError if it is missing; a value that starts with a dash
+    // must follow "=".
     std::wstring Value();
 
 private:
@@ -35,7 +35,7 @@ private:
     bool optionsEnded_ = false;
 };
 
-// A whole number within [low, high]. Throws UsageError that names the option.
+// An integer within [low, high]. Throws a UsageError that names the option.
 unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high);
 
 } // namespace vantrel::tools

@@ -12,7 +12,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// Columns of the progress line that stand on the terminal now; 0 when there is none.
+// Columns of the progress line now on the terminal; 0 if there is none.
 std::size_t g_progressColumns = 0;
 
 bool IsConsole(HANDLE handle) {
@@ -20,11 +20,11 @@ bool IsConsole(HANDLE handle) {
     return GetConsoleMode(handle, &mode) != 0;
 }
 
-// False when not all of it could be written; GetLastError tells why.
+// False if not everything could be written; see GetLastError.
 bool Write(DWORD stream, std::wstring_view text) {
     const HANDLE handle = GetStdHandle(stream);
     if (!handle)
-        return true; // a process without standard handles has nobody to tell
+        return true; // a process without standard handles has no reader
     DWORD written = 0;
     if (IsConsole(handle)) {
         constexpr std::size_t largestWrite = 1U << 13; // old consoles fail above 64 KB
@@ -36,7 +36,7 @@ bool Write(DWORD stream, std::wstring_view text) {
     }
     const std::string bytes = ToUtf8(text);
     for (std::string_view rest = bytes; !rest.empty(); rest.remove_prefix(written)) {
-        SetLastError(ERROR_WRITE_FAULT); // for a write that fails by taking nothing
+        SetLastError(ERROR_WRITE_FAULT); // for a write that succeeds but writes nothing
         if (!WriteFile(handle, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr) ||
             written == 0)
             return false;
@@ -51,7 +51,7 @@ void EraseProgress() {
     g_progressColumns = 0;
 }
 
-// East Asian characters take two columns; counting some others so as well does no harm here.
+// East Asian characters take two columns; counting some others as two does no harm here.
 std::size_t Columns(wchar_t character) {
     return character < 0x1100 ? 1 : 2;
 }

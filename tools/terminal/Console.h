@@ -1,4 +1,4 @@
-// What the tools say: UTF-8 text on stdout and stderr, and a progress line where a person is watching.
+// What the tools print: UTF-8 text on stdout and stderr, and a progress line on a terminal.
 #pragma once
 
 #include <cstddef>
@@ -8,29 +8,29 @@
 
 namespace vantrel::tools {
 
-// Each writes one line, to stdout or to stderr. Control characters in the text are made visible: names and
-// titles come out of other people's files. A console gets UTF-16, a pipe or a file gets UTF-8. Throws Failure
-// when stdout does not take all of it; what stderr does not take is lost.
+// Each writes one line, to stdout or to stderr. Control characters in the text are made visible, since names
+// and titles come from untrusted files. A console gets UTF-16, a pipe or a file gets UTF-8. Throws Failure if
+// stdout can't be written completely; errors on stderr are ignored.
 void PrintLine(std::wstring_view text);
 void PrintError(std::wstring_view text);
-// Writes to stdout as it is what no file had a say in. Throws as PrintLine does.
+// Writes trusted text to stdout as is. Throws what PrintLine throws.
 void PrintText(std::wstring_view text);
 
-// What a terminal would not show but obey: C0 and C1 controls, line and paragraph separators, and the marks
-// that turn the direction of text around.
+// Characters that a terminal would interpret: C0 and C1 controls, line and paragraph separators, and
+// bidirectional formatting characters.
 bool IsControl(wchar_t character);
-// The text with <U+001B> and so on in the place of each of them.
+// The text with each of them replaced by <U+001B> and so on.
 std::wstring Visible(std::wstring_view text);
 
 // UTF-16 to UTF-8. Lone surrogates become U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 
 // True when stderr is a terminal. The progress line goes there, so that stdout stays clean for pipes. Under
-// Wine a terminal of the host system counts when the launching script says so (environment VANTREL_TTY=1).
+// Wine the host system's terminal counts if the launching script says so (environment VANTREL_TTY=1).
 bool IsWatched();
 
-// One line on stderr, rewritten in place, that shows how far a run of known length has come. Silent when
-// nobody is watching; erases itself at the end, and while something is printed.
+// A progress line on stderr, rewritten in place, for a known number of items. Silent unless stderr is a
+// terminal; erases itself at the end, and while something is printed.
 class Progress {
 public:
     explicit Progress(std::size_t total);
@@ -38,9 +38,9 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // Counts one more item and names it, as the one that is being worked on.
+    // Advances to the next item and shows its name.
     void Step(std::wstring_view item);
-    // How far the item is, in any unit. May be called often.
+    // Progress within the item, in any unit. May be called often.
     void Part(std::uint64_t done, std::uint64_t total);
 
 private:

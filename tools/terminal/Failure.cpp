@@ -9,19 +9,19 @@ namespace vantrel::tools {
 
 namespace {
 
-// WIC's own codes, for which the system's message table has no words.
+// WIC's codes, which the system's message table lacks.
 constexpr auto wicWords = std::to_array<std::pair<std::uint32_t, const wchar_t*>>({
     {0x88982F07, L"the picture is damaged or cut short"},
     {0x88982F0B, L"the picture's format version is not supported"},
     {0x88982F44, L"the picture has no such frame"},
-    {0x88982F50, L"not a picture of a kind that this system can read"},
+    {0x88982F50, L"not a picture format that this system can read"},
     {0x88982F51, L"the picture is too large"},
     {0x88982F60, L"the picture is damaged or cut short"},
     {0x88982F61, L"the picture is damaged or cut short"},
     {0x88982F62, L"the picture has no frame"},
     {0x88982F72, L"the picture is damaged or cut short"},
     {0x88982F80, L"the picture's pixel format is not supported"},
-    {0x88982F81, L"the picture's kind does not support this"},
+    {0x88982F81, L"the picture format does not support this"},
 });
 
 } // namespace

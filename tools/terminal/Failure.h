@@ -1,4 +1,4 @@
-// What can go wrong in a tool, in words for its user.
+// The errors of a tool, in words for its user.
 #pragma once
 
 #include <windows.h>
@@ -9,10 +9,11 @@
 
 namespace vantrel::tools {
 
-// Ends a tool with exit code 1, unless somebody knows how to go on without what failed.
+// Ends a tool with exit code 1 unless it is handled.
 class Failure : public std::exception {
 public:
-    // The message names what failed, as the user typed it, and the reason. The result is the one behind it.
+    // The message names what failed, as the user typed it, and the reason. The result is the underlying
+    // HRESULT.
     explicit Failure(std::wstring message, HRESULT result = E_FAIL);
 
     const char* what() const noexcept override { return "a tool failed"; }
@@ -24,19 +25,19 @@ private:
     HRESULT result_;
 };
 
-// Wrong usage: found before any work is begun, and ends the tool with exit code 2 and a hint at --help.
+// Wrong usage: detected before any work starts, and ends the tool with exit code 2 and a pointer to --help.
 class UsageError : public Failure {
 public:
     explicit UsageError(std::wstring message) : Failure(std::move(message), E_INVALIDARG) {}
 };
 
-// Throws a Failure that reads "what: the result in words" for everything but S_OK: handlers say S_FALSE when
-// they have no value.
+// Throws a Failure that reads "what: the result in words" for everything but S_OK: handlers return S_FALSE
+// when they have no value.
 void Check(HRESULT result, std::wstring_view what);
-// The same for functions that leave their reason to GetLastError.
+// The same for functions that set GetLastError.
 [[noreturn]] void FailWithLastError(std::wstring_view what);
 
-// "the system's own words (0x80070002)", without the trailing line break that the system adds.
+// "the system's message (0x80070002)", without the system's trailing line break.
 std::wstring DescribeHresult(HRESULT result);
 
 } // namespace vantrel::tools

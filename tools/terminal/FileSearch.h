@@ -1,4 +1,4 @@
-// The files that a user means by one argument.
+// The files that one argument stands for.
 #pragma once
 
 #include <filesystem>
@@ -9,12 +9,12 @@ namespace vantrel::tools {
 struct FileSearch {
     bool isFolder = false;
     bool isPattern = false;
-    std::vector<std::filesystem::path> files; // as they would have been typed
+    std::vector<std::filesystem::path> files; // as they could have been typed
 };
 
-// A folder gives all files right in it, a name with * or ? those that it matches (cmd leaves that to its
-// programs), both without hidden ones and in the order in which people count. All else gives itself, be it
-// there or not. Throws Failure, and UsageError for an empty path.
+// A folder gives all files directly in it, a name with * or ? those that match it (cmd leaves that to
+// programs), both without hidden files and in natural order (2 before 10). Anything else gives itself,
+// whether it exists or not. Throws Failure, and UsageError for an empty path.
 FileSearch FindFiles(const std::filesystem::path& typed);
 
 } // namespace vantrel::tools

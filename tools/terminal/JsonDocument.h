@@ -1,4 +1,4 @@
-// The one JSON document of a run, written to stdout while the work goes on.
+// The JSON document of a run, written to stdout as results come in.
 #pragma once
 
 #include "tools/terminal/JsonObject.h"
@@ -7,13 +7,13 @@
 
 namespace vantrel::tools {
 
-// An object of at most one list, whose items are printed as they come, and of further members behind it. All
-// operations throw Failure when stdout does not take the text.
+// An object with at most one list, whose items are printed as they come, followed by further members. All
+// operations throw Failure if stdout can't be written.
 class JsonDocument {
 public:
     void BeginList(std::string_view name);
     void Append(const JsonObject& item);
-    // Members that are printed when the document is closed.
+    // Members printed when the document is closed.
     JsonObject& Members() { return members_; }
     // Ends the document with "ok" and, unless it is empty, "error".
     void Close(bool ok, std::wstring_view error = {});

@@ -10,7 +10,7 @@ namespace vantrel::tools {
 
 class JsonObject {
 public:
-    // Control characters are escaped, so that they reach no terminal either.
+    // Control characters are escaped, so that none reaches a terminal.
     void Add(std::string_view name, std::wstring_view text);
     void Add(std::string_view name, const wchar_t* text) { Add(name, std::wstring_view(text)); }
     void Add(std::string_view name, bool value) { AddRaw(name, value ? L"true" : L"false"); }
@@ -21,9 +21,9 @@ public:
     void Add(std::string_view name, const JsonObject& object) { AddRaw(name, object.Text()); }
     void Add(std::string_view name, const std::vector<JsonObject>& items);
 
-    // The members as they stand between the braces.
+    // The members, without the braces.
     const std::wstring& Members() const { return members_; }
-    // The object with its braces, on one line but for the items of lists.
+    // The object with its braces, on one line except for the items of lists.
     std::wstring Text() const { return L"{" + members_ + L"}"; }
 
 private:

@@ -11,8 +11,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// A folder's path must leave room for an 8.3 name below it, so the limit that holds for both kinds is the
-// shorter.
+// A folder's path must leave room for an 8.3 name below it, so the shorter limit is used for both.
 constexpr std::size_t longestPlainPath = MAX_PATH - 12 - 1;
 
 } // namespace

@@ -15,8 +15,8 @@ namespace {
 std::mutex g_liveMutex;
 std::set<std::filesystem::path> g_liveFiles;
 
-// Not made from the target's name, which may have as many characters already as a name can have. The counter
-// keeps two processes apart that have one number, on two machines that share a folder.
+// Not derived from the target's name, which may already have the maximum length. The counter distinguishes
+// two processes with the same identifier on two machines that share a folder.
 std::wstring TemporaryName() {
     LARGE_INTEGER counter{};
     QueryPerformanceCounter(&counter);
@@ -77,7 +77,7 @@ void OutputFile::Seek(std::uint64_t offset) {
 }
 
 void OutputFile::Commit() {
-    // Another run may be putting a file of its own in this very place, or a scanner may be looking at it.
+    // Another run may be replacing the same file, or a virus scanner may have it open.
     constexpr int attempts = 10;
     constexpr DWORD pauseMilliseconds = 20;
     handle_.reset();
@@ -88,14 +88,14 @@ void OutputFile::Commit() {
             g_liveFiles.erase(temporary_);
         else if (attempt == attempts ||
                  (GetLastError() != ERROR_ACCESS_DENIED && GetLastError() != ERROR_SHARING_VIOLATION))
-            FailWithLastError(shown_.wstring() + L": cannot be put in place");
+            FailWithLastError(shown_.wstring() + L": cannot be moved into place");
         else
             Sleep(pauseMilliseconds);
     }
 }
 
 void OutputFile::DiscardAll() {
-    // Never unlocked: whoever waits for it now is not to go on.
+    // Never unlocked: whoever is waiting for it must not go on.
     g_liveMutex.lock();
     constexpr int attempts = 50;
     constexpr DWORD pauseMilliseconds = 10;
@@ -113,7 +113,7 @@ void OutputFile::CreateFolders(const std::filesystem::path& folder) const {
     if (attributes != INVALID_FILE_ATTRIBUTES) {
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
             return;
-        throw Failure(shown_.wstring() + L": a file stands where its folder should be");
+        throw Failure(shown_.wstring() + L": there is a file where its folder should be");
     }
     if (const auto parent = folder.parent_path(); parent != folder && parent != folder.root_name())
         CreateFolders(parent);

@@ -11,8 +11,8 @@
 
 namespace vantrel::tools {
 
-// Fills a temporary file beside the target; Commit renames it over the target. Without a Commit, and when the
-// user presses Ctrl+C, the temporary file is deleted and the target stays as it was.
+// Fills a temporary file next to the target; Commit renames it over the target. Without Commit, or on Ctrl+C,
+// the temporary file is deleted and the target stays as it was.
 class OutputFile {
 public:
     // Creates missing parent folders. Throws what OutputGuard::Check throws, and Failure.
@@ -21,14 +21,14 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Writes bytes where the last ones ended, or where Seek has gone. Throws Failure.
+    // Writes bytes at the current position. Throws Failure.
     void Write(std::span<const std::byte> bytes);
     // Throws Failure.
     void Seek(std::uint64_t offset);
     // Throws Failure.
     void Commit();
 
-    // Deletes every uncommitted file and lets none be committed any more: the process is about to end.
+    // Deletes every uncommitted file and prevents further commits: the process is about to end.
     static void DiscardAll();
 
 private:

@@ -23,7 +23,7 @@ constexpr std::array<KindFacts, 3> kinds = {{{L"ZMI", L".zmi", {zmiMagic, std::s
                                              {L"PNG", L".png", "\x89PNG\r\n\x1A\n"},
                                              {L"GIF", L".gif", "GIF8"}}};
 
-// Null when the file can't be opened; GetLastError tells why.
+// Null if the file can't be opened; see GetLastError.
 UniqueKernelHandle Open(const std::filesystem::path& path, DWORD access) {
     constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE handle =
@@ -58,12 +58,12 @@ void OutputGuard::Check(const std::filesystem::path& target, FileKind kind) cons
     const KindFacts& facts = kinds[static_cast<std::size_t>(kind)];
     const std::wstring name = target.wstring();
     if (CompareStringOrdinal(target.extension().c_str(), -1, facts.extension, -1, TRUE) != CSTR_EQUAL)
-        throw UsageError(L"a " + std::wstring(facts.name) + L" file is written, so its name must end in " +
+        throw UsageError(L"the name of a " + std::wstring(facts.name) + L" file must end in " +
                          facts.extension + L", not \"" + name + L"\"");
 
     const DWORD attributes = GetFileAttributesW(LongPath(target).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw Failure(name + L": this is a folder, no file can take its place");
+        throw Failure(name + L": this is a folder and can't be replaced by a file");
     const UniqueKernelHandle file = Open(target, GENERIC_READ);
     if (!file) {
         if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)
@@ -74,10 +74,10 @@ void OutputGuard::Check(const std::filesystem::path& target, FileKind kind) cons
     if (!identity)
         FailWithLastError(name);
     if (protected_.contains(*identity))
-        throw UsageError(name + L": this is one of the files to read, and is not overwritten");
+        throw UsageError(name + L": this is one of the input files and is not overwritten");
     if (!force_ && !BeginsWith(file.get(), facts.firstBytes))
-        throw UsageError(name + L": this exists and is not a " + facts.name +
-                         L" file; only --force replaces it");
+        throw UsageError(name + L": this already exists and is not a " + facts.name +
+                         L" file; use --force to replace it");
 }
 
 } // namespace vantrel::tools

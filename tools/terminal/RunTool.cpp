@@ -16,8 +16,8 @@ namespace {
 
 enum ExitCode { done = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
-// Runs on a thread of its own, whatever the others do. Not ExitProcess, which waits for locks that they may
-// hold; and Wine's own way ends the process with exit code 0.
+// Runs on its own thread, whatever the others do. Not ExitProcess, which waits for locks that they may hold;
+// and Wine's default handler ends the process with exit code 0.
 BOOL WINAPI EndNow(DWORD) {
     OutputFile::DiscardAll();
     TerminateProcess(GetCurrentProcess(), interrupted);
@@ -49,7 +49,7 @@ int RunTool(const Tool& tool, int count, wchar_t** arguments) {
         return ok ? done : failed;
     } catch (const UsageError& error) {
         exitCode = wrongUsage;
-        words = error.Message() + L" (" + std::wstring(tool.name) + L" --help shows how)";
+        words = error.Message() + L" (see " + std::wstring(tool.name) + L" --help)";
     } catch (const Failure& failure) {
         words = failure.Message();
     } catch (const std::bad_alloc&) {
@@ -62,7 +62,7 @@ int RunTool(const Tool& tool, int count, wchar_t** arguments) {
         if (json)
             json->Close(false, words);
     } catch (const Failure&) {
-        // stdout is what failed, or fails too; the exit code says so.
+        // stdout is what failed, or fails as well; the exit code reports it.
     }
     return exitCode;
 }

@@ -30,7 +30,7 @@ std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
     case PixelMode::Rgb565:
         return name + L", colour " + Hexadecimal(transparentKey, 4) + L" is transparent";
     default:
-        return name + L" with a transparent colour, which means nothing here";
+        return name + L" with a transparent colour, which has no meaning here";
     }
 }
 

@@ -1,4 +1,4 @@
-// What is said of a file: a line for each fact, or the same as JSON.
+// What is reported about a file: one line per fact, or the same as JSON.
 #pragma once
 
 #include "tools/inspection/ZmiFile.h"
@@ -17,7 +17,7 @@ std::wstring DescribeFrame(const FileFrame& frame);
 // Lines about the file as a whole.
 std::vector<std::wstring> DescribeFile(const ZmiFile& file);
 
-// Add what is known of a frame, and of a file as a whole.
+// Add what is known about a frame, or about a file as a whole.
 void AddFrameFacts(JsonObject& object, const FileFrame& frame);
 void AddFileFacts(JsonObject& object, const ZmiFile& file);
 

@@ -15,7 +15,7 @@ public:
     explicit FrameList(std::wstring_view text);
 
     bool Contains(unsigned number) const;
-    // The highest number named; 0 when empty.
+    // The highest number in the list; 0 if empty.
     unsigned Last() const;
 
 private:

@@ -8,15 +8,15 @@ const std::wstring_view unpackHelp =
   zmi-unpack [options] FILE.zmi...
 
 NAME.zmi becomes NAME.png, or NAME-001.png and so on when it has several
-frames. Each is as large as its frame, with the transparent colour transparent.
+frames. Each has its frame's size, and the transparent colour is transparent.
 
   --out FOLDER    where the PNG files go (default: the current folder)
   --frames LIST   only these frames, counted from 1: 1,3,5-8
-  --gif FILE      all these frames as one animation, in 256 colours each; PNG
-                  files then only with --out
-  --delay MS      how long it shows each frame, 10 to 60000 (default 100)
-  --info          writes no pictures, but says what the files hold, and what is
-                  wrong with them and at which offset
+  --gif FILE      these frames as one animation, with 256 colours each; PNG
+                  files are then written only with --out
+  --delay MS      how long the GIF shows each frame, 10 to 60000 (default 100)
+  --info          writes no pictures, but says what the files contain, what is
+                  wrong with them, and at which offset
   --json          one JSON document on stdout instead of lines
   --force         replaces existing files that are not PNG or GIF files
   --help, --version
@@ -56,7 +56,7 @@ UnpackOptions ParseUnpackOptions(CommandLine& line) {
     if (options.info && (options.out || options.gif))
         throw UsageError(L"--info writes no pictures");
     if (hasDelay && !options.gif)
-        throw UsageError(L"--delay wants --gif");
+        throw UsageError(L"--delay needs --gif");
     return options;
 }
 

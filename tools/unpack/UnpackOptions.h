@@ -1,4 +1,4 @@
-// What the user of zmi-unpack asked for.
+// The options of zmi-unpack.
 #pragma once
 
 #include "tools/terminal/CommandLine.h"

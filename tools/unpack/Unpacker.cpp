@@ -12,7 +12,7 @@ namespace vantrel::tools {
 
 namespace {
 
-// "-007" of 12 frames, "-00007" of 12,000; nothing of one.
+// "-007" for 12 frames, "-00007" for 12,000; nothing for one.
 std::wstring NumberSuffix(unsigned number, unsigned count) {
     if (count == 1)
         return {};
@@ -66,7 +66,7 @@ bool Unpacker::UnpackFile(const std::wstring& name) {
     }
     const unsigned count = file ? file->Frames().FrameCount() : 0;
     if (fault.empty() && options_.frames.Last() > count)
-        fault = L"there is no frame " + std::to_wstring(options_.frames.Last()) + L", for the file has " +
+        fault = L"there is no frame " + std::to_wstring(options_.frames.Last()) + L"; the file has " +
                 std::to_wstring(count);
 
     if (options_.info && !json_) {
@@ -164,7 +164,7 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
                 take(std::bit_cast<Color>(word));
         });
     };
-    // Transparent pixels have one colour, which is an entry of its own beside that of opaque ones.
+    // Transparent pixels have one colour, with its own entry besides those of opaque pixels.
     std::optional<Color> transparent;
     bool ok = forEachPixel([&](Color pixel) {
         if (pixel.alpha == 0)
@@ -190,7 +190,7 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
 void Unpacker::FinishAnimation() {
     const std::wstring path = options_.gif->wstring();
     if (animated_ == 0)
-        throw Failure(path + L": there is no frame for it");
+        throw Failure(path + L": there are no frames to write");
     animation_->Finish();
     animationFile_->Commit();
     if (json_)
@@ -213,7 +213,7 @@ void Unpacker::Report(const std::wstring& name, const std::wstring& fault, Resul
     else if (results.faults <= most)
         PrintError(L"zmi-unpack: " + name + L": " + fault);
     else if (results.faults == most + 1)
-        PrintError(L"zmi-unpack: " + name + L": and more; --info names them all");
+        PrintError(L"zmi-unpack: " + name + L": and more; --info lists everything");
 }
 
 } // namespace vantrel::tools

@@ -19,11 +19,12 @@ namespace vantrel::tools {
 
 class Unpacker {
 public:
-    // Both outlive the unpacker; the document is there when --json was given. Throws as OutputFile does.
+    // Both must outlive the unpacker; the document is non-null if --json was given. Throws what OutputFile
+    // throws.
     Unpacker(const UnpackOptions& options, JsonDocument* json);
 
-    // False when a file or a frame was broken; that was reported, and all others were unpacked. Throws
-    // Failure when an output fails.
+    // False if a file or a frame was broken; this was reported, and all others were unpacked. Throws Failure
+    // if an output fails.
     bool Run();
 
 private:

@@ -10,8 +10,8 @@ namespace vantrel::tools {
 
 namespace {
 
-constexpr unsigned smallestThumbnail = 48; // of Explorer's medium icons
-constexpr unsigned largestThumbnail = 256; // of its extra large ones
+constexpr unsigned smallestThumbnail = 48; // Explorer's medium icons
+constexpr unsigned largestThumbnail = 256; // Explorer's extra large icons
 
 struct SettingEffect {
     std::wstring_view name;
@@ -42,7 +42,7 @@ std::wstring Quoted(const std::wstring& text) {
     return L'"' + text + L'"';
 }
 
-// One fault as it is; several as their number and the first.
+// One fault as is; several as their number and the first.
 std::wstring Counted(const std::vector<std::wstring>& faults, const wchar_t* summary) {
     if (faults.size() == 1)
         return faults.front();
@@ -59,9 +59,9 @@ private:
     void Add(Health health, std::wstring text, std::wstring fix = {}) {
         findings_.push_back({health, std::move(text), std::move(fix)});
     }
-    // The value that holds this text for a class; without text, its server's path. Null when there is none.
+    // The value that has this text for a class; without text, its server's path. Null if there is none.
     const ValueFacts* Find(HandlerKind kind, std::wstring_view data) const;
-    // What is wrong with a value and where it stands or ought to; empty when nothing is wrong.
+    // What is wrong with a value and where it is or should be; empty if nothing is wrong.
     std::wstring FaultOf(const ValueFacts& value) const;
     void CheckMachine();
     void CheckRegistration();
@@ -74,9 +74,9 @@ private:
     void CheckFile(const FileFacts& file);
 
     const DoctorFacts& facts_;
-    std::ptrdiff_t userValues_ = 0; // of the 27 that either hive may hold
+    std::ptrdiff_t userValues_ = 0; // of the 27 that may be in either hive
     std::ptrdiff_t machineValues_ = 0;
-    bool isUserOnly_ = false;    // a class's server is registered for this user alone
+    bool isUserOnly_ = false;    // a class's server is registered for this user only
     std::wstring registerAgain_; // fixes
     std::wstring unhide_;
     std::vector<Finding> findings_;
@@ -141,7 +141,7 @@ std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
 void Diagnosis::CheckMachine() {
     if (facts_.isArm64)
         Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
-            L"none on this machine, for Vantrel64 is x64 only");
+            L"none on this machine: Vantrel64 is x64 only");
     if (facts_.isExplorerElevated && isUserOnly_)
         Add(Health::Fail,
             std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
@@ -151,10 +151,10 @@ void Diagnosis::CheckMachine() {
 
 void Diagnosis::CheckRegistration() {
     if (userValues_ == 0 && machineValues_ == 0) {
-        // The property handler's value outlives an unregistration, so it does not count here.
+        // The property handler's value survives unregistration, so it does not count here.
         Add(Health::Fail,
             L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
-            L"install Vantrel64, or " + registerAgain_ + L" as the user who is to see the thumbnails");
+            L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
         return;
     }
     const std::size_t before = findings_.size();
@@ -162,7 +162,7 @@ void Diagnosis::CheckRegistration() {
     for (const ValueFacts& value : facts_.values) {
         std::wstring fault = FaultOf(value);
         if (fault.empty() || value.IsHiding())
-            continue; // those have a check of their own
+            continue; // those have their own check
         if (value.expected.isForMachine)
             Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
                 registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
@@ -178,7 +178,7 @@ void Diagnosis::CheckRegistration() {
                             L" for the machine (HKLM)");
 }
 
-// A registration for this user, as version 1.0.0 left it, hides the machine's.
+// A registration for this user, such as one left by version 1.0.0, hides the machine's.
 void Diagnosis::CheckHiding() {
     std::ptrdiff_t count = 0;
     std::wstring difference;
@@ -198,7 +198,7 @@ void Diagnosis::CheckHiding() {
             unhide_);
 }
 
-// Empty when these classes can be made from it.
+// Empty if it can create these classes.
 std::wstring Diagnosis::FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const {
     if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
         return L" is not found";
@@ -257,7 +257,7 @@ void Diagnosis::CheckLibraries() {
     else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
         Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
             L"the registered library is " + registered[0] + L", not " + *expected,
-            machineValues_ ? L"install the one that you want" : L"run regsvr32 " + Quoted(*expected));
+            machineValues_ ? L"install the one you want" : L"run regsvr32 " + Quoted(*expected));
 }
 
 void Diagnosis::CheckCom() {
@@ -288,9 +288,9 @@ void Diagnosis::CheckHandlers() {
     for (const HandlerKind kind : allHandlers) {
         const HandlerClass& known = ClassOf(kind);
         const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
-        const ValueFacts* binding = Find(kind, known.classId); // none for the column handler
+        const ValueFacts* binding = Find(kind, known.classId); // null for the column handler
         if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
-            continue; // a wrong binding has been told
+            continue; // a wrong binding has already been reported
         std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
         std::wstring fix = registerAgain_;
         for (const ProgramFacts& program : facts_.programs) {
@@ -314,11 +314,11 @@ void Diagnosis::CheckHandlers() {
             continue;
         isClear = false;
         Add(Health::Warn,
-            L"the program " + program.progId + L" has an icon of its own, which Explorer may show instead",
+            L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
             LR"(if it does, delete HKEY_CLASSES_ROOT\)" + program.progId + LR"(\DefaultIcon)");
     }
     if (isClear)
-        Add(Health::Ok, L"no other program's handler or icon stands in the way");
+        Add(Health::Ok, L"no other program's handler or icon interferes");
 }
 
 void Diagnosis::CheckSettings() {
@@ -334,7 +334,7 @@ void Diagnosis::CheckSettings() {
             Add(Health::Fail, std::wstring(L"the class ") + ClassOf(kind).description + L" is blocked",
                 std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
     if (findings_.size() == before)
-        Add(Health::Ok, L"no setting and no policy turns thumbnails off");
+        Add(Health::Ok, L"no setting or policy turns thumbnails off");
 }
 
 void Diagnosis::CheckFile(const FileFacts& file) {
@@ -355,14 +355,14 @@ void Diagnosis::CheckFile(const FileFacts& file) {
             name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
             L"in Explorer, choose \"Always keep on this device\" for it");
     else if (file.fault)
-        Add(Health::Fail, name + *file.fault, L"make the file again, or get a fresh copy of it");
+        Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
     else if (smallest > smallestThumbnail)
         Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
             name + std::to_wstring(file.width) + L" x " + std::to_wstring(file.height) +
                 L" pixels is too thin for thumbnails smaller than " + std::to_wstring(smallest) + L" pixels",
             L"crop the picture, or put it on a squarer canvas");
     else
-        Add(Health::Ok, name + L"header, trailer and frames are sound");
+        Add(Health::Ok, name + L"header, trailer and frames are valid");
 }
 
 } // namespace

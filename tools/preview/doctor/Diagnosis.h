@@ -1,5 +1,4 @@
-// What is wrong with a machine on which ZMI files show no pictures, and how to fix it: facts in, findings
-// out.
+// The diagnosis of a machine on which ZMI files show no pictures: facts in, findings with fixes out.
 #pragma once
 
 #include "tools/preview/doctor/DoctorFacts.h"
@@ -14,10 +13,10 @@ enum class Health { Ok, Warn, Fail };
 struct Finding {
     Health health;
     std::wstring text; // what was found, in one sentence
-    std::wstring fix;  // empty when there is nothing to fix, or no way to
+    std::wstring fix;  // empty if there is nothing to fix, or no way to
 };
 
-// In the order of the road from the registration to the files. Depends on nothing but the facts.
+// Ordered from the registration to the files. Depends on nothing but the facts.
 std::vector<Finding> Diagnose(const DoctorFacts& facts);
 
 } // namespace vantrel::tools

@@ -10,8 +10,8 @@
 
 namespace vantrel::tools {
 
-// Prints one line per finding, or a list of them in the document. With a library given, it is the one that
-// ought to be registered; the arguments are files and folders. False when something failed.
+// Prints one line per finding, or a list of them in the document. A given library is the one that should be
+// registered; the arguments are files and folders. False when something failed.
 bool RunDoctor(const std::optional<std::filesystem::path>& library,
                const std::vector<std::wstring>& arguments, JsonDocument* json);
 

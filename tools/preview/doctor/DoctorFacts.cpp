@@ -23,7 +23,7 @@ Function FindFunction(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-// Some of the functions that follow end the process there, or answer for other reasons than Windows does.
+// Under Wine some of the functions below end the process, or don't answer as Windows does.
 bool IsWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
@@ -36,11 +36,11 @@ bool IsArm64() {
     return ask && ask(GetCurrentProcess(), &process, &machine) && machine == IMAGE_FILE_MACHINE_ARM64;
 }
 
-// Above medium integrity, where COM ignores what is registered for one user.
+// Above medium integrity, where COM ignores per-user registration.
 bool IsElevated(HANDLE process) {
     HANDLE opened = nullptr;
     if (!OpenProcessToken(process, TOKEN_QUERY, &opened))
-        return GetLastError() == ERROR_ACCESS_DENIED; // this user's, and yet out of reach
+        return GetLastError() == ERROR_ACCESS_DENIED; // the same user's, yet out of reach
     const UniqueKernelHandle token(opened);
     alignas(TOKEN_MANDATORY_LABEL) std::array<std::byte, 256> buffer{};
     DWORD size = 0;
@@ -55,7 +55,7 @@ void AskForRights(DoctorFacts& facts) {
     facts.isUacOff =
         ReadNumber(HKEY_LOCAL_MACHINE, LR"(Software\Microsoft\Windows\CurrentVersion\Policies\System)",
                    L"EnableLUA", 1) == 0;
-    // Without UAC all of a user's processes have the same rights.
+    // Without UAC all processes of a user have the same rights.
     facts.isExplorerElevated = facts.isUacOff && facts.isDoctorElevated;
     DWORD processId = 0;
     GetWindowThreadProcessId(GetShellWindow(), &processId);
@@ -140,7 +140,7 @@ std::optional<std::wstring> AskShell(const wchar_t* shellEx) {
     auto size = static_cast<DWORD>(text.size());
     if (AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, L".zmi", shellEx, text.data(), &size) == S_OK)
         return text.data();
-    // It promises an answer for interface identifiers, so silence about "IconHandler" says nothing.
+    // Documented for interface identifiers only, so no answer for "IconHandler" means nothing.
     return shellEx[0] == L'{' ? std::optional<std::wstring>(L"") : std::nullopt;
 }
 
@@ -149,14 +149,14 @@ ClassFacts AskForClass(HandlerKind kind, bool isWine) {
     ClassFacts facts;
     facts.created = CreateByCom(known);
     if (isWine && KeyExists(HKEY_CURRENT_USER, classesKey + (LR"(CLSID\)" + std::wstring(known.classId))))
-        facts.created.reset(); // its COM reads HKEY_LOCAL_MACHINE alone
+        facts.created.reset(); // its COM reads only HKEY_LOCAL_MACHINE
     if (!isWine && kind == HandlerKind::Properties)
         facts.answer = AskPropertySystem();
     else if (!isWine && known.shellEx)
         facts.answer = AskShell(known.shellEx);
     const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
     for (const auto& [root, name] : hives) {
-        // Whatever type the values are of: their names are what counts.
+        // Only the names of the values count, not their types.
         const auto isListed = [&, root = root](const wchar_t* list) {
             return !ReadValue(root, extensions + list, known.classId).IsMissing();
         };

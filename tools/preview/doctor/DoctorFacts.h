@@ -1,4 +1,4 @@
-// What the doctor asks of the system, as plain values; Diagnosis.h judges them.
+// What the doctor asks the system, as plain values; Diagnosis.h evaluates them.
 #pragma once
 
 #include "tools/preview/doctor/Registration.h"
@@ -13,7 +13,7 @@
 
 namespace vantrel::tools {
 
-// One value of the registration as it stands in the two hives.
+// One value of the registration as found in the two hives.
 struct ValueFacts {
     RegistrationValue expected;
     RegistryText user;
@@ -27,19 +27,19 @@ struct ValueFacts {
 // A library, loaded by its path.
 struct ServerFacts {
     std::wstring path;
-    HRESULT loaded = S_OK;                             // "file not found" for the library itself only
-    std::array<HRESULT, allHandlers.size()> created{}; // each class, made by the library's own factory
+    HRESULT loaded = S_OK; // "file not found" means the library itself, not a dependency
+    std::array<HRESULT, allHandlers.size()> created{}; // each class, created by the library's own factory
 };
 
 struct ClassFacts {
-    std::optional<HRESULT> created{}; // by COM, through the registry; absent where COM sees half of that
-    // The class that the system names for .zmi: empty when it names none, absent where it can't be asked.
+    std::optional<HRESULT> created{}; // by COM, through the registry; absent if COM sees only part of that
+    // The class that the system uses for .zmi: empty if there is none, absent if the system can't be asked.
     std::optional<std::wstring> answer{};
     bool isApproved = false;
     std::optional<std::wstring> blockingKey{};
 };
 
-// A program that .zmi files are opened with, and what it registers for itself.
+// A program that .zmi files are opened with, and its own registration.
 struct ProgramFacts {
     std::wstring progId;
     std::array<std::wstring, allHandlers.size()> handlers{}; // class identifiers
@@ -50,12 +50,12 @@ struct FileFacts {
     std::wstring shown; // as the user wrote it
     bool isFolder = false;
     DWORD attributes = 0;
-    std::optional<std::wstring> unread{}; // why nothing more is known: not found, an empty folder
+    std::optional<std::wstring> unread{}; // why nothing more is known, such as "not found"
     std::optional<std::wstring> fault{};  // what is wrong with it as a ZMI file
     unsigned width = 0;                   // of frame 0 in pixels
     unsigned height = 0;
 
-    // A placeholder whose content is in a cloud or on another medium; it isn't opened.
+    // A placeholder whose content is in the cloud or on other storage; it isn't opened.
     bool IsElsewhere() const;
 };
 
@@ -65,17 +65,17 @@ struct DoctorFacts {
     bool isExplorerElevated = false;
     bool isDoctorElevated = false;
     std::vector<ValueFacts> values;
-    std::vector<ServerFacts> servers;         // every registered path once, and the given library's
+    std::vector<ServerFacts> servers;         // each registered path once, and the given library's
     std::optional<std::wstring> givenLibrary; // by --dll
-    std::optional<std::wstring> ownLibrary;   // that lies beside this program, as the installer puts both
+    std::optional<std::wstring> ownLibrary;   // in this program's folder, where the installer puts both
     std::array<ClassFacts, allHandlers.size()> classes;
     std::vector<ProgramFacts> programs;
     std::vector<std::wstring> settings; // names of values that are not 0, as "HKCU\\key\\name"
     std::vector<FileFacts> files;
 };
 
-// Asks the system. COM must be initialized; the arguments are files and folders. Nothing is changed, but
-// registered libraries are loaded.
+// Queries the system. COM must be initialized; the arguments are files and folders. Changes nothing, but
+// loads registered libraries.
 DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary,
                         const std::vector<std::wstring>& arguments);
 

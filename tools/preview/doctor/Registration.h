@@ -11,7 +11,7 @@ struct RegistrationValue {
     std::wstring key;
     const wchar_t* name;       // null: the key's default value
     std::wstring data;         // empty: the path of the library
-    bool isForMachine = false; // counts under HKEY_LOCAL_MACHINE alone
+    bool isForMachine = false; // counts only under HKEY_LOCAL_MACHINE
 };
 
 std::vector<RegistrationValue> ExpectedRegistration();

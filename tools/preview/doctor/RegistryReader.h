@@ -1,4 +1,4 @@
-// Read-only questions to the registry.
+// Read-only registry queries.
 #pragma once
 
 #include <windows.h>
@@ -18,10 +18,10 @@ struct RegistryText {
 // A string value with its environment variables expanded. A null name is the key's default value.
 RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name = nullptr);
 
-// The value's text; empty when it can't be read.
+// The value's text; empty if it can't be read.
 std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name = nullptr);
 
-// The value's number, or the other one when it is missing or not a REG_DWORD.
+// The value's number, or the default if it is missing or not a REG_DWORD.
 DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD otherwise = 0);
 
 bool KeyExists(HKEY root, const std::wstring& key);

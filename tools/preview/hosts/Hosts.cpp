@@ -71,8 +71,8 @@ ComPtr<Interface> CreateOverPath(HandlerRegistry& registry, HandlerKind kind, co
     return handler;
 }
 
-// A short name for the properties that ZMI handlers serve, "{format} number" for any other. The system's own
-// PSGetNameFromPropertyKey is left alone: Wine ends the process there.
+// A short name for the properties that ZMI handlers serve, "{format} number" for any other. Not
+// PSGetNameFromPropertyKey, which ends the process under Wine.
 std::wstring PropertyName(const PROPERTYKEY& key) {
     for (const auto& [known, name] : namedProperties)
         if (known.pid == key.pid && IsEqualGUID(known.fmtid, key.fmtid))
@@ -82,7 +82,7 @@ std::wstring PropertyName(const PROPERTYKEY& key) {
     return std::wstring(format.data()) + L" " + std::to_wstring(key.pid);
 }
 
-// Stores the value in the result, and clears it. Throws Failure for a type that no ZMI handler delivers.
+// Stores the value in the result, and clears it. Throws Failure for a type that no ZMI handler returns.
 void TakeValue(PROPVARIANT& value, HandlerResult& result) {
     const VARTYPE type = value.vt;
     if (type == VT_BSTR)
@@ -95,13 +95,13 @@ void TakeValue(PROPVARIANT& value, HandlerResult& result) {
     if (result.number)
         result.text = std::to_wstring(*result.number);
     else if (type != VT_BSTR && type != VT_LPWSTR)
-        throw Failure(L"a value of the unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
+        throw Failure(L"a value of unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
     else if (result.request == L"dimensions")
         std::swscanf(result.text.c_str(), L"%u x %u", &result.picture.width, &result.picture.height);
 }
 
-// As the old hosts did it: the bare pointer goes to the second thread, and only one thread uses the object at
-// a time. Marshalling it would send Extract back to the thread that wants to be spared.
+// As old hosts did it: the raw pointer goes to the second thread, and only one thread uses the object at a
+// time. Marshalling it would run Extract on the first thread again, which is to be spared.
 HRESULT ExtractOnSecondThread(IExtractImage& extractor, HBITMAP& bitmap) {
     HRESULT result = E_UNEXPECTED;
     std::thread([&] {
@@ -111,7 +111,7 @@ HRESULT ExtractOnSecondThread(IExtractImage& extractor, HBITMAP& bitmap) {
     return result;
 }
 
-// False when the path does not fit, as a column's old structures hold no longer one.
+// False if the path does not fit into the old fixed-size structures of column handlers.
 bool Store(const std::wstring& path, wchar_t (&target)[MAX_PATH]) {
     if (path.size() >= MAX_PATH)
         return false;
@@ -163,7 +163,7 @@ void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vec
 
 void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
                           std::vector<HandlerResult>& results) {
-    // Not square, so that the box around the picture shows.
+    // Not square, so that the bars around the picture are visible.
     constexpr SIZE box = {160, 120};
     ComPtr<IExtractImage2> extractor;
     const std::wstring size = std::to_wstring(box.cx) + L" x " + std::to_wstring(box.cy);
@@ -208,7 +208,7 @@ void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
 void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
     HICON largeIcon = nullptr;
     HICON smallIcon = nullptr;
-    // One request makes both icons; when it fails, the large one may be there all the same.
+    // One request makes both icons; if it fails, the large one may still exist.
     std::vector<HandlerResult> both;
     Attempt(both, HandlerKind::Icon, {}, [&](HandlerResult&) {
         const auto extractor = CreateOverPath<IExtractIconW>(registry, HandlerKind::Icon, file);
@@ -248,7 +248,7 @@ void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<
         item.dwFileAttributes = GetFileAttributesW(file.path.c_str());
         if (!Store(file.path.parent_path().wstring(), folder.wszFolder) ||
             !Store(file.path.wstring(), item.wszFile)) {
-            result.text = L"not asked, as a column request holds no path of more than 259 characters";
+            result.text = L"not asked, since a column request can't hold a path longer than 259 characters";
             return;
         }
         Check(provider->Initialize(&folder), L"Initialize");
@@ -256,7 +256,7 @@ void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<
         SHCOLUMNINFO column{};
         Check(provider->GetColumnInfo(0, &column), L"GetColumnInfo");
         result.request = PropertyName(column.scid);
-        // PROPVARIANT begins as VARIANT does, and what a column delivers is a string in both.
+        // PROPVARIANT has the same layout as VARIANT for the strings that columns return.
         PROPVARIANT value;
         PropVariantInit(&value);
         Check(provider->GetItemData(&column.scid, &item, reinterpret_cast<VARIANT*>(&value)), L"GetItemData");

@@ -1,4 +1,4 @@
-// The hosts of the Shell, each asking its handler about one file as the original does.
+// The Shell's hosts, each asking its handler about one file as the real one does.
 #pragma once
 
 #include "tools/preview/HandlerRegistry.h"
@@ -12,28 +12,28 @@
 
 namespace vantrel::tools {
 
-// The answer to one request. A picture that was handed out has pixels and a suffix for its PNG file's name.
+// The result of one request. If it is a picture, it has pixels and a suffix for its PNG file's name.
 struct HandlerResult {
     HandlerKind handler{};
     std::wstring request{};
     bool ok = false;
     std::wstring text{}; // the value, or what went wrong
     HRESULT code = S_OK;
-    Picture picture{}; // only its dimensions where the value is no picture but tells some
+    Picture picture{}; // only the dimensions if the value is a text with dimensions
     std::optional<unsigned> number{};
     std::wstring isoTime{};
     std::wstring pngSuffix{};
-    std::wstring png{}; // where the picture was written, empty when it was not
+    std::wstring png{}; // where the picture was written; empty if it was not
 };
 
-// Each appends one result per request; a request that fails is a result, too.
+// Each appends one result per request, also for failed requests.
 
 // Explorer's thumbnails: a stream in, a bitmap of at most the given edge in pixels out.
 void AskForThumbnails(HandlerRegistry& registry, const InputFile& file, std::span<const unsigned> edges,
                       std::vector<HandlerResult>& results);
-// The property system: a stream in, each property that the store counts out.
+// The property system: a stream in, every property of the store out.
 void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results);
-// Older hosts: a path in, a bitmap out of a second thread, and the file's date.
+// Older hosts: a path in, a bitmap from a second thread and the file's date out.
 void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
                           std::vector<HandlerResult>& results);
 // Explorer's icons: a path in, both icons out.

@@ -15,7 +15,7 @@ int CALLBACK NoteFont(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM found) 
     return 0;
 }
 
-// The first of these faces that is installed: Windows has the first one, Wine on Linux mostly the second.
+// The first of these faces that is installed: Windows has the first one, Wine on Linux usually the second.
 const wchar_t* ChooseFace(HDC context) {
     for (const wchar_t* face : {L"Segoe UI", L"DejaVu Sans", L"Liberation Sans", L"Noto Sans"}) {
         LOGFONTW wanted{};

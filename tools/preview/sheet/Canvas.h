@@ -14,19 +14,19 @@ enum class TextStyle { Heading, Title, Body, Small };
 
 class Canvas {
 public:
-    // Throws Failure when there is no memory for so large a page.
+    // Throws Failure if there is not enough memory for the page.
     Canvas(unsigned width, unsigned height, COLORREF background);
 
     void Fill(const RECT& box, COLORREF colour);
     void Checkerboard(const RECT& box);
-    // Centred in the box, blended by its alpha when it has one; what does not fit is cut off.
+    // Centred in the box, blended if it has alpha, and clipped.
     void Draw(const Picture& picture, const RECT& box);
-    // DrawTextW's format flags, with an ellipsis at the end of what does not fit.
+    // Takes DrawTextW's format flags; text that does not fit ends in an ellipsis.
     void Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF colour, UINT format);
 
     unsigned Width() const { return width_; }
     unsigned Height() const { return height_; }
-    // Rows from top to bottom; the alpha bytes carry no meaning.
+    // Rows from top to bottom; the alpha bytes are meaningless.
     const std::uint32_t* Pixels() const;
 
 private:
@@ -35,7 +35,7 @@ private:
     std::uint32_t* pixels_ = nullptr;
     UniqueBitmap bitmap_;
     std::array<UniqueFont, 4> fonts_;
-    UniqueDc context_; // goes first, since a selected object can't be deleted
+    UniqueDc context_; // destroyed first, since a selected object can't be deleted
 };
 
 } // namespace vantrel::tools

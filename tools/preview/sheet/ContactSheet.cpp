@@ -42,8 +42,8 @@ LONG CardHeight(unsigned edge) {
            aboveIcons + iconRowHeight;
 }
 
-// Somewhat wider than high, as screens and pages are, but not wider than one likes to scroll; of the two
-// column counts next to that shape the one that leaves fewer places empty.
+// Somewhat wider than high, like screens and pages, but not too wide; of the two column counts closest to
+// that shape, the one that leaves fewer places empty.
 LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
     constexpr double widthToHeight = 1.3;
     constexpr LONG mostColumns = 12;
@@ -70,7 +70,7 @@ std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view
     return result ? result->text : L"";
 }
 
-// "640 x 480 · 16 bit", without what the handler did not tell.
+// "640 x 480 · 16 bit", without what the handler did not return.
 std::wstring Facts(const FileReport& report) {
     const std::wstring dimensions = Value(report, HandlerKind::Properties, L"dimensions");
     const std::wstring depth = Value(report, HandlerKind::Properties, L"bit depth");

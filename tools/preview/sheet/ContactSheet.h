@@ -11,10 +11,10 @@ namespace vantrel::tools {
 
 class ContactSheet {
 public:
-    // For at least one file. Throws Failure when they are too many for one page.
+    // For at least one file. Throws Failure if there are too many for one page.
     explicit ContactSheet(std::size_t fileCount);
 
-    // The thumbnail size that the cards show, in pixels: smaller when the files are many.
+    // The thumbnail size on the cards, in pixels: smaller for many files.
     unsigned ThumbnailEdge() const { return edge_; }
 
     // Draws the next card. The report's pictures are needed only during the call.
