@@ -235,11 +235,11 @@ TEST(Registration, NeedsTheModulesPath) {
          {std::pair<DWORD, DWORD>{0, ERROR_ACCESS_DENIED}, {0, 0}, {MAX_PATH, 0}}) {
         RegistryWatch watch;
         const ImportHook<"GetModuleFileNameW", DWORD(HMODULE, wchar_t*, DWORD)> path(
-            TheDll(), [length = length, error = error](auto, HMODULE module, wchar_t* buffer, DWORD size) {
+            TheDll(), [result = length, code = error](auto, HMODULE module, wchar_t* buffer, DWORD size) {
                 EXPECT_TRUE(module == TheDll() && size == MAX_PATH);
-                std::fill_n(buffer, length, L'x');
-                SetLastError(error);
-                return length;
+                std::fill_n(buffer, result, L'x');
+                SetLastError(code);
+                return result;
             });
         EXPECT_EQ(HRESULT_FROM_WIN32(error), Register());
         if (length == 0)

@@ -157,8 +157,8 @@ ClassFacts AskForClass(HandlerKind kind, bool isWine) {
     const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
     for (const auto& [root, name] : hives) {
         // Only the names of the values count, not their types.
-        const auto isListed = [&, root = root](const wchar_t* list) {
-            return !ReadValue(root, extensions + list, known.classId).IsMissing();
+        const auto isListed = [&, hive = root](const wchar_t* list) {
+            return !ReadValue(hive, extensions + list, known.classId).IsMissing();
         };
         facts.isApproved = facts.isApproved || isListed(L"Approved");
         if (isListed(L"Blocked"))
