@@ -1,7 +1,7 @@
 #include "tools/preview/HandlerRegistry.h"
 
 #include "support/IColumnProvider.h"
-#include "tools/preview/doctor/RegistryReader.h"
+#include "tools/preview/RegistryReader.h"
 #include "tools/terminal/Failure.h"
 
 #include <windows.h>

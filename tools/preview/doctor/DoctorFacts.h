@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/preview/doctor/Registration.h"
-#include "tools/preview/doctor/RegistryReader.h"
 #include "tools/preview/HandlerRegistry.h"
+#include "tools/preview/RegistryReader.h"
 
 #include <array>
 #include <filesystem>

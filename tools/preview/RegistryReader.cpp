@@ -1,4 +1,4 @@
-#include "tools/preview/doctor/RegistryReader.h"
+#include "tools/preview/RegistryReader.h"
 
 #include "support/Handles.h"
 
