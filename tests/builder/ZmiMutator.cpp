@@ -46,8 +46,10 @@ std::uint32_t ZmiMutator::TellingNumber(const Bytes& file) {
     const auto end = static_cast<std::uint32_t>(file.size() - 4);
     constexpr std::uint32_t edges[] = {0,   1,   7,      8,      9,          16,        24,
                                        255, 256, 0x7FFF, 0xFFFF, 0x7FFFFFFF, 0x80000000};
-    const std::uint32_t numbers[] = {edges[Pick(std::size(edges))] - Pick(2), end - Pick(600), end + Pick(3),
-                                     payload + Pick(700) - 2, payload + Pick(file.size() - payload)};
+    // One Pick a statement or list entry: within an expression, compilers differ in which comes first.
+    const std::uint32_t edge = edges[Pick(std::size(edges))];
+    const std::uint32_t numbers[] = {edge - Pick(2), end - Pick(600), end + Pick(3), payload + Pick(700) - 2,
+                                     payload + Pick(file.size() - payload)};
     return numbers[Pick(std::size(numbers))];
 }
 
@@ -71,8 +73,8 @@ void ZmiMutator::Mutate(Bytes& file) {
         constexpr Field recordFields[] = {frame_record::dataOffset, frame_record::paletteOffset,
                                           frame_record::flags, frame_record::width, frame_record::height};
         const bool inRecord = hasRecord && Pick(3) > 0;
-        SetField(file, inRecord ? record : payload, (inRecord ? recordFields : headerFields)[Pick(5)],
-                 TellingNumber(file));
+        const Field field = (inRecord ? recordFields : headerFields)[Pick(5)];
+        SetField(file, inRecord ? record : payload, field, TellingNumber(file));
         break;
     }
     case 3:
@@ -88,9 +90,10 @@ void ZmiMutator::Mutate(Bytes& file) {
     }
     case 5: { // bytes removed or inserted somewhere in the payload
         const auto at = file.begin() + static_cast<std::ptrdiff_t>(payload + Pick(file.size() - payload - 3));
-        if (Pick(2) == 0)
-            file.insert(at, Pick(60), static_cast<std::uint8_t>(Pick(256)));
-        else
+        if (Pick(2) == 0) {
+            const std::uint32_t count = Pick(60);
+            file.insert(at, count, static_cast<std::uint8_t>(Pick(256)));
+        } else
             file.erase(at, at + std::min<std::ptrdiff_t>(Pick(60), file.end() - 4 - at));
         Repair(file);
         break;
