@@ -6,14 +6,15 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace vantrel::tests {
 
 namespace {
 
-void ExpectText(const TextBuffer& text, const std::wstring& expected, std::size_t capacity = 260) {
+void ExpectText(const TextBuffer& text, std::wstring_view expected, std::size_t capacity = 260) {
     ASSERT_NE(text.Buffer(), nullptr);
-    EXPECT_TRUE(std::wstring(text.Buffer()) == expected);
+    EXPECT_TRUE(text.Buffer() == expected);
     EXPECT_EQ(text.Length(), expected.size() + 1);
     EXPECT_EQ(text.Capacity(), capacity);
 }
