@@ -1,7 +1,7 @@
 // Whether SSE2 is available, as on every x64 processor, and its unaligned loads and stores.
 #pragma once
 
-#if defined(__SSE2__) || (defined(_M_X64) && !defined(_M_ARM64EC))
+#if !defined(VANTREL_PLAIN) && (defined(__SSE2__) || (defined(_M_X64) && !defined(_M_ARM64EC)))
 #define VANTREL_SSE2
 
 #include <cstdint>

@@ -39,7 +39,7 @@ void NTAPI OnLoader(void*, DWORD reason, void* processEnds) {
     if (reason == DLL_PROCESS_ATTACH)
         g_slot = FlsAlloc(FreeState);
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
-        FlsFree(g_slot); // along along with every thread's state
+        FlsFree(g_slot); // along with every thread's state
         __gnu_cxx::__freeres();
     }
 }
