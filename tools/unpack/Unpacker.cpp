@@ -115,10 +115,12 @@ void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_
                 names_.Take(std::filesystem::path(name).stem().wstring() +
                             NumberSuffix(index + 1U, file.Frames().FrameCount()));
             isRead = WritePicture(file, index, *frame, path);
-            facts.Add("png", path.wstring());
-            if (results.pictures++ == 0)
-                results.first = path;
-            results.last = path;
+            if (isRead) {
+                facts.Add("png", path.wstring());
+                if (results.pictures++ == 0)
+                    results.first = path;
+                results.last = path;
+            }
         }
         if (!isRead)
             fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
