@@ -5,10 +5,8 @@
 namespace vantrel {
 
 HRESULT PersistedPath::Load(LPCOLESTR fileName, DWORD) noexcept {
-    if (!fileName)
-        return E_POINTER;
     return GuardBoundary(E_FAIL, [&] {
-        path_ = fileName;
+        path_ = fileName ? fileName : L"";
         return S_OK;
     });
 }

@@ -14,7 +14,7 @@ class PersistedPath : public IPersistFile {
 public:
     HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) noexcept final;
     HRESULT STDMETHODCALLTYPE IsDirty() noexcept final;
-    // Stores the path and opens nothing.
+    // Stores the path, null being the empty one, and opens nothing. E_OUTOFMEMORY if it can't be stored.
     HRESULT STDMETHODCALLTYPE Load(LPCOLESTR fileName, DWORD mode) noexcept override;
     HRESULT STDMETHODCALLTYPE Save(LPCOLESTR fileName, BOOL remember) noexcept final;
     HRESULT STDMETHODCALLTYPE SaveCompleted(LPCOLESTR fileName) noexcept final;

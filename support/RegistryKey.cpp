@@ -4,8 +4,56 @@
 
 #include <cwchar>
 #include <iterator>
+#include <limits>
 
 namespace vantrel {
+
+namespace {
+
+using KeyName = wchar_t[MAX_PATH];
+
+bool FindFirstSubkey(HKEY key, KeyName& name) {
+    DWORD length = MAX_PATH;
+    return RegEnumKeyExW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+}
+
+DWORD CountSubkeys(HKEY key) {
+    DWORD count = 0;
+    RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr);
+    return count;
+}
+
+// Deletes everything below a key. The stack is limited, so all levels share one name: it may be keyPath
+// itself, and is lost.
+bool DeleteSubkeys(HKEY root, const wchar_t* keyPath, KeyName& name, unsigned depth) {
+    // No key lies deeper than this, so it is a cycle of links.
+    constexpr unsigned mostLevels = 512;
+    if (depth > mostLevels)
+        return false;
+    {
+        // If the key's security can't be changed, deletion is tried with the existing rights.
+        SecurityApi api;
+        GrantEveryoneFullAccess(api, root, keyPath);
+    }
+    RegistryKey key;
+    if (RegCreateKeyW(root, keyPath, key.Put()) != ERROR_SUCCESS)
+        return false;
+    DWORD left = std::numeric_limits<DWORD>::max();
+    while (FindFirstSubkey(key.Get(), name)) {
+        // Each pass removes a subkey, unless it is a link.
+        const DWORD count = CountSubkeys(key.Get());
+        if (count >= left)
+            return false;
+        left = count;
+        if (!DeleteSubkeys(key.Get(), name, name, depth + 1) || !FindFirstSubkey(key.Get(), name) ||
+            RegDeleteKeyW(key.Get(), name) != ERROR_SUCCESS)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 HKEY* RegistryKey::Put() {
     Close();
@@ -33,34 +81,8 @@ BOOL RegistryKey::DeleteValueByPath(HKEY root, const wchar_t* path) {
 }
 
 BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath) {
-    return DeleteKeyTree(root, keyPath, 0);
-}
-
-BOOL RegistryKey::DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth) {
-    // This deep it is almost certainly a cycle of links, and the stack is limited.
-    constexpr unsigned mostLevels = 128;
-    if (depth > mostLevels)
-        return FALSE;
-    {
-        // If the key's security can't be changed, deletion is tried with the existing rights.
-        SecurityApi api;
-        GrantEveryoneFullAccess(api, root, keyPath);
-    }
-    RegistryKey key;
-    if (RegCreateKeyW(root, keyPath, key.Put()) != ERROR_SUCCESS)
-        return FALSE;
-    wchar_t name[MAX_PATH];
-    wchar_t previous[MAX_PATH] = L"";
-    DWORD length = std::size(name);
-    // Always the first subkey: each pass removes the one it found, unless that is a link.
-    while (RegEnumKeyExW(key.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
-        if (std::wcscmp(name, previous) == 0 || !DeleteKeyTree(key.Get(), name, depth + 1))
-            return FALSE;
-        std::wcscpy(previous, name);
-        length = std::size(name);
-    }
-    key.Close();
-    return RegDeleteKeyW(root, keyPath) == ERROR_SUCCESS;
+    KeyName name;
+    return DeleteSubkeys(root, keyPath, name, 0) && RegDeleteKeyW(root, keyPath) == ERROR_SUCCESS;
 }
 
 } // namespace vantrel

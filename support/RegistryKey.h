@@ -29,8 +29,6 @@ public:
     static BOOL DeleteKeyTree(HKEY root, const wchar_t* keyPath);
 
 private:
-    static BOOL DeleteKeyTree(HKEY root, const wchar_t* keyPath, unsigned depth);
-
     HKEY key_ = nullptr;
 };
 

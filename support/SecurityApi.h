@@ -13,6 +13,8 @@ namespace vantrel {
 class SecurityApi {
 public:
     SecurityApi();
+    SecurityApi(const SecurityApi&) = delete;
+    SecurityApi& operator=(const SecurityApi&) = delete;
 
     // A self-relative security descriptor from SDDL text; null on any failure.
     std::unique_ptr<std::byte[]> MakeSecurityDescriptor(const wchar_t* sddl);

@@ -38,6 +38,7 @@ bool TextBuffer::Reserve(std::size_t capacity) {
 }
 
 bool TextBuffer::FallBack() {
+    characters_.reset(); // first, as it may be what takes up the memory
     characters_.reset(static_cast<wchar_t*>(std::calloc(standardCapacity, sizeof(wchar_t))));
     capacity_ = characters_ ? standardCapacity : 0;
     length_ = characters_ ? 1 : 0;

@@ -13,6 +13,8 @@ class TextBuffer {
 public:
     // Empty, with the standard capacity.
     TextBuffer();
+    TextBuffer(const TextBuffer&) = delete;
+    TextBuffer& operator=(const TextBuffer&) = delete;
 
     // Null when there is no storage.
     const wchar_t* Buffer() const { return characters_.get(); }

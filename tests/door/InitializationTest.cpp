@@ -53,7 +53,14 @@ TEST(PathHandlers, TakeAnyNumberOfPathsAndNothingElse) {
         EXPECT_EQ(E_NOTIMPL, persist->Save(L"x", TRUE));
         EXPECT_EQ(E_NOTIMPL, persist->SaveCompleted(L"x"));
         EXPECT_EQ(E_NOTIMPL, persist->GetCurFile(&name));
-        EXPECT_EQ(E_POINTER, persist->Load(nullptr, 0));
+        EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
+        EXPECT_EQ(S_OK, persist->Load(nullptr, 0));
+    }
+    EXPECT_EQ(Answer{E_FAIL}, AskImage(*image.Get(), {8, 8})) << "an empty path replaced the other";
+    EXPECT_EQ(Answer{E_FAIL}, AskIcons(*icons.Get(), 8, 8));
+    for (IUnknown* const handler :
+         {static_cast<IUnknown*>(image.Get()), static_cast<IUnknown*>(icons.Get())}) {
+        const auto persist = Ask<IPersistFile>(handler, IID_IPersistFile);
         EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
     }
     // Others may have the file open, even for writing.

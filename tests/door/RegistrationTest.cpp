@@ -290,19 +290,20 @@ TEST(Unregistration, LeavesTheKeysAroundOurs) {
 }
 
 TEST(Registration, SurvivesAStarvingMachine) {
-    LetOneExceptionHappen();
-    bool refused = true;
-    for (unsigned number = 1; refused; ++number) {
-        const ScratchRegistry registry;
-        ResourceWatch watch(number);
-        EXPECT_EQ(S_OK, Register());
-        EXPECT_EQ(S_OK, Unregister());
-        const std::set<Line> left = registry.Content();
-        EXPECT_EQ(1,
-                  std::ranges::count_if(left, [](const Line& line) { return line.find(L'|') != Line::npos; }))
-            << "taking " << number;
-        EXPECT_EQ(0u, watch.Live()) << "taking " << number;
-        refused = !watch.RefusedName().empty();
+    for (const Refuse mode : {Refuse::One, Refuse::FromThereOn}) {
+        bool refused = true;
+        for (unsigned number = 1; refused; ++number) {
+            const ScratchRegistry registry;
+            ResourceWatch watch(number, mode);
+            EXPECT_EQ(S_OK, Register());
+            EXPECT_EQ(S_OK, Unregister());
+            const std::set<Line> left = registry.Content();
+            EXPECT_EQ(1, std::ranges::count_if(
+                             left, [](const Line& line) { return line.find(L'|') != Line::npos; }))
+                << "taking " << number;
+            EXPECT_EQ(0u, watch.Live()) << "taking " << number;
+            refused = !watch.RefusedName().empty();
+        }
     }
 }
 

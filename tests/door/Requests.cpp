@@ -150,11 +150,6 @@ ComPtr<IExtractIconW> IconHandlerOf(const wchar_t* path) {
     return PathObject<IExtractIconW>(iconHandlerClass, IID_IExtractIconW, path);
 }
 
-void LetOneExceptionHappen() {
-    TestStream stream(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
-    AskThumbnail(*ThumbnailProviderOf(stream).Get(), 8);
-}
-
 std::vector<Request> StreamRequests(IStream& stream, UINT edge) {
     const auto provider = ThumbnailProviderOf(stream);
     const auto store = PropertyStoreOf(stream);

@@ -68,7 +68,4 @@ struct Request {
 std::vector<Request> StreamRequests(IStream& stream, UINT edge = 16);
 std::vector<Request> PathRequests(const wchar_t* path, UINT edge = 16);
 
-// What the C++ runtime allocates for a thread's first exception stays as long as the thread.
-void LetOneExceptionHappen();
-
 } // namespace vantrel::tests

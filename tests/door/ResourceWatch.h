@@ -15,31 +15,26 @@
 
 namespace vantrel::tests {
 
-enum class Refuse {
-    One,
-    // From this one on all but small allocations: even a full heap has room for the runtime's exception
-    // objects.
-    AllLarge,
-};
+enum class Refuse { One, FromThereOn };
 
-// Active during its lifetime, on one thread. Counts what the library itself acquires: memory, BSTRs, GDI
-// objects, icons, files, libraries, security descriptors, registry keys. Fails the running test if a key is
-// closed twice or a bitmap is deleted while selected.
+// Active during its lifetime, for one thread at a time. Counts what the library itself acquires: memory,
+// BSTRs, GDI objects, icons, files, libraries, security descriptors, registry keys. Fails the running test if
+// a key is closed twice or a bitmap is deleted while selected.
 class ResourceWatch {
 public:
-    // Makes this acquisition fail, counted from 1.
+    // Makes this acquisition fail, counted from 1, or it and all that follow.
     explicit ResourceWatch(unsigned number = 0, Refuse mode = Refuse::One) : number_(number), mode_(mode) {
         Allocating<"malloc", std::size_t>();
         Allocating<"calloc", std::size_t, std::size_t>();
         Hook<"realloc", void*, void*, std::size_t>([this](auto original, void* block, std::size_t size) {
-            void* const moved = Refused("realloc", size) ? nullptr : original(block, size);
+            void* const moved = Refused("realloc") ? nullptr : original(block, size);
             if (moved)
                 Forget(block);
             return Keep(moved, size);
         });
         Hook<"_aligned_malloc", void*, std::size_t, std::size_t>(
             [this](auto original, std::size_t size, std::size_t alignment) {
-                return Keep(Refused("_aligned_malloc", size) ? nullptr : original(size, alignment), size);
+                return Keep(Refused("_aligned_malloc") ? nullptr : original(size, alignment), size);
             });
         Taking<"SysAllocString", BSTR, const OLECHAR*>(nullptr);
         Hook<"CreateDIBSection", HBITMAP, HDC, const BITMAPINFO*, UINT, void**, HANDLE, DWORD>(
@@ -110,8 +105,6 @@ public:
     std::size_t PeakBytes() const { return peakBytes_; }
 
 private:
-    static constexpr std::size_t largeBytes = 512;
-
     template <FunctionName name, class Result, class... Arguments, class Replacement>
     void Hook(Replacement replacement) {
         hooks_.push_back(std::make_unique<ImportHook<name, Result(Arguments...)>>(TheDll(), replacement));
@@ -129,7 +122,7 @@ private:
     template <FunctionName name, class... Sizes>
     void Allocating() {
         Hook<name, void*, Sizes...>([this](auto original, Sizes... sizes) {
-            return Keep(Refused(name.text, (sizes * ...)) ? nullptr : original(sizes...), (sizes * ...));
+            return Keep(Refused(name.text) ? nullptr : original(sizes...), (sizes * ...));
         });
     }
     // Counts the key that a function stores through its last argument of this type.
@@ -158,11 +151,9 @@ private:
         });
     }
 
-    bool Refused(const char* name, std::size_t bytes = largeBytes) {
+    bool Refused(const char* name) {
         ++takings_;
-        const bool due =
-            mode_ == Refuse::One ? takings_ == number_ : takings_ >= number_ && bytes >= largeBytes;
-        if (number_ == 0 || !due)
+        if (number_ == 0 || takings_ < number_ || (mode_ == Refuse::One && takings_ > number_))
             return false;
         if (refused_.empty())
             refused_ = name;

@@ -3,6 +3,8 @@
 #include "tests/door/ScratchFile.h"
 #include "tests/door/TestStream.h"
 
+#include <thread>
+
 namespace vantrel::tests {
 namespace {
 
@@ -14,6 +16,8 @@ std::size_t HandedOut(const Answer& answer) {
 // Whether a request may return this result if that function failed.
 bool IsFair(const Request& request, const std::string& refused, const Answer& answer, const Answer& whole) {
     const bool memory = refused.ends_with("alloc"); // of any kind
+    if (whole.result != S_OK && answer == whole)
+        return true;
     // A text without storage counts as empty, and a picture without its background is still a picture.
     if (answer.result == S_OK)
         return (memory && (answer == whole || answer.text == L"bstr:" || answer.text == L"bstr null")) ||
@@ -21,18 +25,25 @@ bool IsFair(const Request& request, const std::string& refused, const Answer& an
     return answer.result == (memory || refused == "SysAllocString" ? E_OUTOFMEMORY : request.failure);
 }
 
-// Makes each acquisition in turn fail, until a run has no failure.
-void Starve(const Request& request) {
+// A thread on which no exception has occurred yet.
+Answer AskOnNewThread(const Request& request) {
+    Answer answer;
+    std::thread([&] { answer = request.ask(); }).join();
+    return answer;
+}
+
+// Makes each acquisition in turn fail, alone and with all that follow, until a run has no failure.
+void Starve(const Request& request, HRESULT expected = S_OK) {
     SCOPED_TRACE(request.name);
     const Answer whole = request.ask();
-    EXPECT_EQ(S_OK, whole.result);
-    for (const Refuse mode : {Refuse::One, Refuse::AllLarge}) {
+    EXPECT_EQ(expected, whole.result);
+    for (const Refuse mode : {Refuse::One, Refuse::FromThereOn}) {
         for (unsigned number = 1;; ++number) {
             Answer answer;
             std::string refused;
             {
                 ResourceWatch watch(number, mode);
-                answer = request.ask();
+                answer = AskOnNewThread(request);
                 refused = watch.RefusedName();
                 ASSERT_EQ(HandedOut(answer), watch.Live()) << refused << " refused, taking " << number;
             }
@@ -48,6 +59,9 @@ void Starve(const Request& request) {
     }
 }
 
+// Throws out of the decoder.
+const ZmiBuilder raisingFile = {.mode = 0, .frameTable = true};
+
 const ZmiBuilder files[] = {
     {.mode = 0, .frames = {{16, 9}}, .title = "Starved"},
     {.mode = 1, .frames = {{16, 9}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColours(1)}}},
@@ -56,7 +70,6 @@ const ZmiBuilder files[] = {
 };
 
 TEST(Starvation, OfAnyRequest) {
-    LetOneExceptionHappen();
     for (const ZmiBuilder& file : files) {
         TestStream stream(file.Build());
         const ScratchFile scratch(file.Build());
@@ -68,8 +81,38 @@ TEST(Starvation, OfAnyRequest) {
     }
 }
 
+// Making its exception takes memory as well, for the message.
+TEST(Starvation, OfAFileThatRaises) {
+    TestStream stream(raisingFile.Build());
+    const ScratchFile scratch(raisingFile.Build());
+    for (const Request& request : StreamRequests(stream))
+        Starve(request, request.failure);
+    for (const Request& request : PathRequests(scratch.Path()))
+        Starve(request, request.failure);
+}
+
+TEST(Starvation, OfManyThreadsAtOnce) {
+    constexpr int threadCount = 40;
+    const ScratchFile scratch(files[0].Build());
+    std::vector<std::vector<Request>> requests;
+    for (int i = 0; i < threadCount; ++i)
+        requests.push_back(PathRequests(scratch.Path()));
+    const auto refuse = [](auto...) { return nullptr; };
+    const ImportHook<"malloc", void*(std::size_t)> malloc(TheDll(), refuse);
+    const ImportHook<"calloc", void*(std::size_t, std::size_t)> calloc(TheDll(), refuse);
+    const ImportHook<"_aligned_malloc", void*(std::size_t, std::size_t)> alignedMalloc(TheDll(), refuse);
+    std::vector<std::thread> threads;
+    for (const std::vector<Request>& all : requests)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round)
+                for (const Request& request : all)
+                    EXPECT_EQ(E_OUTOFMEMORY, request.ask().result) << request.name;
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 TEST(Starvation, OfCreationAndOfTakingAPath) {
-    LetOneExceptionHappen();
     const std::wstring path(200, L'x');
     for (const CLSID& classId : {thumbnailProviderClass, extractImageClass, iconHandlerClass,
                                  columnProviderClass, propertyStoreClass}) {

@@ -111,20 +111,31 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
                 after.bytes, before.handles, after.handles, before.freeGdi);
 }
 
-// How many slots of one kind the process can still allocate.
-std::size_t FreeSlots(DWORD (*take)(), BOOL (*give)(DWORD)) {
-    std::vector<DWORD> slots;
-    for (DWORD slot = take(); slot != TLS_OUT_OF_INDEXES; slot = take())
-        slots.push_back(slot);
-    for (const DWORD slot : slots)
-        give(slot);
-    return slots.size();
-}
+// Every slot of thread-local and fiber-local storage that the process can still allocate.
+class TakenSlots {
+public:
+    TakenSlots() {
+        Take(threadLocal_, [] { return TlsAlloc(); });
+        Take(fiberLocal_, [] { return FlsAlloc(nullptr); });
+    }
+    TakenSlots(const TakenSlots&) = delete;
+    TakenSlots& operator=(const TakenSlots&) = delete;
+    ~TakenSlots() {
+        std::ranges::for_each(threadLocal_, TlsFree);
+        std::ranges::for_each(fiberLocal_, FlsFree);
+    }
 
-std::size_t FreeSlots() {
-    return FreeSlots([] { return TlsAlloc(); }, [](DWORD slot) { return TlsFree(slot); }) +
-           FreeSlots([] { return FlsAlloc(nullptr); }, [](DWORD slot) { return FlsFree(slot); });
-}
+    std::size_t Count() const { return threadLocal_.size() + fiberLocal_.size(); }
+
+private:
+    static void Take(std::vector<DWORD>& slots, DWORD (*take)()) {
+        for (DWORD slot = take(); slot != TLS_OUT_OF_INDEXES; slot = take())
+            slots.push_back(slot);
+    }
+
+    std::vector<DWORD> threadLocal_;
+    std::vector<DWORD> fiberLocal_;
+};
 
 // A picture and a file that makes the library throw, on this thread and on one that ends before the library
 // is unloaded.
@@ -152,21 +163,41 @@ void UseAndUnload(const std::wstring& path) {
     EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << "the library does not unload";
 }
 
+// A separate copy, since the rest of this program keeps the library loaded.
+class CopyOfTheDll {
+public:
+    CopyOfTheDll() {
+        wchar_t folder[MAX_PATH];
+        GetTempPathW(MAX_PATH, folder);
+        path_ = folder + (L"soak-" + std::to_wstring(GetCurrentProcessId()) + L".dll");
+        EXPECT_TRUE(CopyFileW(DllPath().c_str(), path_.c_str(), FALSE));
+    }
+    ~CopyOfTheDll() { EXPECT_TRUE(DeleteFileW(path_.c_str())); }
+
+    const std::wstring& Path() const { return path_; }
+
+private:
+    std::wstring path_;
+};
+
 TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
-    // A separate copy, since the rest of this program keeps the library loaded.
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring copy = folder + (L"soak-" + std::to_wstring(GetCurrentProcessId()) + L".dll");
-    ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
+    const CopyOfTheDll copy;
     for (int cycle = 0; cycle < 10; ++cycle)
-        UseAndUnload(copy);
-    const std::size_t slots = FreeSlots();
+        UseAndUnload(copy.Path());
+    const std::size_t slots = TakenSlots().Count();
     const SIZE_T bytes = PrivateBytes();
     for (int cycle = 0; cycle < 200; ++cycle)
-        UseAndUnload(copy);
-    EXPECT_EQ(slots, FreeSlots());
+        UseAndUnload(copy.Path());
+    EXPECT_EQ(slots, TakenSlots().Count());
     EXPECT_LT(PrivateBytes(), bytes + 128 * 1024) << "was " << bytes;
-    EXPECT_TRUE(DeleteFileW(copy.c_str()));
+}
+
+TEST(Soak, AHostWithoutAFreeSlotIsServed) {
+    const CopyOfTheDll copy;
+    std::thread([] {}).join(); // takes what the test's own runtime needs
+    const TakenSlots slots;
+    EXPECT_EQ(0u, TakenSlots().Count());
+    UseAndUnload(copy.Path());
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sddl.h>
 
+#include <deque>
 #include <regex>
 #include <string>
 
@@ -14,12 +15,16 @@ namespace vantrel::tests {
 // Registration is tested through the library's exports; this covers what it doesn't exercise.
 TEST(RegistryKey, SaysWhatItCouldNotDo) {
     const std::wstring base = L"Software\\unit-" + std::to_wstring(GetCurrentProcessId());
-    const std::wstring tooLong = base + L'\\' + std::wstring(MAX_PATH, L'x');
     EXPECT_EQ(WriteStringValue({HKEY_CURRENT_USER, base.c_str(), L"InfoTip", L"x"}), S_OK);
-    for (const std::wstring& path :
-         {std::wstring(L"InfoTip"), base + L"\\none", base + L"\\none\\InfoTip", tooLong})
+    for (const std::wstring& path : {std::wstring(L"InfoTip"), base + L"\\none", base + L"\\none\\InfoTip"})
         EXPECT_FALSE(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, path.c_str()));
     EXPECT_TRUE(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, (base + L"\\InfoTip").c_str()));
+    for (const std::size_t length : {MAX_PATH - 1, MAX_PATH}) {
+        const std::wstring name(length - base.size() - 1, L'x');
+        EXPECT_EQ(WriteStringValue({HKEY_CURRENT_USER, base.c_str(), name.c_str(), L"x"}), S_OK);
+        EXPECT_EQ(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, (base + L'\\' + name).c_str()),
+                  length < MAX_PATH);
+    }
 
     SecurityApi api;
     EXPECT_EQ(api.MakeSecurityDescriptor(L"no such language"), nullptr);
@@ -39,6 +44,29 @@ TEST(RegistryKey, SaysWhatItCouldNotDo) {
 
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
     EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
+}
+
+// The registry's deepest tree, deleted on a small stack.
+TEST(RegistryKey, DeletesFiveHundredLevels) {
+    const auto deleteDeepTree = [](void*) -> DWORD {
+        const std::wstring base = L"Software\\unit-deep-" + std::to_wstring(GetCurrentProcessId());
+        std::deque<RegistryKey> keys(1);
+        LSTATUS status = RegCreateKeyW(HKEY_CURRENT_USER, base.c_str(), keys.back().Put());
+        while (status == ERROR_SUCCESS && keys.size() < 500) {
+            const HKEY last = keys.back().Get();
+            status = RegCreateKeyW(last, L"below", keys.emplace_back().Put());
+        }
+        keys.clear();
+        if (status != ERROR_SUCCESS)
+            return FALSE;
+        return RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str());
+    };
+    const UniqueKernelHandle thread(CreateThread(nullptr, 256 * 1024, deleteDeepTree, nullptr,
+                                                 STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
+    DWORD deleted = FALSE;
+    ASSERT_EQ(WaitForSingleObject(thread.get(), 60'000), WAIT_OBJECT_0);
+    EXPECT_TRUE(GetExitCodeThread(thread.get(), &deleted));
+    EXPECT_EQ(deleted, DWORD{TRUE});
 }
 
 // A link back to the tree that is being deleted.
