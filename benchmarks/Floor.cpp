@@ -180,14 +180,14 @@ void FloorIconPair(const wchar_t* path, int width, int height) {
     for (const int edge : {32, 16}) {
         const Surface mask(edge, edge);
         mask.Fill(0);
-        const Surface colour(edge, edge);
-        colour.Fill(background);
-        Scale(natural, width, height, colour, Fit(width, height, edge));
-        colour.MakeOpaqueButBackground();
+        const Surface color(edge, edge);
+        color.Fill(background);
+        Scale(natural, width, height, color, Fit(width, height, edge));
+        color.MakeOpaqueButBackground();
         ICONINFO info{};
         info.fIcon = TRUE;
         info.hbmMask = mask.Bitmap();
-        info.hbmColor = colour.Bitmap();
+        info.hbmColor = color.Bitmap();
         const HICON icon = CreateIconIndirect(&info);
         Require(icon != nullptr);
         DestroyIcon(icon);

@@ -17,31 +17,31 @@ void Append(Bytes& bytes, const Structure& structure) {
     std::memcpy(bytes.data() + bytes.size() - sizeof structure, &structure, sizeof structure);
 }
 
-RGBQUAD Quad(std::uint16_t colour) {
-    return {static_cast<BYTE>(colour << 3), static_cast<BYTE>(colour >> 5 << 2),
-            static_cast<BYTE>(colour >> 11 << 3), 0};
+RGBQUAD Quad(std::uint16_t color) {
+    return {static_cast<BYTE>(color << 3), static_cast<BYTE>(color >> 5 << 2),
+            static_cast<BYTE>(color >> 11 << 3), 0};
 }
 
 // `pixels` holds ZMI rows, which only need padding to 32 bits and flipping.
 Bytes MakeBmp(unsigned mode, std::uint16_t width, std::uint16_t height, const Bytes& pixels,
-              const tests::Colours& palette) {
-    Bytes colours;
+              const tests::Colors& palette) {
+    Bytes colors;
     if (mode == 0) {
-        Append(colours, RGBQUAD{255, 255, 255, 0});
-        Append(colours, RGBQUAD{});
+        Append(colors, RGBQUAD{255, 255, 255, 0});
+        Append(colors, RGBQUAD{});
     } else if (mode == 1) {
-        for (const std::uint16_t colour : palette)
-            Append(colours, Quad(colour));
+        for (const std::uint16_t color : palette)
+            Append(colors, Quad(color));
     } else {
         for (const DWORD mask : {0xF800u, 0x07E0u, 0x001Fu})
-            Append(colours, mask);
+            Append(colors, mask);
     }
     const std::size_t rowBytes = tests::PixelBytes(mode, width, 1);
     const std::size_t stride = (rowBytes + 3) / 4 * 4;
 
     BITMAPFILEHEADER file{};
     file.bfType = 0x4D42;
-    file.bfOffBits = static_cast<DWORD>(sizeof file + sizeof(BITMAPINFOHEADER) + colours.size());
+    file.bfOffBits = static_cast<DWORD>(sizeof file + sizeof(BITMAPINFOHEADER) + colors.size());
     file.bfSize = static_cast<DWORD>(file.bfOffBits + stride * height);
     BITMAPINFOHEADER info{};
     info.biSize = sizeof info;
@@ -55,7 +55,7 @@ Bytes MakeBmp(unsigned mode, std::uint16_t width, std::uint16_t height, const By
     bmp.reserve(file.bfSize);
     Append(bmp, file);
     Append(bmp, info);
-    bmp.insert(bmp.end(), colours.begin(), colours.end());
+    bmp.insert(bmp.end(), colors.begin(), colors.end());
     for (std::size_t y = height; y-- > 0;) {
         const std::uint8_t* const row = pixels.data() + y * rowBytes;
         bmp.insert(bmp.end(), row, row + rowBytes);

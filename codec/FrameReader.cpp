@@ -1,10 +1,10 @@
 #include "codec/FrameReader.h"
 
 #include "codec/DecodedImage.h"
-#include "codec/FileReader.h"
 #include "codec/FrameConverter.h"
 #include "codec/FramePixels.h"
 #include "codec/PixelConversion.h"
+#include "codec/ReadFile.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,31 +16,31 @@ namespace vantrel {
 namespace {
 
 // What identifies a frame's transparent pixels after conversion.
-struct TransparentColour {
+struct TransparentColor {
     std::uint32_t converted; // no other pixel has this value
     std::uint32_t shown;
 };
 
 // In indexed mode the key is a palette entry, which gets its own colour. In 16-bit mode it is a colour, and
 // no two of them look the same. The 1-bit mode has no key.
-std::optional<TransparentColour> MarkTransparent(const FrameRecord& frame, Palette& palette) {
+std::optional<TransparentColor> MarkTransparent(const FrameRecord& frame, Palette& palette) {
     const std::uint32_t key = frame.transparentKey;
     const PixelMode mode = ModeOf(frame.flags);
     if ((frame.flags & transparencyFlag) == 0)
         return std::nullopt;
     if (mode == PixelMode::Rgb565 && key <= 0xFFFF) {
-        const std::uint32_t colour = ExpandRgb565(static_cast<std::uint16_t>(key));
-        return TransparentColour{colour, colour};
+        const std::uint32_t color = ExpandRgb565(static_cast<std::uint16_t>(key));
+        return TransparentColor{color, color};
     }
-    if (mode != PixelMode::Indexed || key >= std::size(palette.colours))
+    if (mode != PixelMode::Indexed || key >= std::size(palette.colors))
         return std::nullopt;
     std::uint16_t unused = 0;
-    while (std::find(std::begin(palette.colours), std::end(palette.colours), unused) !=
-           std::end(palette.colours))
+    while (std::find(std::begin(palette.colors), std::end(palette.colors), unused) !=
+           std::end(palette.colors))
         ++unused;
-    const std::uint16_t shown = palette.colours[key];
-    palette.colours[key] = unused;
-    return TransparentColour{ExpandRgb565(unused), ExpandRgb565(shown)};
+    const std::uint16_t shown = palette.colors[key];
+    palette.colors[key] = unused;
+    return TransparentColor{ExpandRgb565(unused), ExpandRgb565(shown)};
 }
 
 } // namespace
@@ -99,13 +99,13 @@ FrameFault FrameReader::FaultOf(const FileFrame& frame) const {
     const PixelMode mode = ModeOf(record.flags);
     if (fileMode == PixelMode::Indexed &&
         !payload_->Contains(payload_->TablePosition(frame.paletteOffset), sizeof(Palette)))
-        return FrameFault::ColourTable;
+        return FrameFault::Palette;
     if (!payload_->Contains(payload_->PixelPosition(record.frameDataOffset), frame.pixelByteCount))
         return FrameFault::Pixels;
     if (mode == PixelMode::Reserved)
         return FrameFault::ReservedMode;
     if (mode == PixelMode::Indexed && fileMode != PixelMode::Indexed)
-        return FrameFault::NoColourTable;
+        return FrameFault::NoPalette;
     if (DecodedByteCount(mode, record.width, record.height) >
         DecodedByteCount(fileMode, record.width, record.height))
         return FrameFault::TooFewPixels;

@@ -25,12 +25,12 @@ enum class FileFault {
 // Why a frame can't be shown. With one of the first two faults the file does not load.
 enum class FrameFault {
     None,
-    ColourTable, // lies outside the payload
-    Pixels,      // lie outside the payload
+    Palette, // lies outside the payload
+    Pixels,  // lie outside the payload
     ReservedMode,
-    NoColourTable, // it needs one, but the file's mode has none
-    TooFewPixels,  // its own mode needs more bytes than the file's mode provides
-    Empty,         // it has no pixels
+    NoPalette,    // it needs one, but the file's mode has none
+    TooFewPixels, // its own mode needs more bytes than the file's mode provides
+    Empty,        // it has no pixels
 };
 
 struct FileFrame {

@@ -37,7 +37,7 @@ void FlipBits(__m128i (&vectors)[8]) {
 void TransposeStrip(const std::uint8_t* rows, std::size_t rowBytes, unsigned rowCount, std::uint8_t* page) {
     __m128i vectors[8];
     for (unsigned r = 0; r < 8; ++r)
-        vectors[r] = r < rowCount ? Load(rows + r * rowBytes) : _mm_setzero_si128();
+        vectors[r] = r < rowCount ? LoadVector(rows + r * rowBytes) : _mm_setzero_si128();
     FlipBits(vectors);
     // Columns 0 to 7 of each matrix in turn.
     __m128i pairs[8];
@@ -50,10 +50,10 @@ void TransposeStrip(const std::uint8_t* rows, std::size_t rowBytes, unsigned row
                                  _mm_unpacklo_epi16(pairs[half + 2], pairs[half + 3]),
                                  _mm_unpackhi_epi16(pairs[half], pairs[half + 1]),
                                  _mm_unpackhi_epi16(pairs[half + 2], pairs[half + 3])};
-        Store(page, _mm_unpacklo_epi32(fours[0], fours[1]));
-        Store(page + 16, _mm_unpackhi_epi32(fours[0], fours[1]));
-        Store(page + 32, _mm_unpacklo_epi32(fours[2], fours[3]));
-        Store(page + 48, _mm_unpackhi_epi32(fours[2], fours[3]));
+        StoreVector(page, _mm_unpacklo_epi32(fours[0], fours[1]));
+        StoreVector(page + 16, _mm_unpackhi_epi32(fours[0], fours[1]));
+        StoreVector(page + 32, _mm_unpacklo_epi32(fours[2], fours[3]));
+        StoreVector(page + 48, _mm_unpackhi_epi32(fours[2], fours[3]));
     }
 }
 

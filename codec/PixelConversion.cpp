@@ -8,7 +8,7 @@ namespace vantrel {
 
 void ExpandPalette(const Palette& palette, std::uint32_t* words) {
     for (std::size_t i = 0; i < 256; ++i)
-        words[i] = ExpandRgb565(palette.colours[i]);
+        words[i] = ExpandRgb565(palette.colors[i]);
 }
 
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width) {
@@ -18,17 +18,17 @@ void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t*
     const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
     const __m128i zero = _mm_setzero_si128();
     for (; x + 16 <= width; x += 16) {
-        const __m128i bits = _mm_and_si128(Load(page + x), masks);
+        const __m128i bits = _mm_and_si128(LoadVector(page + x), masks);
         const __m128i white = _mm_cmpeq_epi8(bits, zero);
         // Each byte of the mask becomes blue, green and red of a word; alpha is 0.
         const __m128i blueGreen0 = _mm_unpacklo_epi8(white, white);
         const __m128i blueGreen8 = _mm_unpackhi_epi8(white, white);
         const __m128i red0 = _mm_unpacklo_epi8(white, zero);
         const __m128i red8 = _mm_unpackhi_epi8(white, zero);
-        Store(words + x, _mm_unpacklo_epi16(blueGreen0, red0));
-        Store(words + x + 4, _mm_unpackhi_epi16(blueGreen0, red0));
-        Store(words + x + 8, _mm_unpacklo_epi16(blueGreen8, red8));
-        Store(words + x + 12, _mm_unpackhi_epi16(blueGreen8, red8));
+        StoreVector(words + x, _mm_unpacklo_epi16(blueGreen0, red0));
+        StoreVector(words + x + 4, _mm_unpackhi_epi16(blueGreen0, red0));
+        StoreVector(words + x + 8, _mm_unpacklo_epi16(blueGreen8, red8));
+        StoreVector(words + x + 12, _mm_unpackhi_epi16(blueGreen8, red8));
     }
 #endif
     for (; x < width; ++x)
@@ -58,21 +58,21 @@ void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::siz
     const __m128i fullRed = _mm_set1_epi16(0x00F8);
     const __m128i restRed = _mm_set1_epi16(0x0007);
     for (; x + 8 <= width; x += 8) {
-        const __m128i colours = Load(pixels + 2 * x);
-        __m128i greenBlue = _mm_or_si128(_mm_and_si128(_mm_slli_epi16(colours, 5), greens),
-                                         _mm_and_si128(_mm_slli_epi16(colours, 3), fullRed));
+        const __m128i colors = LoadVector(pixels + 2 * x);
+        __m128i greenBlue = _mm_or_si128(_mm_and_si128(_mm_slli_epi16(colors, 5), greens),
+                                         _mm_and_si128(_mm_slli_epi16(colors, 3), fullRed));
         greenBlue =
             _mm_or_si128(greenBlue, _mm_and_si128(_mm_cmpeq_epi8(greenBlue, fullGreenBlue), restGreenBlue));
-        __m128i red = _mm_and_si128(_mm_srli_epi16(colours, 8), fullRed);
+        __m128i red = _mm_and_si128(_mm_srli_epi16(colors, 8), fullRed);
         red = _mm_or_si128(red, _mm_and_si128(_mm_cmpeq_epi8(red, fullRed), restRed));
-        Store(words + x, _mm_unpacklo_epi16(greenBlue, red));
-        Store(words + x + 4, _mm_unpackhi_epi16(greenBlue, red));
+        StoreVector(words + x, _mm_unpacklo_epi16(greenBlue, red));
+        StoreVector(words + x + 4, _mm_unpackhi_epi16(greenBlue, red));
     }
 #endif
     for (; x < width; ++x) {
-        std::uint16_t colour;
-        std::memcpy(&colour, pixels + 2 * x, sizeof colour);
-        words[x] = ExpandRgb565(colour);
+        std::uint16_t color;
+        std::memcpy(&color, pixels + 2 * x, sizeof color);
+        words[x] = ExpandRgb565(color);
     }
 }
 

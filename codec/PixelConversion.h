@@ -10,10 +10,10 @@ namespace vantrel {
 
 // RGB 5-6-5, red in the high bits. The largest value of a channel becomes 255, any other is shifted up,
 // without bit replication: 30 of 31 is 240.
-constexpr std::uint32_t ExpandRgb565(std::uint16_t colour) {
-    const std::uint32_t red = colour >> 11;
-    const std::uint32_t green = colour >> 5 & 63;
-    const std::uint32_t blue = colour & 31;
+constexpr std::uint32_t ExpandRgb565(std::uint16_t color) {
+    const std::uint32_t red = color >> 11;
+    const std::uint32_t green = color >> 5 & 63;
+    const std::uint32_t blue = color & 31;
     return (red == 31 ? 255 : red * 8) << 16 | (green == 63 ? 255 : green * 4) << 8 |
            (blue == 31 ? 255 : blue * 8);
 }

@@ -10,11 +10,11 @@
 
 namespace vantrel {
 
-inline __m128i Load(const void* bytes) {
+inline __m128i LoadVector(const void* bytes) {
     return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
 }
 
-inline void Store(void* bytes, __m128i vector) {
+inline void StoreVector(void* bytes, __m128i vector) {
     _mm_storeu_si128(static_cast<__m128i*>(bytes), vector);
 }
 

@@ -55,7 +55,7 @@ struct FrameRecord {
 
 // 256 colours in RGB 5-6-5.
 struct Palette {
-    std::uint16_t colours[256];
+    std::uint16_t colors[256];
 };
 
 #pragma pack(pop)

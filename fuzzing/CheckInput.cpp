@@ -1,8 +1,9 @@
 #include "fuzzing/CheckInput.h"
 
-#include "codec/FileReader.h"
+#include "codec/Decode.h"
 #include "codec/FrameConverter.h"
 #include "codec/FrameReader.h"
+#include "codec/ReadFile.h"
 #include "tests/builder/FileFacts.h"
 #include "tests/builder/MemorySource.h"
 
@@ -89,7 +90,7 @@ void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, 
     Require(image.palettes.size() == tables.size(),
             "the palettes that are to be kept are there and no others");
     for (std::size_t i = 0; i < tables.size(); ++i)
-        Require(SameBytes(image.palettes[i].colours, facts.file, tables[i], sizeof(Palette)),
+        Require(SameBytes(image.palettes[i].colors, facts.file, tables[i], sizeof(Palette)),
                 "a palette is a copy");
 }
 
@@ -161,10 +162,10 @@ void CheckConversion(const DecodedImage& image, std::size_t i, std::size_t mostP
     for (std::size_t y = 0; met == Conversion::Done && y < height; y += Step(width, height))
         for (std::size_t x = 0; x < width; ++x) {
             const std::size_t at = y * width + x;
-            const std::uint32_t colour = mode == 0   ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
-                                         : mode == 1 ? Rgb(image.palettes[palette].colours[bytes[at]])
-                                                     : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
-            Require(words[(height - 1 - y) * width + x] == colour, "a pixel has its colour");
+            const std::uint32_t color = mode == 0   ? bytes[y / 8 * width + x] >> y % 8 & 1 ? 0 : 0xFFFFFF
+                                        : mode == 1 ? Rgb(image.palettes[palette].colors[bytes[at]])
+                                                    : Rgb(bytes[2 * at] + bytes[2 * at + 1] * 256u);
+            Require(words[(height - 1 - y) * width + x] == color, "a pixel has its colour");
         }
 }
 
@@ -199,7 +200,7 @@ void CheckConversions(const FileFacts& facts, const DecodedImage& image, const L
     };
     MemorySource whole(facts.file);
     DecodedImage head;
-    const bool loaded = LoadFrom(whole, head, Keep::Facts, convert, limits.window);
+    const bool loaded = DecodeFile(whole, head, Keep::Facts, convert, limits.window);
     CheckConversion(image, 0, limits.pixels, met, words);
     Require(loaded == (met == Conversion::Done),
             "a picture that can't be converted fails the load, no other does");
@@ -215,7 +216,7 @@ void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
     for (std::uint16_t i = 0; i < reader.FrameCount(); ++i) {
         const auto frame = reader.Frame(i);
         Require(frame.has_value(), "a record that is there can be read");
-        loads = loads && frame->fault != FrameFault::ColourTable && frame->fault != FrameFault::Pixels;
+        loads = loads && frame->fault != FrameFault::Palette && frame->fault != FrameFault::Pixels;
         const std::size_t width = frame->record.width, height = frame->record.height;
         if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
             continue;
@@ -233,12 +234,12 @@ void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
                 const std::uint32_t raw = facts.blank ? 0
                                           : mode == 0 ? file[pixel + x / 8] >> (7 - x % 8) & 1
                                                       : GetField(file, pixel + x * mode, {0, mode});
-                const std::uint32_t colour = mode == 0   ? raw == 0 ? 0xFFFFFF : 0
-                                             : mode == 1 ? Rgb(GetField(file, palette + 2 * raw, {0, 2}))
-                                                         : Rgb(raw);
+                const std::uint32_t color = mode == 0   ? raw == 0 ? 0xFFFFFF : 0
+                                            : mode == 1 ? Rgb(GetField(file, palette + 2 * raw, {0, 2}))
+                                                        : Rgb(raw);
                 const bool transparent =
                     mode != 0 && frame->record.flags & 0x20 && raw == frame->record.transparentKey;
-                Require(words[x] == (transparent ? colour : 0xFF000000 | colour),
+                Require(words[x] == (transparent ? color : 0xFF000000 | color),
                         "a frame's pixel has its own colour, and is transparent if it is the key's");
             }
             ++y;

@@ -25,8 +25,7 @@ public:
     // Stores the size and adds IEIFLAG_REFRESH to the flags; path buffer, priority and colour depth stay
     // untouched. E_PENDING for IEIFLAG_ASYNC: the host calls Extract later, on a thread of its choice.
     HRESULT STDMETHODCALLTYPE GetLocation(LPWSTR pathBuffer, DWORD bufferLength, DWORD* priority,
-                                          const SIZE* size, DWORD colourDepth,
-                                          DWORD* flags) noexcept override;
+                                          const SIZE* size, DWORD colorDepth, DWORD* flags) noexcept override;
     // A square request gives an opaque bitmap of the fitted size, any other one of exactly the requested size
     // with the picture centred on the key colour.
     HRESULT STDMETHODCALLTYPE Extract(HBITMAP* bitmap) noexcept override;

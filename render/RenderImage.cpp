@@ -1,6 +1,6 @@
 #include "render/RenderImage.h"
 
-#include "codec/Load.h"
+#include "codec/windows/Load.h"
 #include "render/PaintFrame.h"
 #include "support/BitmapSurface.h"
 
@@ -11,7 +11,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr COLORREF keyColour = RGB(255, 255, 0);
+constexpr COLORREF keyColor = RGB(255, 255, 0);
 
 // A picture scaled into a box, keeping its proportions, and its position when centred there.
 struct Fit {
@@ -47,25 +47,25 @@ void StretchInto(BitmapSurface& target, const BitmapSurface& source, int left, i
 
 bool MakeIcon(const BitmapSurface& source, std::uint32_t edge, HICON& icon) {
     BitmapSurface mask;
-    BitmapSurface colour;
-    if (!mask.Create(edge, edge, BitmapKind::Dib) || !colour.Create(edge, edge, BitmapKind::Dib))
+    BitmapSurface color;
+    if (!mask.Create(edge, edge, BitmapKind::Dib) || !color.Create(edge, edge, BitmapKind::Dib))
         return false;
     const Fit fit = FitInto(edge, edge, source);
     mask.Fill(RGB(0, 0, 0), 0, 0, 0, 0);
-    colour.Fill(keyColour, 0, 0, 0, 0);
-    StretchInto(colour, source, static_cast<int>(fit.left), static_cast<int>(fit.top), fit);
-    colour.SetAlphaOutside(keyColour, fit.left, fit.top, fit.width, fit.height);
+    color.Fill(keyColor, 0, 0, 0, 0);
+    StretchInto(color, source, static_cast<int>(fit.left), static_cast<int>(fit.top), fit);
+    color.SetAlphaOutside(keyColor, fit.left, fit.top, fit.width, fit.height);
 
     // The system copies both bitmaps, which must not be selected into a context.
     const UniqueBitmap maskBitmap = mask.Detach();
-    const UniqueBitmap colourBitmap = colour.Detach();
+    const UniqueBitmap colorBitmap = color.Detach();
     // Without a colour bitmap the system would treat the mask as a monochrome icon.
-    if (!maskBitmap || !colourBitmap)
+    if (!maskBitmap || !colorBitmap)
         return false;
     ICONINFO info{};
     info.fIcon = TRUE;
     info.hbmMask = maskBitmap.get();
-    info.hbmColor = colourBitmap.get();
+    info.hbmColor = colorBitmap.get();
     const HICON created = CreateIconIndirect(&info);
     if (!created)
         return false;
@@ -75,19 +75,19 @@ bool MakeIcon(const BitmapSurface& source, std::uint32_t edge, HICON& icon) {
 
 bool MakeBitmap(const BitmapSurface& source, const RenderImageArguments& arguments) {
     const Fit fit = FitInto(arguments.width, arguments.height, source);
-    BitmapSurface colour;
+    BitmapSurface color;
     if (arguments.fitMode == FitMode::Fitted) {
-        if (!colour.Create(fit.width, fit.height, BitmapKind::Dib))
+        if (!color.Create(fit.width, fit.height, BitmapKind::Dib))
             return false;
-        StretchInto(colour, source, 0, 0, fit);
-        colour.SetAlphaOutside(keyColour, 0, 0, fit.width, fit.height);
+        StretchInto(color, source, 0, 0, fit);
+        color.SetAlphaOutside(keyColor, 0, 0, fit.width, fit.height);
     } else {
-        if (!colour.Create(arguments.width, arguments.height, BitmapKind::Dib))
+        if (!color.Create(arguments.width, arguments.height, BitmapKind::Dib))
             return false;
-        colour.Fill(keyColour, 0, 0, 0, 0);
-        StretchInto(colour, source, static_cast<int>(fit.left), static_cast<int>(fit.top), fit);
+        color.Fill(keyColor, 0, 0, 0, 0);
+        StretchInto(color, source, static_cast<int>(fit.left), static_cast<int>(fit.top), fit);
     }
-    UniqueBitmap bitmap = colour.Detach();
+    UniqueBitmap bitmap = color.Detach();
     if (!bitmap)
         return false;
     *arguments.bitmap = bitmap.release();

@@ -9,8 +9,8 @@ namespace vantrel {
 namespace {
 
 // 0x00BBGGRR to 0x00RRGGBB.
-std::uint32_t MemoryOrder(COLORREF colour) {
-    return std::uint32_t{GetRValue(colour)} << 16 | std::uint32_t{GetGValue(colour)} << 8 | GetBValue(colour);
+std::uint32_t MemoryOrder(COLORREF color) {
+    return std::uint32_t{GetRValue(color)} << 16 | std::uint32_t{GetGValue(color)} << 8 | GetBValue(color);
 }
 
 constexpr std::uint32_t opaque = 0xFF000000;
@@ -23,8 +23,8 @@ void MakeOpaque(std::uint32_t* begin, const std::uint32_t* end) {
 // Except for the key colour, which becomes transparent.
 void MakeOpaqueButKey(std::uint32_t keyWord, std::uint32_t* begin, const std::uint32_t* end) {
     for (std::uint32_t* pixel = begin; pixel != end; ++pixel) {
-        const std::uint32_t colour = *pixel & ~opaque;
-        *pixel = colour == keyWord ? colour : colour | opaque;
+        const std::uint32_t color = *pixel & ~opaque;
+        *pixel = color == keyWord ? color : color | opaque;
     }
 }
 
@@ -73,11 +73,11 @@ bool BitmapSurface::Create(std::uint32_t width, std::uint32_t height, BitmapKind
     return true;
 }
 
-bool BitmapSurface::Fill(COLORREF colour, int left, int top, int right, int bottom) {
+bool BitmapSurface::Fill(COLORREF color, int left, int top, int right, int bottom) {
     RECT area{left, top, right, bottom};
     if (left == 0 && top == 0 && right == 0 && bottom == 0)
         area = {0, 0, width_, height_};
-    const UniqueBrush brush(CreateSolidBrush(colour));
+    const UniqueBrush brush(CreateSolidBrush(color));
     return brush && FillRect(dc_.get(), &area, brush.get()) != 0;
 }
 
@@ -114,8 +114,8 @@ void BitmapSurface::SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t
     }
 }
 
-bool BitmapSurface::SetPixelAt(int x, int y, COLORREF colour) {
-    return SetPixel(dc_.get(), x, y, colour) != CLR_INVALID;
+bool BitmapSurface::SetPixelAt(int x, int y, COLORREF color) {
+    return SetPixel(dc_.get(), x, y, color) != CLR_INVALID;
 }
 
 void BitmapSurface::Deselect() {

@@ -26,7 +26,7 @@ public:
     bool Create(std::uint32_t width, std::uint32_t height, BitmapKind kind);
 
     // Fills between the edges, right and bottom excluded; four zeros mean the whole surface.
-    bool Fill(COLORREF colour, int left, int top, int right, int bottom);
+    bool Fill(COLORREF color, int left, int top, int right, int bottom);
 
     // Scales with halftone; a source width or height of 0 means that of the destination.
     bool StretchFrom(HDC source, int x, int y, int width, int height, int sourceX, int sourceY,
@@ -38,7 +38,7 @@ public:
     void SetAlphaOutside(COLORREF key, std::uint32_t x, std::uint32_t y, std::uint32_t width,
                          std::uint32_t height);
 
-    bool SetPixelAt(int x, int y, COLORREF colour);
+    bool SetPixelAt(int x, int y, COLORREF color);
 
     // Deselects the bitmap and transfers its ownership; null when there is none.
     UniqueBitmap Detach();

@@ -2,7 +2,7 @@
 // source.
 #pragma once
 
-#include "codec/FileReader.h"
+#include "codec/Decode.h"
 #include "tests/builder/ZmiVerdict.h"
 
 #include <algorithm>
@@ -50,7 +50,8 @@ Verdict VerdictOf(Source&& source, Keep keep = Keep::Facts,
                   std::uint32_t windowSize = PayloadReader::standardWindow, DecodedImage* image = nullptr) {
     DecodedImage own;
     try {
-        return LoadFrom(source, image ? *image : own, keep, {}, windowSize) ? Verdict::Loads : Verdict::Fails;
+        return DecodeFile(source, image ? *image : own, keep, {}, windowSize) ? Verdict::Loads
+                                                                              : Verdict::Fails;
     } catch (const std::out_of_range&) {
         return Verdict::Throws;
     }

@@ -12,10 +12,10 @@ void Append(Bytes& bytes, std::size_t count, std::uint32_t seed) {
         bytes.push_back(PatternByte(seed, i));
 }
 
-void Append(Bytes& bytes, const Colours& colours) {
-    for (const std::uint16_t colour : colours) {
-        bytes.push_back(static_cast<std::uint8_t>(colour & 255));
-        bytes.push_back(static_cast<std::uint8_t>(colour >> 8));
+void Append(Bytes& bytes, const Colors& colors) {
+    for (const std::uint16_t color : colors) {
+        bytes.push_back(static_cast<std::uint8_t>(color & 255));
+        bytes.push_back(static_cast<std::uint8_t>(color >> 8));
     }
 }
 
@@ -50,17 +50,17 @@ std::uint8_t PatternByte(std::uint32_t seed, std::size_t i) {
     return static_cast<std::uint8_t>(mixed >> 56);
 }
 
-Colours PatternColours(std::uint32_t seed) {
-    Colours colours;
-    for (std::size_t i = 0; i < colours.size(); ++i)
-        colours[i] = static_cast<std::uint16_t>(PatternByte(seed, 2 * i) << 8 | PatternByte(seed, 2 * i + 1));
-    return colours;
+Colors PatternColors(std::uint32_t seed) {
+    Colors colors;
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        colors[i] = static_cast<std::uint16_t>(PatternByte(seed, 2 * i) << 8 | PatternByte(seed, 2 * i + 1));
+    return colors;
 }
 
-std::uint32_t Rgb(std::uint32_t colour565) {
-    const auto channel = [colour565](unsigned lowest, unsigned bits) -> std::uint32_t {
+std::uint32_t Rgb(std::uint32_t color565) {
+    const auto channel = [color565](unsigned lowest, unsigned bits) -> std::uint32_t {
         const unsigned most = (1u << bits) - 1;
-        const std::uint32_t value = (colour565 >> lowest) & most;
+        const std::uint32_t value = (color565 >> lowest) & most;
         return value == most ? 255 : value << (8 - bits);
     };
     return channel(11, 5) * 0x10000 + channel(5, 6) * 0x100 + channel(0, 5);
@@ -84,7 +84,7 @@ std::size_t ZmiBuilder::PixelsAt(std::size_t frame) const {
     std::size_t at = HasFrameTable() ? RecordAt(frames.size()) : FrameTableAt();
     for (std::size_t i = 0; i <= frame; ++i) {
         if (frames[i].palette)
-            at += sizeof(Colours);
+            at += sizeof(Colors);
         if (i < frame && !(sharePixels && i > 0))
             at += PixelBytes(mode, frames[i].width, frames[i].height);
     }
@@ -131,7 +131,7 @@ Bytes ZmiBuilder::Build() const {
         const std::size_t record = RecordAt(i);
         SetField(file, record, frame_record::dataOffset, number(sharePixels ? PixelsAt(0) : at));
         SetField(file, record, frame_record::paletteOffset,
-                 number(frame.palette ? at - sizeof(Colours) : PaletteAt()));
+                 number(frame.palette ? at - sizeof(Colors) : PaletteAt()));
         SetField(file, record, frame_record::transparentKey, frame.transparentKey);
         SetField(file, record, frame_record::flags, frame.flags.value_or(Flags()));
         SetField(file, record, frame_record::width, frame.width);

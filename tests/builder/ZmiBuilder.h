@@ -11,7 +11,7 @@
 namespace vantrel::tests {
 
 using Bytes = std::vector<std::uint8_t>;
-using Colours = std::array<std::uint16_t, 256>;
+using Colors = std::array<std::uint16_t, 256>;
 
 // A little-endian number at an offset inside a structure.
 struct Field {
@@ -47,19 +47,19 @@ void FramePayload(Bytes& file, std::uint32_t payloadAt);
 
 // Number i of a fixed pseudo-random sequence.
 std::uint8_t PatternByte(std::uint32_t seed, std::size_t i);
-Colours PatternColours(std::uint32_t seed);
+Colors PatternColors(std::uint32_t seed);
 
 // The bytes of a frame's pixels in a file of that mode.
 std::size_t PixelBytes(unsigned mode, std::uint32_t width, std::uint32_t height);
 
 // A 5-6-5 colour as displayed, 0x00RRGGBB.
-std::uint32_t Rgb(std::uint32_t colour565);
+std::uint32_t Rgb(std::uint32_t color565);
 
 struct ZmiFrame {
     std::uint16_t width = 0;
     std::uint16_t height = 0;
     std::optional<Bytes> pixels{};       // as in the file; default: a pattern
-    std::optional<Colours> palette{};    // mode 1: its own table instead of the file's
+    std::optional<Colors> palette{};     // mode 1: its own table instead of the file's
     std::optional<std::uint8_t> flags{}; // instead of the file's
     std::uint32_t transparentKey = 0;
 };
@@ -70,7 +70,7 @@ struct ZmiBuilder {
     std::vector<ZmiFrame> frames{}; // empty: the blank default without a frame table, an empty table with one
     std::string title{};            // cut off at 34 bytes
     bool frameTable = false;        // more than one frame always implies one
-    Colours palette = PatternColours(0);
+    Colors palette = PatternColors(0);
     std::optional<std::uint32_t> transparentKey{};
     std::size_t gap = 0;      // bytes between the file header and the payload
     bool sharePixels = false; // every record names the first frame's pixels
@@ -86,7 +86,7 @@ struct ZmiBuilder {
     // Offsets in the built file.
     std::size_t PayloadAt() const { return file_header::size + gap; }
     std::size_t PaletteAt() const { return PayloadAt() + image_header::size; }
-    std::size_t FrameTableAt() const { return PaletteAt() + (mode == 1 ? sizeof(Colours) : 0); }
+    std::size_t FrameTableAt() const { return PaletteAt() + (mode == 1 ? sizeof(Colors) : 0); }
     std::size_t RecordAt(std::size_t frame) const {
         return FrameTableAt() + frame_table::size + frame * frame_record::size;
     }

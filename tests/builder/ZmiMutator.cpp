@@ -33,7 +33,7 @@ ZmiBuilder ZmiMutator::MakeFile() {
         if (file.sharePixels && !file.frames.empty())
             frame = file.frames[0];
         if (file.mode == 1 && Pick(3) == 0)
-            frame.palette = PatternColours(Pick(9));
+            frame.palette = PatternColors(Pick(9));
         if (Pick(6) == 0)
             frame.flags = static_cast<std::uint8_t>(Pick(256));
         file.frames.push_back(frame);

@@ -10,13 +10,13 @@
 namespace vantrel::tests {
 
 // Every colour, and rows of every length around a vector's length.
-TEST(PixelConversion, ExpandsEveryColourAtEveryWidth) {
+TEST(PixelConversion, ExpandsEveryColorAtEveryWidth) {
     std::vector<std::uint8_t> pixels;
     std::vector<std::uint32_t> expected;
-    for (unsigned colour = 0; colour < 0x10000; ++colour) {
-        pixels.push_back(static_cast<std::uint8_t>(colour));
-        pixels.push_back(static_cast<std::uint8_t>(colour >> 8));
-        expected.push_back(Rgb(colour));
+    for (unsigned color = 0; color < 0x10000; ++color) {
+        pixels.push_back(static_cast<std::uint8_t>(color));
+        pixels.push_back(static_cast<std::uint8_t>(color >> 8));
+        expected.push_back(Rgb(color));
     }
     for (std::size_t begin = 0, width = 0; begin + width <= expected.size(); begin += width, ++width) {
         std::vector<std::uint32_t> words(width + 1, 0xDEADBEEF);

@@ -17,7 +17,7 @@ namespace vantrel::tests {
 using Bitmap = UniqueBitmap;
 using Icon = UniqueHandle<HICON, DestroyIcon>;
 
-inline constexpr std::uint32_t keyColour = 0xFFFF00; // the background around a picture
+inline constexpr std::uint32_t keyColor = 0xFFFF00; // the background around a picture
 inline constexpr std::uint32_t opaque = 0xFF000000;
 
 // 32-bit words 0xAARRGGBB, the top row first; empty when there is no bitmap.
@@ -59,16 +59,16 @@ inline Picture NaturalPicture(const ZmiBuilder& file) {
 }
 
 // A file of one colour, which scaling doesn't change, and a bitmap of that colour.
-inline constexpr std::uint32_t flatColour = 0xFF0000;
+inline constexpr std::uint32_t flatColor = 0xFF0000;
 
-inline ZmiBuilder FlatFile(std::uint16_t width, std::uint16_t height, std::uint16_t colour565 = 0xF800) {
+inline ZmiBuilder FlatFile(std::uint16_t width, std::uint16_t height, std::uint16_t color565 = 0xF800) {
     ZmiBuilder file{.mode = 1, .frames = {{width, height}}};
-    file.palette.fill(colour565);
+    file.palette.fill(color565);
     return file;
 }
 
-inline Picture FlatPicture(unsigned width, unsigned height, std::uint32_t colour = flatColour) {
-    return {width, height, std::vector(std::size_t{width} * height, opaque | colour)};
+inline Picture FlatPicture(unsigned width, unsigned height, std::uint32_t color = flatColor) {
+    return {width, height, std::vector(std::size_t{width} * height, opaque | color)};
 }
 
 } // namespace vantrel::tests

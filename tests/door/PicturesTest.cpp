@@ -9,7 +9,7 @@ namespace {
 
 // The picture in the middle of a box of the key colour, colours only.
 Picture Letterboxed(const Picture& picture, unsigned width, unsigned height) {
-    Picture box{width, height, std::vector(std::size_t{width} * height, keyColour)};
+    Picture box{width, height, std::vector(std::size_t{width} * height, keyColor)};
     const unsigned left = (width - picture.width) / 2;
     const unsigned top = (height - picture.height) / 2;
     for (unsigned y = 0; y < picture.height; ++y)
@@ -29,7 +29,7 @@ Picture AsIcon(const Picture& picture, unsigned edge) {
             std::uint32_t& word = icon.words.at(std::size_t{y} * edge + x);
             // Differences below 0 wrap and count as large.
             const bool inside = edge - 1 - y - bottom < picture.height && x - left < picture.width;
-            word |= inside || word != keyColour ? opaque : 0;
+            word |= inside || word != keyColor ? opaque : 0;
         }
     return icon;
 }
@@ -38,9 +38,9 @@ Picture AsIcon(const Picture& picture, unsigned edge) {
 ZmiBuilder SpeckledFile(std::uint16_t width, std::uint16_t height) {
     Bytes pixels;
     for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
-        const std::size_t colour = i % 3 == 0 ? 0xFFE0 : i % 3 == 1 ? 0 : i * 77;
-        pixels.push_back(static_cast<std::uint8_t>(colour));
-        pixels.push_back(static_cast<std::uint8_t>(colour >> 8));
+        const std::size_t color = i % 3 == 0 ? 0xFFE0 : i % 3 == 1 ? 0 : i * 77;
+        pixels.push_back(static_cast<std::uint8_t>(color));
+        pixels.push_back(static_cast<std::uint8_t>(color >> 8));
     }
     return {.frames = {{width, height, pixels}}};
 }
@@ -92,7 +92,7 @@ TEST(Pictures, KeepTheirProportionsInASquare) {
                        FlatPicture(each.fittedWidth, each.fittedHeight));
         // The key colour is as visible as any other.
         ExpectInSquare(FlatFile(each.width, each.height, 0xFFE0), each.edge,
-                       FlatPicture(each.fittedWidth, each.fittedHeight, keyColour));
+                       FlatPicture(each.fittedWidth, each.fittedHeight, keyColor));
     }
     ExpectInSquare(ZmiBuilder{}, 256, FlatPicture(256, 150, 0xFFFFFF));
 }

@@ -70,10 +70,10 @@ Picture ReadIcon(HICON icon) {
     ICONINFO info{};
     EXPECT_TRUE(GetIconInfo(icon, &info));
     const Bitmap mask(info.hbmMask);
-    const Bitmap colour(info.hbmColor);
+    const Bitmap color(info.hbmColor);
     EXPECT_TRUE(info.fIcon);
     const Picture masked = ReadPicture(mask.get());
-    const Picture picture = ReadPicture(colour.get());
+    const Picture picture = ReadPicture(color.get());
     EXPECT_EQ(masked.width, picture.width);
     EXPECT_EQ(masked.height, picture.height);
     for (const std::uint32_t word : masked.words)

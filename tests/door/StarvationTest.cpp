@@ -64,7 +64,7 @@ const ZmiBuilder raisingFile = {.mode = 0, .frameTable = true};
 
 const ZmiBuilder files[] = {
     {.mode = 0, .frames = {{16, 9}}, .title = "Starved"},
-    {.mode = 1, .frames = {{16, 9}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColours(1)}}},
+    {.mode = 1, .frames = {{16, 9}, {4, 4}, {.width = 3, .height = 3, .palette = PatternColors(1)}}},
     {.mode = 2, .frames = {{9, 16}}, .title = "Starved"},
     {},
 };

@@ -64,13 +64,13 @@ TEST(BitmapSurface, AlphaPassCountsRowsFromTheBottom) {
                  {2, 1, 0xFFFFFFFF, 0xFFFFFFFF, "..xx..xx...."},
                  {0xFFFFFFFF, 0, 9, 3, "............"}};
     for (const auto& [x, y, width, height, opaque] : cases)
-        for (const std::uint32_t colour : {keyWord, keyWord + 1, 0x0080FFu}) {
+        for (const std::uint32_t color : {keyWord, keyWord + 1, 0x0080FFu}) {
             TestSurface surface(4, 3);
-            std::fill_n(surface.Bits(), 12, 0x55000000 | colour);
+            std::fill_n(surface.Bits(), 12, 0x55000000 | color);
             surface.SetAlphaOutside(key, x, y, width, height);
             for (int i = 0; i < 12; ++i) {
-                const bool clear = colour == keyWord && opaque.at(static_cast<std::size_t>(i)) == '.';
-                EXPECT_EQ(surface.At(i % 4, i / 4), (clear ? 0 : 0xFF000000) | colour) << opaque << ", " << i;
+                const bool clear = color == keyWord && opaque.at(static_cast<std::size_t>(i)) == '.';
+                EXPECT_EQ(surface.At(i % 4, i / 4), (clear ? 0 : 0xFF000000) | color) << opaque << ", " << i;
             }
         }
 }

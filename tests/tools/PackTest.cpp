@@ -105,7 +105,7 @@ protected:
     // A bitmap file of 0xRRGGBB colours from the top left: one for each pixel, or a pseudo-random mix of
     // them.
     void WriteBitmap(const std::wstring& name, std::uint32_t width, std::uint32_t height,
-                     const std::vector<std::uint32_t>& colours) const {
+                     const std::vector<std::uint32_t>& colors) const {
         constexpr std::size_t headers = 54;
         const std::size_t count = std::size_t{width} * height;
         Bytes bytes(headers + 4 * count);
@@ -114,7 +114,7 @@ protected:
             SetField(bytes, at, {0, 4}, value);
         for (std::size_t i = 0; i < count; ++i)
             SetField(bytes, headers + 4 * i, {0, 4},
-                     colours[colours.size() == count ? i : PatternByte(width, i) % colours.size()]);
+                     colors[colors.size() == count ? i : PatternByte(width, i) % colors.size()]);
         Write(name, bytes);
     }
 };
@@ -248,7 +248,7 @@ TEST_F(PackTest, TurnsPhotosUpright) {
     }
 }
 
-TEST_F(PackTest, MarksAndFillsTheTransparentColour) {
+TEST_F(PackTest, MarksAndFillsTheTransparentColor) {
     WriteBitmap(L"p.bmp", 4, 1, {0xFF00FF, 0x000000, 0xFFFFFF, 0xFE01FE});
     Pack({L"--transparent", L"ff00ff", L"p.bmp", L"a.zmi"}).Ended(0);
     Pack({L"--transparent=#FF00FF", L"--mode", L"8", L"p.bmp", L"b.zmi"}).Ended(0);
@@ -274,24 +274,24 @@ TEST_F(PackTest, MarksAndFillsTheTransparentColour) {
         EXPECT_EQ(corner, GetField(Read(name), Header(Read(name), image_header::pixelOffset), {0, 2}));
 }
 
-TEST_F(PackTest, ChoosesColoursNearThoseOfThePicture) {
-    std::vector<std::uint32_t> colours;
+TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
+    std::vector<std::uint32_t> colors;
     for (std::uint32_t i = 0; i < 4096; ++i) {
         const std::uint32_t x = PatternByte(0, i);
         const std::uint32_t y = PatternByte(1, i);
-        colours.push_back(x * x >> 8 << 16 | x * y >> 8 << 8 | y * y * y >> 16);
+        colors.push_back(x * x >> 8 << 16 | x * y >> 8 << 8 | y * y * y >> 16);
     }
-    WriteBitmap(L"p.bmp", 64, 64, colours);
+    WriteBitmap(L"p.bmp", 64, 64, colors);
     Pack({L"--mode", L"8", L"--no-dither", L"p.bmp", L"a.zmi"}).Ended(0);
     const Bytes file = Read(L"a.zmi");
     const Frame frame(file, 0);
     double missed = 0;
-    for (std::size_t i = 0; i < colours.size(); ++i) {
+    for (std::size_t i = 0; i < colors.size(); ++i) {
         const std::uint32_t shown =
             GetField(file, Header(file, image_header::paletteOffset) + 2 * frame.values[i], {0, 2});
-        for (const auto& [source, value] : {std::pair(colours[i] >> 16, shown >> 11 << 3),
-                                            {colours[i] >> 8, shown >> 5 << 2},
-                                            {colours[i], shown << 3}}) {
+        for (const auto& [source, value] : {std::pair(colors[i] >> 16, shown >> 11 << 3),
+                                            {colors[i] >> 8, shown >> 5 << 2},
+                                            {colors[i], shown << 3}}) {
             const double distance = double(source & 255) - double(value & 255);
             missed += distance * distance;
         }

@@ -14,7 +14,7 @@ void ExpectPixels(const ZmiBuilder& made, const Bytes& file) {
     for (std::size_t i = 0; i < made.frames.size(); ++i) {
         const std::size_t at =
             GetField(file, table + frame_table::size + i * frame_record::size, frame_record::dataOffset);
-        const Colours& palette = made.frames[i].palette.value_or(made.palette);
+        const Colors& palette = made.frames[i].palette.value_or(made.palette);
         for (unsigned pixel = 0; pixel < made.frames[i].width * made.frames[i].height; ++pixel) {
             const unsigned x = pixel % made.frames[i].width, y = pixel / made.frames[i].width;
             const std::uint32_t raw =
@@ -35,7 +35,7 @@ TEST_F(UnpackTest, GivesBackEveryPixelOfEveryFrame) {
         SCOPED_TRACE(mode);
         ZmiBuilder made{.mode = mode, .frames = {{9, 5}, {1, 17}, {12, 3}}, .transparentKey = 7};
         // A transparent colour that some pixels have, and its own table.
-        made.frames[2].palette = mode == 1 ? std::optional(PatternColours(5)) : std::nullopt;
+        made.frames[2].palette = mode == 1 ? std::optional(PatternColors(5)) : std::nullopt;
         const Bytes plain = made.Build();
         for (std::size_t i = 0; i < names.size() && mode != 0; ++i)
             made.frames[i].transparentKey = GetField(plain, made.PixelsAt(i), {0, mode});

@@ -112,14 +112,14 @@ std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const
     switch (frame.fault) {
     case FrameFault::None:
         return {};
-    case FrameFault::ColourTable:
+    case FrameFault::Palette:
         return Outside(L"the colour table of " + name, frame.paletteOffset, sizeof(Palette));
     case FrameFault::Pixels:
         return Outside(L"the pixels of " + name, frame.record.frameDataOffset, frame.pixelByteCount);
     case FrameFault::ReservedMode:
         return name + L" is in pixel mode 3, by its flags at offset " + Grouped(flagsOffset) +
                L", which can't be displayed";
-    case FrameFault::NoColourTable:
+    case FrameFault::NoPalette:
         return itsMode + L" needs a colour table, but the file's mode has none";
     case FrameFault::TooFewPixels:
         return itsMode + L" needs more bytes than the " + Grouped(frame.pixelByteCount) +
@@ -142,7 +142,7 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
             if (!frame)
                 return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
             // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
-            if (i == 0 || frame->fault == FrameFault::ColourTable || frame->fault == FrameFault::Pixels)
+            if (i == 0 || frame->fault == FrameFault::Palette || frame->fault == FrameFault::Pixels)
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;
             if (i == 0 && width && height) {

@@ -1,8 +1,8 @@
 // A ZMI file inspected frame by frame, and what is wrong with it in words.
 #pragma once
 
-#include "codec/FileSource.h"
 #include "codec/FrameReader.h"
+#include "codec/windows/FileSource.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -96,7 +96,7 @@ std::uint16_t RowEncoder::Choose(Color color, Color& shown) {
     }
     case PixelMode::Indexed: {
         const std::uint8_t index = table_->NearestIndex(ToRgb565(color));
-        shown = FromRgb565(table_->Entries().colours[index]);
+        shown = FromRgb565(table_->Entries().colors[index]);
         return index;
     }
     default:

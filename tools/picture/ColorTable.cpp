@@ -15,7 +15,7 @@ ColorTable::ColorTable(std::span<const std::uint16_t> colors, std::optional<std:
         sorted.insert(place, *key);
     }
     used_ = std::min(sorted.size(), colorTableEntries);
-    std::copy_n(sorted.begin(), used_, entries_.colours);
+    std::copy_n(sorted.begin(), used_, entries_.colors);
 }
 
 std::uint8_t ColorTable::NearestIndex(std::uint16_t rgb565) {
@@ -23,7 +23,7 @@ std::uint8_t ColorTable::NearestIndex(std::uint16_t rgb565) {
     if (known == unknown) {
         int best = std::numeric_limits<int>::max();
         for (std::size_t i = 0; i < used_; ++i) {
-            const int distance = Distance(FromRgb565(rgb565), FromRgb565(entries_.colours[i]));
+            const int distance = Distance(FromRgb565(rgb565), FromRgb565(entries_.colors[i]));
             if (distance < best && i != key_) {
                 best = distance;
                 known = static_cast<std::uint16_t>(i);

@@ -13,7 +13,7 @@
 
 namespace vantrel::tools {
 
-inline constexpr std::size_t colorTableEntries = std::extent_v<decltype(Palette::colours)>;
+inline constexpr std::size_t colorTableEntries = std::extent_v<decltype(Palette::colors)>;
 
 // A colour table with a search for the entry nearest to a colour.
 class ColorTable {

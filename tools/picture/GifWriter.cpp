@@ -121,8 +121,8 @@ void GifWriter::AddFrame(std::uint16_t width, std::uint16_t height, std::span<st
     head += imageDescriptor;
     head += Number(0) + Number(0) + Number(width) + Number(height);
     head += static_cast<char>(colorTableFlag | 7);
-    for (const std::uint16_t colour : palette.colours) {
-        const Color shown = FromRgb565(colour);
+    for (const std::uint16_t color : palette.colors) {
+        const Color shown = FromRgb565(color);
         head += {static_cast<char>(shown.red), static_cast<char>(shown.green), static_cast<char>(shown.blue)};
     }
 

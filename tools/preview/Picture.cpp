@@ -39,10 +39,10 @@ Picture TakePicture(UniqueIcon icon) {
     if (!GetIconInfo(icon.get(), &info))
         FailWithLastError(L"GetIconInfo");
     UniqueBitmap mask(info.hbmMask);
-    UniqueBitmap colours(info.hbmColor);
-    if (!colours)
+    UniqueBitmap colors(info.hbmColor);
+    if (!colors)
         throw Failure(L"the icon has no colours");
-    Picture picture = TakePicture(std::move(colours));
+    Picture picture = TakePicture(std::move(colors));
     picture.isOpaque = false;
 
     constexpr std::uint32_t alpha = 0xFF000000;

@@ -36,13 +36,13 @@ std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
 
 } // namespace
 
-std::wstring DescribeColours(const FrameRecord& frame) {
+std::wstring DescribeColors(const FrameRecord& frame) {
     return DescribeMode(frame.flags, frame.transparentKey);
 }
 
 std::wstring DescribeFrame(const FileFrame& frame) {
     const FrameRecord& record = frame.record;
-    std::wstring text = Size(record.width, record.height) + L", " + DescribeColours(record);
+    std::wstring text = Size(record.width, record.height) + L", " + DescribeColors(record);
     if (record.frameDataOffset != 0)
         text +=
             L", " + Grouped(frame.pixelByteCount) + L" bytes at offset " + Grouped(record.frameDataOffset);

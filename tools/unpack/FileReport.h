@@ -10,7 +10,7 @@
 namespace vantrel::tools {
 
 // "256 colours, index 7 is transparent".
-std::wstring DescribeColours(const FrameRecord& frame);
+std::wstring DescribeColors(const FrameRecord& frame);
 // "3 x 5, 256 colours, 15 bytes at offset 722, colour table at offset 210".
 std::wstring DescribeFrame(const FileFrame& frame);
 

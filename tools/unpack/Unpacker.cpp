@@ -141,7 +141,7 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
         texts.push_back({"Title", title});
     texts.push_back({"Description", L"frame " + std::to_wstring(index + 1) + L" of " +
                                         std::to_wstring(file.Frames().FrameCount()) + L", " +
-                                        DescribeColours(record)});
+                                        DescribeColors(record)});
     texts.push_back({"Software", L"zmi-unpack " VANTREL_VERSION});
 
     OutputFile output(path, FileKind::Png, guard_);

@@ -74,8 +74,8 @@ Canvas::Canvas(unsigned width, unsigned height, COLORREF background) : width_(wi
                                     DEFAULT_PITCH | FF_SWISS, face));
 }
 
-void Canvas::Fill(const RECT& box, COLORREF colour) {
-    SetDCBrushColor(context_.get(), colour);
+void Canvas::Fill(const RECT& box, COLORREF color) {
+    SetDCBrushColor(context_.get(), color);
     FillRect(context_.get(), &box, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
@@ -106,9 +106,9 @@ void Canvas::Draw(const Picture& picture, const RECT& box) {
         }
 }
 
-void Canvas::Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF colour, UINT format) {
+void Canvas::Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF color, UINT format) {
     SelectObject(context_.get(), fonts_[static_cast<std::size_t>(style)].get());
-    SetTextColor(context_.get(), colour);
+    SetTextColor(context_.get(), color);
     const std::wstring visible = Visible(text);
     RECT area = box;
     DrawTextW(context_.get(), visible.c_str(), static_cast<int>(visible.size()), &area,

@@ -17,12 +17,12 @@ public:
     // Throws Failure if there is not enough memory for the page.
     Canvas(unsigned width, unsigned height, COLORREF background);
 
-    void Fill(const RECT& box, COLORREF colour);
+    void Fill(const RECT& box, COLORREF color);
     void Checkerboard(const RECT& box);
     // Centred in the box, blended if it has alpha, and clipped.
     void Draw(const Picture& picture, const RECT& box);
     // Takes DrawTextW's format flags; text that does not fit ends in an ellipsis.
-    void Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF colour, UINT format);
+    void Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF color, UINT format);
 
     unsigned Width() const { return width_; }
     unsigned Height() const { return height_; }

@@ -24,14 +24,14 @@ constexpr LONG iconRowHeight = 44;
 constexpr LONG belowThumbnail = 12;
 constexpr LONG aboveIcons = 12;
 
-constexpr COLORREF pageColour = RGB(238, 240, 243);
-constexpr COLORREF cardColour = RGB(255, 255, 255);
-constexpr COLORREF edgeColour = RGB(218, 222, 228);
-constexpr COLORREF wellColour = RGB(246, 247, 249);
-constexpr COLORREF failedColour = RGB(252, 241, 239);
-constexpr COLORREF inkColour = RGB(28, 33, 40);
-constexpr COLORREF greyColour = RGB(98, 108, 120);
-constexpr COLORREF alarmColour = RGB(176, 42, 30);
+constexpr COLORREF pageColor = RGB(238, 240, 243);
+constexpr COLORREF cardColor = RGB(255, 255, 255);
+constexpr COLORREF edgeColor = RGB(218, 222, 228);
+constexpr COLORREF wellColor = RGB(246, 247, 249);
+constexpr COLORREF failedColor = RGB(252, 241, 239);
+constexpr COLORREF inkColor = RGB(28, 33, 40);
+constexpr COLORREF greyColor = RGB(98, 108, 120);
+constexpr COLORREF alarmColor = RGB(176, 42, 30);
 
 LONG CardWidth(unsigned edge) {
     return static_cast<LONG>(edge) + 2 * padding;
@@ -62,7 +62,7 @@ Canvas MakePage(std::size_t fileCount, unsigned edge, LONG columns) {
     const LONG rows = (static_cast<LONG>(fileCount) + columns - 1) / columns;
     return {static_cast<unsigned>(2 * margin + columns * CardWidth(edge) + (columns - 1) * gap),
             static_cast<unsigned>(headingHeight + rows * CardHeight(edge) + (rows - 1) * gap + margin),
-            pageColour};
+            pageColor};
 }
 
 std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view request) {
@@ -88,12 +88,12 @@ ContactSheet::ContactSheet(std::size_t fileCount)
 
 void ContactSheet::DrawHeading(std::size_t fileCount) {
     const LONG right = static_cast<LONG>(canvas_.Width()) - margin;
-    canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColour,
+    canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColor,
                  DT_SINGLELINE | DT_VCENTER);
     canvas_.Text({margin, 54, right, 74},
                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") + L", thumbnails at " +
                      std::to_wstring(edge_) + L" px",
-                 TextStyle::Body, greyColour, DT_SINGLELINE | DT_VCENTER);
+                 TextStyle::Body, greyColor, DT_SINGLELINE | DT_VCENTER);
 }
 
 void ContactSheet::Add(const FileReport& report) {
@@ -101,37 +101,37 @@ void ContactSheet::Add(const FileReport& report) {
     const LONG top = headingHeight + added_ / columns_ * (CardHeight(edge_) + gap);
     ++added_;
     const RECT card{left, top, left + CardWidth(edge_), top + CardHeight(edge_)};
-    canvas_.Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColour);
-    canvas_.Fill(card, cardColour);
+    canvas_.Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColor);
+    canvas_.Fill(card, cardColor);
 
     const LONG edge = static_cast<LONG>(edge_);
     const RECT well{left + padding, top + padding, left + padding + edge, top + padding + edge};
     const HandlerResult* thumbnail = report.Find(HandlerKind::Thumbnail, std::to_wstring(edge_));
-    canvas_.Fill(well, thumbnail ? wellColour : failedColour);
+    canvas_.Fill(well, thumbnail ? wellColor : failedColor);
     if (thumbnail) {
         canvas_.Draw(thumbnail->picture, well);
     } else {
         canvas_.Text({well.left + 12, well.top + 12, well.right - 12, well.bottom - 12}, report.Reason(),
-                     TextStyle::Body, alarmColour, DT_WORDBREAK | DT_EDITCONTROL);
+                     TextStyle::Body, alarmColor, DT_WORDBREAK | DT_EDITCONTROL);
     }
 
     RECT line{well.left, well.bottom + belowThumbnail, well.right,
               well.bottom + belowThumbnail + titleHeight};
-    const auto write = [&](const std::wstring& text, TextStyle style, COLORREF colour) {
-        canvas_.Text(line, text, style, colour, DT_SINGLELINE | DT_VCENTER);
+    const auto write = [&](const std::wstring& text, TextStyle style, COLORREF color) {
+        canvas_.Text(line, text, style, color, DT_SINGLELINE | DT_VCENTER);
         line = {line.left, line.bottom, line.right, line.bottom + lineHeight};
     };
     const std::wstring title = Value(report, HandlerKind::Properties, L"title");
     if (!thumbnail)
-        write(title.empty() ? L"No picture" : title, TextStyle::Title, alarmColour);
+        write(title.empty() ? L"No picture" : title, TextStyle::Title, alarmColor);
     else if (title.empty())
-        write(L"no title", TextStyle::Body, greyColour);
+        write(L"no title", TextStyle::Body, greyColor);
     else
-        write(title, TextStyle::Title, inkColour);
-    write(report.file.path.filename().wstring(), TextStyle::Body, inkColour);
-    write(Facts(report), TextStyle::Body, greyColour);
+        write(title, TextStyle::Title, inkColor);
+    write(report.file.path.filename().wstring(), TextStyle::Body, inkColor);
+    write(Facts(report), TextStyle::Body, greyColor);
     const std::wstring column = Value(report, HandlerKind::Column, L"dimensions");
-    write(column.empty() ? L"" : L"Column: " + column, TextStyle::Body, greyColour);
+    write(column.empty() ? L"" : L"Column: " + column, TextStyle::Body, greyColor);
 
     LONG x = well.left;
     const LONG middle = card.bottom - padding - iconRowHeight / 2;
@@ -139,7 +139,7 @@ void ContactSheet::Add(const FileReport& report) {
     DrawIcon(report, smallIconEdge, x, middle);
     if (thumbnail && edge_ == largeEdge)
         canvas_.Text({x, middle - 10, well.right, middle + 10}, thumbnail->picture.Dimensions() + L" px",
-                     TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+                     TextStyle::Small, greyColor, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
 }
 
 void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle) {
@@ -147,16 +147,16 @@ void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LO
     constexpr LONG labelWidth = 34;
     const LONG half = static_cast<LONG>(edge) / 2 + border;
     const RECT tile{x, middle - half, x + 2 * half, middle + half};
-    canvas_.Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColour);
+    canvas_.Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColor);
     const HandlerResult* icon = report.Find(HandlerKind::Icon, std::to_wstring(edge));
     if (icon) {
         canvas_.Checkerboard(tile);
         canvas_.Draw(icon->picture, tile);
     } else {
-        canvas_.Fill(tile, failedColour);
+        canvas_.Fill(tile, failedColor);
     }
     canvas_.Text({tile.right + 7, middle - 10, tile.right + 7 + labelWidth, middle + 10},
-                 std::to_wstring(edge) + L" px", TextStyle::Small, greyColour, DT_SINGLELINE | DT_VCENTER);
+                 std::to_wstring(edge) + L" px", TextStyle::Small, greyColor, DT_SINGLELINE | DT_VCENTER);
     x = tile.right + 7 + labelWidth + 8;
 }
 

@@ -1,4 +1,6 @@
-#include "codec/Decoder.h"
+#include "codec/Decode.h"
+
+#include "codec/ReadFile.h"
 
 namespace vantrel {
 
@@ -127,6 +129,14 @@ bool decode(PayloadReader& payload, DecodedImage& image, Keep keep, const PixelT
             return false;
     }
     return payload.ReadRest();
+}
+
+bool DecodeFile(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels,
+                std::uint32_t windowSize) {
+    FileHeader header;
+    std::optional<PayloadReader> payload;
+    return readFile(source, zmiPictureKind, header, payload, windowSize) &&
+           decode(*payload, image, keep, takePixels);
 }
 
 } // namespace vantrel

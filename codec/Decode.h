@@ -1,9 +1,11 @@
-// The decoder: payload bytes to DecodedImage.
+// Decoding: payload bytes to DecodedImage.
 #pragma once
 
+#include "codec/ByteSource.h"
 #include "codec/DecodedImage.h"
 #include "codec/FramePixels.h"
 
+#include <cstdint>
 #include <functional>
 
 namespace vantrel {
@@ -25,5 +27,9 @@ using PixelTaker = std::function<bool(const DecodedImage& image, FramePixels& pi
 // frame table is empty, and for any other file without a frame if takePixels is given; propagates what
 // takePixels throws.
 bool decode(PayloadReader& payload, DecodedImage& image, Keep keep, const PixelTaker& takePixels = {});
+
+// Reads a file and decodes its payload; false also when its header or trailer is not valid.
+bool DecodeFile(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels = {},
+                std::uint32_t windowSize = PayloadReader::standardWindow);
 
 } // namespace vantrel

@@ -1,4 +1,4 @@
-#include "codec/FileReader.h"
+#include "codec/ReadFile.h"
 
 #include "tests/builder/MemorySource.h"
 
@@ -44,7 +44,7 @@ private:
 
 } // namespace
 
-TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
+TEST(ReadFile, HandsTheHeaderBackWhateverItSays) {
     Bytes file = ZmiBuilder{.frames = {{5, 3}}, .gap = 5000}.Build();
     SetField(file, 0, file_header::kind, 2);
     FileHeader header;
@@ -68,7 +68,7 @@ TEST(FileReader, HandsTheHeaderBackWhateverItSays) {
     }
 }
 
-TEST(FileReader, RefusesAnyWrongByte) {
+TEST(ReadFile, RefusesAnyWrongByte) {
     const Bytes file = plain.Build();
     for (std::size_t at = 0; at < file.size(); ++at) {
         if (at == file_header::dataSize.offset + file_header::dataSize.width)
@@ -81,7 +81,7 @@ TEST(FileReader, RefusesAnyWrongByte) {
     }
 }
 
-TEST(FileReader, RefusesPayloadsThatAreElsewhere) {
+TEST(ReadFile, RefusesPayloadsThatAreElsewhere) {
     Bytes inHeader = ZmiBuilder{}.Build();
     inHeader.erase(inHeader.begin() + 111);
     SetField(inHeader, 0, file_header::dataOffset, 111);
@@ -100,7 +100,7 @@ TEST(FileReader, RefusesPayloadsThatAreElsewhere) {
 }
 
 // The trailer is where the wrapped sum points.
-TEST(FileReader, ReadsPayloadsBeyondFourGiBAsFastAsOthers) {
+TEST(ReadFile, ReadsPayloadsBeyondFourGiBAsFastAsOthers) {
     SparseSource source(0xFF000000, 0x11000000, 0x10000000);
     EXPECT_EQ(VerdictOf(source), Verdict::Loads);
     EXPECT_NEAR(source.calls, 0x11000000 / PayloadReader::standardWindow, 5) << "wholly, in windows";

@@ -1,4 +1,4 @@
-#include "codec/FileReader.h"
+#include "codec/ReadFile.h"
 
 #include <cstring>
 
@@ -37,14 +37,6 @@ bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
         return true;
     payload.reset();
     return false;
-}
-
-bool LoadFrom(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels,
-              std::uint32_t windowSize) {
-    FileHeader header;
-    std::optional<PayloadReader> payload;
-    return readFile(source, zmiPictureKind, header, payload, windowSize) &&
-           decode(*payload, image, keep, takePixels);
 }
 
 } // namespace vantrel

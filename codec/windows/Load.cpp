@@ -1,20 +1,19 @@
-#include "codec/Load.h"
+#include "codec/windows/Load.h"
 
-#include "codec/FileReader.h"
-#include "codec/FileSource.h"
-#include "codec/StreamSource.h"
+#include "codec/windows/FileSource.h"
+#include "codec/windows/StreamSource.h"
 
 namespace vantrel {
 
 bool load(const wchar_t* path, IStream* stream, DecodedImage& image, const PixelTaker& takePixels) {
     if (stream) {
         StreamSource source(*stream);
-        return LoadFrom(source, image, Keep::Facts, takePixels);
+        return DecodeFile(source, image, Keep::Facts, takePixels);
     }
     if (!path)
         return false;
     FileSource source(path);
-    return LoadFrom(source, image, Keep::Facts, takePixels);
+    return DecodeFile(source, image, Keep::Facts, takePixels);
 }
 
 } // namespace vantrel

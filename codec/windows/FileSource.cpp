@@ -1,4 +1,4 @@
-#include "codec/FileSource.h"
+#include "codec/windows/FileSource.h"
 
 namespace vantrel {
 

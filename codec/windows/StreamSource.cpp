@@ -1,4 +1,4 @@
-#include "codec/StreamSource.h"
+#include "codec/windows/StreamSource.h"
 
 namespace vantrel {
 

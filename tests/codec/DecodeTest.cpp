@@ -1,4 +1,4 @@
-#include "codec/Decoder.h"
+#include "codec/Decode.h"
 
 #include "tests/builder/MemorySource.h"
 
@@ -7,7 +7,7 @@
 namespace vantrel::tests {
 
 // Except for the gap, which is not read at all.
-TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
+TEST(Decode, ReadsEveryByteOnceAndNeedsThemAll) {
     // A file that fits into one window. With unreferenced bytes between the pixels and, for several windows,
     // after them, and with a frame longer than a window.
     std::vector<ZmiBuilder> files{{.frames = {{5, 3}}, .gap = 3},
@@ -34,7 +34,7 @@ TEST(Decoder, ReadsEveryByteOnceAndNeedsThemAll) {
     }
 }
 
-TEST(Decoder, ManyFramesThatShareTheirPixelsStayCheap) {
+TEST(Decode, ManyFramesThatShareTheirPixelsStayCheap) {
     const ZmiBuilder made{.frames = std::vector(65535, ZmiFrame{300, 300}), .sharePixels = true};
     MemorySource source(made.Build());
     ASSERT_EQ(VerdictOf(source), Verdict::Loads);

@@ -1,9 +1,10 @@
-// Reading ZMI files: header, trailer, then the payload and its contents.
+// Opening a ZMI file: its header and trailer.
 #pragma once
 
 #include "codec/ByteSource.h"
-#include "codec/Decoder.h"
+#include "codec/PayloadReader.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace vantrel {
@@ -13,10 +14,6 @@ namespace vantrel {
 // header and payload is not read.
 bool readFile(ByteSource& source, std::uint8_t expectedKind, FileHeader& header,
               std::optional<PayloadReader>& payload,
-              std::uint32_t windowSize = PayloadReader::standardWindow);
-
-// Reads and decodes a picture into an empty image; see decode for the rest.
-bool LoadFrom(ByteSource& source, DecodedImage& image, Keep keep, const PixelTaker& takePixels = {},
               std::uint32_t windowSize = PayloadReader::standardWindow);
 
 } // namespace vantrel

@@ -1,7 +1,7 @@
 // Loading a ZMI picture from what the Shell passes in.
 #pragma once
 
-#include "codec/Decoder.h"
+#include "codec/Decode.h"
 
 #include <windows.h>
 
