@@ -3,7 +3,7 @@
 #include "tools/pack/InputList.h"
 #include "tools/pack/PictureReader.h"
 #include "tools/pack/RowEncoder.h"
-#include "tools/picture/ColorTableBuilder.h"
+#include "tools/picture/PaletteBuilder.h"
 #include "tools/terminal/Console.h"
 
 #include <algorithm>
@@ -91,12 +91,12 @@ ZmiContent Pack(const PackOptions& options) {
     ZmiFileSize(content); // rejects an impossible file before the long part
 
     bool dither = options.dither;
-    std::optional<ColorTable> table;
+    std::optional<PaletteSearch> table;
     if (indexed) {
-        ColorTableBuilder builder(options.transparent);
+        PaletteBuilder builder(options.transparent);
         walk.Rows([](const PictureFrame&) {}, [&](std::span<const Color> band) { builder.Add(band); });
         table = builder.Build();
-        content.colorTable = table->Entries();
+        content.palette = table->Entries();
         dither = dither && !builder.IsExact();
     }
 

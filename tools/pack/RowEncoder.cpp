@@ -35,7 +35,7 @@ void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent) {
     }
 }
 
-RowEncoder::RowEncoder(PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither)
+RowEncoder::RowEncoder(PixelMode mode, PaletteSearch* table, std::optional<Color> transparent, bool dither)
     : mode_(mode), table_(table), transparent_(transparent), dither_(dither) {
     if (transparent_)
         transparentKey_ = table_ ? table_->KeyIndex() : ToRgb565(*transparent_);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "codec/ZmiFormat.h"
-#include "tools/picture/ColorTable.h"
+#include "tools/picture/PaletteSearch.h"
 #include "tools/picture/Rgb565.h"
 
 #include <array>
@@ -24,7 +24,7 @@ void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent);
 class RowEncoder {
 public:
     // The table is required in indexed mode and must outlive the encoder; other modes ignore it.
-    RowEncoder(PixelMode mode, ColorTable* table, std::optional<Color> transparent, bool dither);
+    RowEncoder(PixelMode mode, PaletteSearch* table, std::optional<Color> transparent, bool dither);
 
     void StartFrame(std::uint16_t width);
     // Opaque pixels in; the row's bytes are appended.
@@ -39,7 +39,7 @@ private:
     std::uint16_t Choose(Color color, Color& shown);
 
     PixelMode mode_;
-    ColorTable* table_;
+    PaletteSearch* table_;
     std::optional<Color> transparent_;
     std::uint32_t transparentKey_ = 0;
     bool dither_;

@@ -12,7 +12,7 @@ namespace {
 // The file's parts are in this order; an absent part has no length.
 struct Layout {
     std::uint64_t frameTable = sizeof(FileHeader) + sizeof(ImageHeader);
-    std::uint64_t colorTable = frameTable;
+    std::uint64_t palette = frameTable;
     std::uint64_t pixels = frameTable;
     std::uint64_t trailer = frameTable;
 };
@@ -24,9 +24,9 @@ bool HasFrameTable(const ZmiContent& content) {
 Layout LayOut(const ZmiContent& content) {
     Layout layout;
     if (HasFrameTable(content))
-        layout.colorTable += sizeof(FrameTableHeader) + content.frames.size() * sizeof(FrameRecord);
-    layout.pixels = layout.colorTable;
-    if (content.colorTable)
+        layout.palette += sizeof(FrameTableHeader) + content.frames.size() * sizeof(FrameRecord);
+    layout.pixels = layout.palette;
+    if (content.palette)
         layout.pixels += sizeof(Palette);
     layout.trailer = layout.pixels;
     for (const FrameSize size : content.frames)
@@ -79,7 +79,7 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
     imageHeader.pixelOffset = static_cast<std::uint32_t>(blank                    ? 0
                                                          : HasFrameTable(content) ? layout.frameTable
                                                                                   : layout.pixels);
-    imageHeader.paletteOffset = static_cast<std::uint32_t>(content.colorTable ? layout.colorTable : 0);
+    imageHeader.paletteOffset = static_cast<std::uint32_t>(content.palette ? layout.palette : 0);
     imageHeader.transparentKey = content.transparentKey.value_or(0);
     imageHeader.flags = blank ? blankDefaultFlag : FrameFlags(content);
     imageHeader.width = blank ? blankDefaultWidth : content.frames.front().width;
@@ -105,8 +105,8 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
             offset += PixelByteCount(content.mode, size.width, size.height);
         }
     }
-    if (content.colorTable)
-        Put(output_, *content.colorTable);
+    if (content.palette)
+        Put(output_, *content.palette);
 }
 
 void ZmiWriter::WriteRows(std::span<const std::byte> rows) {

@@ -26,7 +26,7 @@ struct ZmiContent {
     std::string title; // in the ANSI code page, at most longestTitle bytes
     PixelMode mode = PixelMode::Rgb565;
     std::vector<FrameSize> frames;               // empty: the blank default picture
-    std::optional<Palette> colorTable;           // for indexed mode
+    std::optional<Palette> palette;              // for indexed mode
     std::optional<std::uint32_t> transparentKey; // 16-bit colour or index
 };
 

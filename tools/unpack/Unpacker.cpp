@@ -1,6 +1,6 @@
 #include "tools/unpack/Unpacker.h"
 
-#include "tools/picture/ColorTableBuilder.h"
+#include "tools/picture/PaletteBuilder.h"
 #include "tools/picture/PngWriter.h"
 #include "tools/terminal/Failure.h"
 #include "tools/unpack/FileReport.h"
@@ -172,9 +172,9 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
         if (pixel.alpha == 0)
             transparent = pixel;
     });
-    ColorTableBuilder builder(transparent);
+    PaletteBuilder builder(transparent);
     ok = ok && forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
-    ColorTable table = builder.Build();
+    PaletteSearch table = builder.Build();
     std::vector<std::uint8_t> indices;
     indices.reserve(std::size_t{record.width} * record.height);
     ok = ok && forEachPixel([&](Color pixel) {

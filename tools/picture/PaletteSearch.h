@@ -13,13 +13,13 @@
 
 namespace vantrel::tools {
 
-inline constexpr std::size_t colorTableEntries = std::extent_v<decltype(Palette::colors)>;
+inline constexpr std::size_t paletteEntries = std::extent_v<decltype(Palette::colors)>;
 
 // A colour table with a search for the entry nearest to a colour.
-class ColorTable {
+class PaletteSearch {
 public:
     // At most 256 colours, or 255 and a key, which gets an entry that no colour maps to.
-    ColorTable(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key);
+    PaletteSearch(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key);
 
     // All 256 entries as in the file; unused ones are 0.
     const Palette& Entries() const { return entries_; }

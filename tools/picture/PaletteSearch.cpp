@@ -1,12 +1,12 @@
-#include "tools/picture/ColorTable.h"
+#include "tools/picture/PaletteSearch.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace vantrel::tools {
 
-ColorTable::ColorTable(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key)
-    : key_(colorTableEntries), nearest_(65536, unknown) {
+PaletteSearch::PaletteSearch(std::span<const std::uint16_t> colors, std::optional<std::uint16_t> key)
+    : key_(paletteEntries), nearest_(65536, unknown) {
     std::vector<std::uint16_t> sorted(colors.begin(), colors.end());
     std::ranges::sort(sorted);
     if (key) {
@@ -14,11 +14,11 @@ ColorTable::ColorTable(std::span<const std::uint16_t> colors, std::optional<std:
         key_ = static_cast<std::size_t>(place - sorted.begin());
         sorted.insert(place, *key);
     }
-    used_ = std::min(sorted.size(), colorTableEntries);
+    used_ = std::min(sorted.size(), paletteEntries);
     std::copy_n(sorted.begin(), used_, entries_.colors);
 }
 
-std::uint8_t ColorTable::NearestIndex(std::uint16_t rgb565) {
+std::uint8_t PaletteSearch::NearestIndex(std::uint16_t rgb565) {
     std::uint16_t& known = nearest_[rgb565];
     if (known == unknown) {
         int best = std::numeric_limits<int>::max();

@@ -1,7 +1,7 @@
 // Chooses the colours of an 8-bit picture.
 #pragma once
 
-#include "tools/picture/ColorTable.h"
+#include "tools/picture/PaletteSearch.h"
 #include "tools/picture/Rgb565.h"
 
 #include <cstddef>
@@ -14,16 +14,16 @@ namespace vantrel::tools {
 
 // Sees all pixels of all frames once, then chooses the table: the pixels' own colours if they fit, else those
 // with the least total error. Not WIC's palette, which is coarser and differs between Wine and Windows.
-class ColorTableBuilder {
+class PaletteBuilder {
 public:
-    explicit ColorTableBuilder(std::optional<Color> key) : key_(key), seen_(65536) {}
+    explicit PaletteBuilder(std::optional<Color> key) : key_(key), seen_(65536) {}
 
     // Opaque pixels; those of exactly the key's colour are ignored.
     void Add(std::span<const Color> pixels);
 
     // True when each pixel's 16-bit colour has its own entry in the table.
     bool IsExact() const { return Distinct() <= Room(); }
-    ColorTable Build() const;
+    PaletteSearch Build() const;
 
 private:
     // The pixels of one 16-bit colour: how many, and the sums of their 8-bit channels.
@@ -34,7 +34,7 @@ private:
         std::uint64_t red = 0;
     };
 
-    std::size_t Room() const { return colorTableEntries - (key_ ? 1U : 0U); }
+    std::size_t Room() const { return paletteEntries - (key_ ? 1U : 0U); }
     std::size_t Distinct() const;
     std::vector<std::uint16_t> Choose() const;
 

@@ -1,4 +1,4 @@
-#include "tools/picture/ColorTableBuilder.h"
+#include "tools/picture/PaletteBuilder.h"
 
 #include <algorithm>
 #include <array>
@@ -109,7 +109,7 @@ void Settle(std::span<const Bin> bins, std::vector<Channels>& colors) {
 
 } // namespace
 
-void ColorTableBuilder::Add(std::span<const Color> pixels) {
+void PaletteBuilder::Add(std::span<const Color> pixels) {
     for (const Color pixel : pixels)
         if (pixel != key_) {
             Seen& seen = seen_[ToRgb565(pixel)];
@@ -120,16 +120,16 @@ void ColorTableBuilder::Add(std::span<const Color> pixels) {
         }
 }
 
-std::size_t ColorTableBuilder::Distinct() const {
+std::size_t PaletteBuilder::Distinct() const {
     return seen_.size() - static_cast<std::size_t>(std::ranges::count(seen_, 0U, &Seen::count));
 }
 
-ColorTable ColorTableBuilder::Build() const {
+PaletteSearch PaletteBuilder::Build() const {
     const std::vector<std::uint16_t> colors = Choose();
     return {colors, key_ ? std::optional(ToRgb565(*key_)) : std::nullopt};
 }
 
-std::vector<std::uint16_t> ColorTableBuilder::Choose() const {
+std::vector<std::uint16_t> PaletteBuilder::Choose() const {
     std::vector<std::uint16_t> chosen;
     std::vector<Bin> bins;
     for (std::size_t color = 0; color < seen_.size(); ++color) {
