@@ -145,7 +145,7 @@ TEST_F(PackTest, GivesWhatPacksToTheSameBytesAgain) {
         for (const std::wstring& mode : modes) {
             SCOPED_TRACE(testing::PrintToString(picture + mode));
             Pack({L"--mode", mode, picture, L"a.zmi"}).Ended(0);
-            Preview({L"--sizes", L"13", L"a.zmi"}).Ended(0);
+            Preview({L"--force", L"--sizes", L"13", L"a.zmi"}).Ended(0);
             Pack({L"--mode=" + mode, L"a-13.png", L"b.zmi"}).Ended(0);
             EXPECT_EQ(Read(L"a.zmi"), Read(L"b.zmi"));
             // Each of these modes has the picture's colours, so all of them show the same.

@@ -40,7 +40,7 @@ TEST_F(UnpackTest, GivesBackEveryPixelOfEveryFrame) {
         for (std::size_t i = 0; i < names.size() && mode != 0; ++i)
             made.frames[i].transparentKey = GetField(plain, made.PixelsAt(i), {0, mode});
         Write(L"a.zmi", made.Build());
-        Unpack({L"a.zmi"}).Ended(0);
+        Unpack({L"--force", L"a.zmi"}).Ended(0);
         Pack({L"--transparent", L"00ff00", names[0], names[1], names[2], L"direct.zmi"}).Ended(0);
         ExpectPixels(made, Read(L"direct.zmi"));
 
@@ -49,7 +49,7 @@ TEST_F(UnpackTest, GivesBackEveryPixelOfEveryFrame) {
         if (mode == 0)
             pack.erase(pack.begin() + 2, pack.begin() + 4);
         Pack(pack).Ended(0);
-        Unpack({L"--out", L"back", L"a.zmi"}).Ended(0);
+        Unpack({L"--force", L"--out", L"back", L"a.zmi"}).Ended(0);
         Unpack({L"--gif", L"a.gif", L"a.zmi"}).Ended(0);
         const Bytes packed = Read(L"a.zmi");
         for (const std::wstring from : {L"back/a.png", L"a.gif"}) {

@@ -96,7 +96,8 @@ Several pictures, or animated ones, become a file with several frames.
   --no-dither           uses each pixel's nearest colour, without mixing
   --no-rotate           keeps photos as stored, ignoring their orientation
   --blank               the blank default picture, which needs no input
-  --force               replaces an existing file even if it is not a ZMI file
+  --force               replaces an existing file even if it is not a ZMI file;
+                        an existing ZMI file is replaced, an input never
   --help, --version
 
   zmi-pack --mode 8 --title "A walk" step*.png walk.zmi

@@ -78,7 +78,7 @@ ZmiContent Pack(const PackOptions& options) {
     OutputGuard guard(options.force);
     for (const auto& input : inputs)
         guard.Protect(input);
-    guard.Check(options.output, FileKind::Zmi);
+    guard.Check(options.output, FileKind::Zmi, NameOrigin::Typed);
 
     const bool indexed = options.mode == PixelMode::Indexed;
     FrameWalk walk(factory, std::move(inputs), options, indexed ? 3 : 2);

@@ -57,9 +57,9 @@ Picture TakePicture(UniqueIcon icon) {
     return picture;
 }
 
-void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
-              bool isOpaque, const std::uint32_t* pixels) {
-    OutputFile output(file, FileKind::Png, guard);
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, NameOrigin origin, unsigned width,
+              unsigned height, bool isOpaque, const std::uint32_t* pixels) {
+    OutputFile output(file, FileKind::Png, guard, origin);
     PngWriter writer(output, width, height, isOpaque);
     for (unsigned y = 0; y < height; ++y)
         writer.WriteRow(pixels + std::size_t{y} * width);

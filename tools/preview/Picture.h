@@ -28,7 +28,7 @@ Picture TakePicture(UniqueIcon icon);
 
 // Rows and pixels as in Picture. Throws what OutputFile and PngWriter throw; the file appears only once it is
 // complete.
-void WritePng(const std::filesystem::path& file, const OutputGuard& guard, unsigned width, unsigned height,
-              bool isOpaque, const std::uint32_t* pixels);
+void WritePng(const std::filesystem::path& file, const OutputGuard& guard, NameOrigin origin, unsigned width,
+              unsigned height, bool isOpaque, const std::uint32_t* pixels);
 
 } // namespace vantrel::tools

@@ -35,7 +35,9 @@ its host calls it; pictures become NAME-256.png, NAME-icon-32.png and so on.
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
   --sheet FILE   one PNG page of all files; separate PNG files only with --out
-  --force        replaces existing files even if they are not PNG files
+  --force        replaces existing files. Without it, FILE of --sheet may be
+                 replaced if it is a PNG file, and NAME-256.png and so on only
+                 by the same bytes. An input is never replaced.
   --dll FILE     asks this library, registered or not
   --json         prints one JSON document instead of lines
   --doctor       finds out why there are no thumbnails, and what to do about it

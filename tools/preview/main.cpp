@@ -37,7 +37,8 @@ void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard&
     try {
         const Picture& picture = result.picture;
         const auto png = names.Take(file.path.stem().wstring() + L"-" + result.pngSuffix);
-        WritePng(png, guard, picture.width, picture.height, picture.isOpaque, picture.pixels.data());
+        WritePng(png, guard, NameOrigin::MadeUp, picture.width, picture.height, picture.isOpaque,
+                 picture.pixels.data());
         result.png = png;
     } catch (const Failure& failure) {
         result.ok = false;
@@ -96,7 +97,7 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
     std::optional<ContactSheet> sheet;
     std::wstring sizeForSheetAlone;
     if (options.sheet) {
-        guard.Check(*options.sheet, FileKind::Png);
+        guard.Check(*options.sheet, FileKind::Png, NameOrigin::Typed);
         names.Reserve(*options.sheet);
         sheet.emplace(files.size());
         const unsigned edge = sheet->ThumbnailEdge();

@@ -25,9 +25,10 @@ std::wstring TemporaryName() {
 
 } // namespace
 
-OutputFile::OutputFile(const std::filesystem::path& target, FileKind kind, const OutputGuard& guard)
-    : shown_(target), target_(LongPath(target)) {
-    guard.Check(target, kind);
+OutputFile::OutputFile(const std::filesystem::path& target, FileKind kind, const OutputGuard& guard,
+                       NameOrigin origin)
+    : shown_(target), target_(LongPath(target)), mayReplace_(guard.MayReplace(origin)) {
+    guard.Check(target, kind, origin);
     const std::filesystem::path folder = target_.parent_path();
     CreateFolders(LongPath(folder));
 
@@ -81,16 +82,27 @@ void OutputFile::Commit() {
     constexpr int attempts = 10;
     constexpr DWORD pauseMilliseconds = 20;
     handle_.reset();
-    for (int attempt = 1; !committed_; ++attempt) {
-        const std::lock_guard lock(g_liveMutex);
-        committed_ = MoveFileExW(temporary_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
-        if (committed_)
-            g_liveFiles.erase(temporary_);
-        else if (attempt == attempts ||
-                 (GetLastError() != ERROR_ACCESS_DENIED && GetLastError() != ERROR_SHARING_VIOLATION))
-            FailWithLastError(shown_.wstring() + L": cannot be moved into place");
-        else
-            Sleep(pauseMilliseconds);
+    for (int attempt = 1;; ++attempt) {
+        DWORD error = ERROR_SUCCESS;
+        {
+            const std::lock_guard lock(g_liveMutex);
+            const DWORD flags = mayReplace_ ? MOVEFILE_REPLACE_EXISTING : 0;
+            committed_ = MoveFileExW(temporary_.c_str(), target_.c_str(), flags) != 0;
+            if (committed_) {
+                g_liveFiles.erase(temporary_);
+                return;
+            }
+            error = GetLastError();
+        }
+        if (error == ERROR_ALREADY_EXISTS) {
+            if (HaveSameBytes(target_, temporary_))
+                return; // the target is what it should be, and the temporary file goes
+            throw Failure(shown_.wstring() + L": this already exists with other contents; choose another "
+                                             L"folder with --out, or --force to replace it");
+        }
+        if (attempt == attempts || (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION))
+            Check(HRESULT_FROM_WIN32(error), shown_.wstring() + L": cannot be moved into place");
+        Sleep(pauseMilliseconds);
     }
 }
 

@@ -16,7 +16,8 @@ namespace vantrel::tools {
 class OutputFile {
 public:
     // Creates missing parent folders. Throws what OutputGuard::Check throws, and Failure.
-    OutputFile(const std::filesystem::path& target, FileKind kind, const OutputGuard& guard);
+    OutputFile(const std::filesystem::path& target, FileKind kind, const OutputGuard& guard,
+               NameOrigin origin = NameOrigin::Typed);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -25,7 +26,7 @@ public:
     void Write(std::span<const std::byte> bytes);
     // Throws Failure.
     void Seek(std::uint64_t offset);
-    // Throws Failure.
+    // Throws Failure, also if the guard doesn't let these bytes replace an existing file.
     void Commit();
 
     // Deletes every uncommitted file and prevents further commits: the process is about to end.
@@ -37,6 +38,7 @@ private:
     std::filesystem::path shown_; // as the user typed it
     std::filesystem::path target_;
     std::filesystem::path temporary_;
+    bool mayReplace_;
     UniqueKernelHandle handle_;
     std::uint64_t position_ = 0; // where the next write begins
     bool committed_ = false;

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace vantrel::tools {
 
@@ -54,7 +55,7 @@ void OutputGuard::Protect(const std::filesystem::path& input) {
             protected_.insert(*identity);
 }
 
-void OutputGuard::Check(const std::filesystem::path& target, FileKind kind) const {
+void OutputGuard::Check(const std::filesystem::path& target, FileKind kind, NameOrigin origin) const {
     const KindFacts& facts = kinds[static_cast<std::size_t>(kind)];
     const std::wstring name = target.wstring();
     if (CompareStringOrdinal(target.extension().c_str(), -1, facts.extension, -1, TRUE) != CSTR_EQUAL)
@@ -73,11 +74,34 @@ void OutputGuard::Check(const std::filesystem::path& target, FileKind kind) cons
     const auto identity = IdentityOf(file.get());
     if (!identity)
         FailWithLastError(name);
-    if (protected_.contains(*identity))
-        throw UsageError(name + L": this is one of the input files and is not overwritten");
-    if (!force_ && !BeginsWith(file.get(), facts.firstBytes))
+    if (protected_.contains(*identity)) {
+        const std::wstring words = name + L": this is one of the input files and is not overwritten";
+        if (origin == NameOrigin::Typed)
+            throw UsageError(words);
+        throw Failure(words);
+    }
+    if (origin == NameOrigin::Typed && !force_ && !BeginsWith(file.get(), facts.firstBytes))
         throw UsageError(name + L": this already exists and is not a " + facts.name +
                          L" file; use --force to replace it");
+}
+
+bool HaveSameBytes(const std::filesystem::path& left, const std::filesystem::path& right) {
+    struct Side {
+        UniqueKernelHandle file;
+        std::vector<char> bytes = std::vector<char>(1U << 16);
+        DWORD count = 0;
+    };
+    std::array<Side, 2> sides = {{{Open(left, GENERIC_READ)}, {Open(right, GENERIC_READ)}}};
+    do {
+        for (Side& side : sides) {
+            const auto size = static_cast<DWORD>(side.bytes.size());
+            if (!side.file || !ReadFile(side.file.get(), side.bytes.data(), size, &side.count, nullptr))
+                FailWithLastError(left.wstring() + L": cannot be compared");
+        }
+        if (sides[0].count != sides[1].count || sides[0].bytes != sides[1].bytes)
+            return false;
+    } while (sides[0].count > 0);
+    return true;
 }
 
 } // namespace vantrel::tools

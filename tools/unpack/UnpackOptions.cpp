@@ -18,7 +18,9 @@ frames. Each has its frame's size, and the transparent colour is transparent.
   --info          writes no pictures, but says what the files contain, what is
                   wrong with them, and at which offset
   --json          one JSON document on stdout instead of lines
-  --force         replaces existing files that are not PNG or GIF files
+  --force         replaces existing files. Without it, FILE of --gif may be
+                  replaced if it is a GIF file, and NAME.png only by the same
+                  bytes. An input is never replaced.
   --help, --version
 
   zmi-unpack lake.zmi

@@ -49,7 +49,7 @@ bool Unpacker::Run() {
     }
     if (animation_)
         FinishAnimation();
-    return ok;
+    return ok; // false if the animation failed on the way
 }
 
 bool Unpacker::UnpackFile(const std::wstring& name) {
@@ -109,21 +109,29 @@ void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_
     if (options_.info && frame && !json_)
         PrintLine(L"  frame " + std::to_wstring(index + 1) + L": " + DescribeFrame(*frame));
     if (fault.empty() && !options_.info) {
-        bool isRead = !animation_ || AddToAnimation(file, index, *frame);
-        if (isRead && (!animation_ || options_.out)) {
+        const auto attempt = [&](const auto& write) {
+            try {
+                if (write())
+                    return true;
+                fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
+            } catch (const Failure& failure) {
+                fault = failure.Message();
+            }
+            return false;
+        };
+        if (animation_)
+            attempt([&] { return AddToAnimation(file, index, *frame); });
+        if (!options_.gif || options_.out) {
             const std::filesystem::path path =
                 names_.Take(std::filesystem::path(name).stem().wstring() +
                             NumberSuffix(index + 1U, file.Frames().FrameCount()));
-            isRead = WritePicture(file, index, *frame, path);
-            if (isRead) {
+            if (attempt([&] { return WritePicture(file, index, *frame, path); })) {
                 facts.Add("png", path.wstring());
                 if (results.pictures++ == 0)
                     results.first = path;
                 results.last = path;
             }
         }
-        if (!isRead)
-            fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
     }
     if (!fault.empty()) {
         facts.Add("fault", fault);
@@ -144,7 +152,7 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
                                         DescribeColors(record)});
     texts.push_back({"Software", L"zmi-unpack " VANTREL_VERSION});
 
-    OutputFile output(path, FileKind::Png, guard_);
+    OutputFile output(path, FileKind::Png, guard_, NameOrigin::MadeUp);
     PngWriter png(output, record.width, record.height, !HasTransparency(record), texts);
     double row = 0;
     const auto takeRow = [&](const std::uint32_t* words) {
@@ -183,7 +191,12 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
     if (!ok)
         return false;
     const auto key = transparent ? std::optional(table.KeyIndex()) : std::nullopt;
-    animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
+    try {
+        animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
+    } catch (const Failure&) {
+        animation_.reset(); // the file may end within this frame
+        throw;
+    }
     ++animated_;
     ShowProgress(file, index, 1);
     return true;

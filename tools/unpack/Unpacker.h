@@ -23,8 +23,8 @@ public:
     // throws.
     Unpacker(const UnpackOptions& options, JsonDocument* json);
 
-    // False if a file or a frame was broken; this was reported, and all others were unpacked. Throws Failure
-    // if an output fails.
+    // False if a file, a frame or its picture failed; this was reported, and all others were unpacked. Throws
+    // Failure if the animation can't be completed, or stdout fails.
     bool Run();
 
 private:

@@ -161,7 +161,7 @@ void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LO
 }
 
 void ContactSheet::Save(const std::filesystem::path& file, const OutputGuard& guard) const {
-    WritePng(file, guard, canvas_.Width(), canvas_.Height(), true, canvas_.Pixels());
+    WritePng(file, guard, NameOrigin::Typed, canvas_.Width(), canvas_.Height(), true, canvas_.Pixels());
 }
 
 } // namespace vantrel::tools
