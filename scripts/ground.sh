@@ -64,8 +64,10 @@ build() {
 
 wine() { "$root/scripts/wine" "$@"; }
 
+# Without the preloader, Debian 12's Wine can't start when its heap lies where Windows keeps a shared page (0x7ffe0000):
+# the kernel puts it there once in some 8,000 starts.
 need_wine() {
-    need wine wine64 fonts-dejavu-core
+    need wine wine64 wine64-preloader fonts-dejavu-core
     if [ ! -e "$VANTREL_WINEPREFIX/ready" ]; then
         say "Preparing a private Wine prefix"
         rm -rf "$VANTREL_WINEPREFIX"
