@@ -51,11 +51,11 @@ need_cross_compiler() {
     need cmake ninja-build g++-mingw-w64-x86-64-posix googletest
 }
 
-# build PRESET [TARGET...]: configures when needed, then builds.
+# build PRESET [TARGET...]: configures if that was never done with these presets, then builds.
 build() {
     preset=$1
     shift
-    if [ ! -e "$root/build/$preset/build.ninja" ]; then
+    if [ -z "$(find "$root/build/$preset/build.ninja" -newer "$root/CMakePresets.json" 2>/dev/null)" ]; then
         say "Building $preset for the first time"
         quietly "configuring $preset" env -C "$root" cmake --preset "$preset"
     fi
