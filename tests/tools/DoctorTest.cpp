@@ -37,25 +37,6 @@ void CopyToMachine(DoctorFacts& facts, bool isMove) {
     }
 }
 
-void BreakAll(DoctorFacts& f) {
-    f.isArm64 = f.isExplorerElevated = f.isUacOff = true;
-    f.values[description].user = {ERROR_UNSUPPORTED_TYPE};
-    f.values[threading].user = f.values.back().machine = {};
-    f.servers[0].created[icon] = E_OUTOFMEMORY;
-    f.classes[icon] = {.created = E_OUTOFMEMORY, .blockingKey = LR"(HKCU\x)"};
-    f.classes[thumbnail].answer = L"{0}";
-    f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}, .defaultIcon = L"y.ico"},
-                  {.progId = L"Z", .handlers = {L"{3}"}, .defaultIcon = L"%1"}};
-    f.settings = {LR"(HKCU\a\IconsOnly)", LR"(HKLM\b\EnforceShellExtensionSecurity)"};
-    f.files = {{.shown = L"a.zmi", .attributes = 0x400000, .fault = L"?"},
-               {.shown = L"b.zmi", .attributes = FILE_ATTRIBUTE_OFFLINE},
-               {.shown = L"c.zmi", .isFolder = true, .unread = L"c.zmi: empty"},
-               {.shown = L"d.zmi", .fault = L"cut"},
-               {.shown = L"e.zmi", .width = 5, .height = 241},
-               {.shown = L"f.zmi", .width = 257, .height = 1},
-               {.shown = L"zmi.dat", .width = 1, .height = 1}};
-}
-
 // A change to healthy facts, and parts of "health text. Fix: fix" of all findings that are not [ok].
 const struct {
     void (*change)(DoctorFacts& f);
@@ -63,8 +44,48 @@ const struct {
 } states[] = {
     {[](auto&) {}, {}},
     {[](auto& f) { CopyToMachine(f, true), f.isExplorerElevated = true; }, {}},
+    {[](auto& f) { f.isArm64 = true; },
+     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: none"}},
+    {[](auto& f) { f.isExplorerElevated = true; },
+     {L"fail Explorer runs as administrator, where COM ignores what is registered for one user only. Fix: "
+      L"install"}},
+    {[](auto& f) { f.isExplorerElevated = f.isDoctorElevated = f.isUacOff = true; }, {}},
+    {[](auto& f) {
+         f.isExplorerElevated = f.isDoctorElevated = f.isUacOff = true;
+         f.classes[icon].created = REGDB_E_CLASSNOTREG;
+     },
+     {L"fail User Account Control is off, so Explorer runs as administrator, where COM ignores"}},
+    {[](auto& f) { f.isDoctorElevated = true, f.classes[icon].created = REGDB_E_CLASSNOTREG; },
+     {L"warn this program runs as administrator"}},
+    {[](auto& f) {
+         CopyToMachine(f, true);
+         f.isDoctorElevated = true, f.classes[icon].created = REGDB_E_CLASSNOTREG;
+     },
+     {L"fail COM can't create the class Vantrel Extract Icon: "}},
+    {[](auto& f) {
+         for (ValueFacts& value : f.values)
+             value.user = {};
+         f.servers = {};
+     },
+     {L"fail the library is registered neither for this user (HKCU) nor for the machine (HKLM). Fix: "
+      L"install"}},
+    {[](auto& f) { f.values.back().machine = {}; },
+     {LR"([default value] is missing: Explorer shows no title, dimensions and bit depth. Fix: run regsvr32 "C:\V\)"
+      LR"(Vantrel64.dll" as administrator)"}},
+    {[](auto& f) { f.values[description].user = {ERROR_UNSUPPORTED_TYPE}, f.values[threading].user = {}; },
+     {LR"(fail 2 registry values are missing or wrong, the first: HKCU\Software\Classes\CLSID\{E1A95D7C-0B48-4c63-)"
+      LR"(9F1D-2A6B8C04E79F} [default value] is of the wrong type, not a string. Fix: run regsvr32)"}},
+    {[](auto& f) { CopyToMachine(f, true), f.values[threading].machine = {ERROR_UNSUPPORTED_TYPE}; },
+     {LR"([ThreadingModel] is of the wrong type, not a string. Fix: as administrator, in the installer's folder, run msi)"
+      L"exec /i Vantrel64-" VANTREL_VERSION L"-x64.msi REINSTALL=ALL REINSTALLMODE=amus; install it if"}},
+    {[](auto& f) { f.values[binding].user.text = f.classes[thumbnail].answer.emplace(L"{0}"); },
+     {LR"([default value] is "{0}", not "{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}". Fix: run)"}},
     {[](auto& f) { CopyToMachine(f, false), f.isExplorerElevated = true; },
      {LR"(warn this user's registration (HKCU) hides 27 of the machine's values (HKLM). Fix: run regsvr32 /u "C:\V\)"}},
+    {[](auto& f) { CopyToMachine(f, false), f.values[threading].user.text = L"Both"; },
+     {LR"(fail this user's registration (HKCU) hides 27 of the machine's values (HKLM); HKCU\Software\Classes\CLSID\{E)"
+      LR"(1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32 [ThreadingModel] is "Both", not "Apartment". Fix: run )"
+      LR"(regsvr32 /u)"}},
     {[](auto& f) {
          CopyToMachine(f, true), f.values[server].user = {ERROR_SUCCESS, other};
          f.servers.push_back({other});
@@ -78,53 +99,25 @@ const struct {
      },
      {L"hides 2 of the machine's values (HKLM); HKCU names",
       LR"(fail C:\W\Vantrel64.dll, registered for Vantrel Thumbnail Provider, is not found. Fix: run regsvr32 /u)"}},
-    {[](auto& f) { CopyToMachine(f, true), f.values[threading].machine = {ERROR_UNSUPPORTED_TYPE}; },
-     {L"InProcServer32 [ThreadingModel] is of the wrong type, not a string. Fix: repair the installation"}},
+    {[](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
+     {LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run)"}},
     {[](auto& f) {
-         for (ValueFacts& value : f.values)
-             value.user = {};
-         f.servers = {};
+         f.values[server].user.text = LR"(c:\v\VANTREL64.DLL)";
+         f.ownLibrary = f.givenLibrary = LR"(c:\v\vantrel64.dll)";
      },
-     {L"fail the library is registered neither for this user (HKCU) nor for the machine (HKLM). Fix: "
-      L"install"}},
-    {BreakAll,
-     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: none",
-      L"fail User Account Control is off, so Explorer runs as administrator, where COM ignores",
-      LR"([default value] is missing: Explorer shows no title, dimensions and bit depth. Fix: run regsvr32 "C:\V\)"
-      LR"(Vantrel64.dll" as administrator)",
-      LR"(fail 2 registry values are missing or wrong, the first: HKCU\Software\Classes\CLSID\{E1A95D7C-0B48-4c63-)"
-      LR"(9F1D-2A6B8C04E79F} [default value] is of the wrong type, not a string. Fix: run regsvr32)",
-      L"registered for 5 classes, can't create the class Vantrel Extract Icon: ",
-      L"fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another "
-      L"program",
-      LR"(fail the system uses another icon handler for .zmi, {2} of the program Y)",
-      LR"(warn the program Y has its own icon, which Explorer may show instead. Fix: if it does, delete )",
-      LR"(fail Explorer shows icons instead of thumbnails (HKCU\a\IconsOnly). Fix: in Explorer's)",
-      L"fail a policy lets only approved shell extensions load",
-      LR"(is blocked. Fix: delete the value {5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27} in HKCU\x)",
-      L"warn a.zmi: its content is not on this machine", L"warn b.zmi: its content is not on this machine",
-      L"warn c.zmi: empty. Fix: name", L"fail d.zmi: cut. Fix: recreate the file",
-      L"warn e.zmi: 5 x 241 pixels is too thin for thumbnails smaller than 49 pixels. Fix: crop",
-      L"fail f.zmi: 257 x 1 pixels is too thin for thumbnails smaller than 257 pixels",
-      L"warn zmi.dat: the Shell goes by the extension"}},
-    {[](auto& f) {
-         f.isExplorerElevated = true,
-         f.values[binding].user.text = f.classes[thumbnail].answer.emplace(L"{0}");
-     },
-     {L"fail Explorer runs as administrator, where COM ignores what is registered for one user only. Fix: "
-      L"install",
-      LR"([default value] is "{0}", not "{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}". Fix: run)"}},
-    {[](auto& f) { f.isDoctorElevated = true, f.classes[icon].created = REGDB_E_CLASSNOTREG; },
-     {L"warn this program runs as administrator"}},
-    {[](auto& f) { f.classes[thumbnail].created = f.classes[icon].created = E_ACCESSDENIED; },
-     {L"fail 2 classes can't be created, the first: COM can't create the class Vantrel Thumbnail "
-      L"Provider: "}},
+     {}},
+    {[](auto& f) { f.values[server].user.text = L"Vantrel64.dll", f.servers.push_back({L"Vantrel64.dll"}); },
+     {L"fail Vantrel64.dll is registered without its folder for Vantrel Thumbnail Provider, so what Windows "
+      L"finds depends on the program. Fix: run regsvr32"}},
+    {[](auto& f) { f.servers[0].created[icon] = f.classes[icon].created.emplace(E_OUTOFMEMORY); },
+     {L"registered for 5 classes, can't create the class Vantrel Extract Icon: "}},
     {[](auto& f) { f.ownLibrary.reset(), f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); },
      {LR"(fail C:\V\Vantrel64.dll, registered for 5 classes, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
     {[](auto& f) { f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT); },
-     {L"registered for 5 classes, is not a 64-bit library. Fix: install Vantrel64 again"}},
-    {[](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
-     {LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run)"}},
+     {L"registered for 5 classes, is not a 64-bit library. Fix: replace it with the one in Vantrel64-"}},
+    {[](auto& f) { CopyToMachine(f, true), f.servers[0].created[thumbnail] = CLASS_E_CLASSNOTAVAILABLE; },
+     {L"registered for 5 classes, is another library, not Vantrel64. Fix: as administrator, in the "
+      L"installer's folder"}},
     {[](auto& f) { f.ownLibrary = other; },
      {LR"(warn the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
     {[](auto& f) { f.givenLibrary = other, f.servers.push_back({other}), f.values[threading].user = {}; },
@@ -133,16 +126,58 @@ const struct {
     {[](auto& f) {
          f.givenLibrary = L"x.dll";
          f.servers.push_back({.path = L"x.dll", .created = {CLASS_E_CLASSNOTAVAILABLE}});
+         f.values[threading].user = {};
      },
-     {L"fail x.dll is another library, not Vantrel64. Fix: give the path of Vantrel64.dll with --dll"}},
+     {LR"([ThreadingModel] is missing. Fix: run regsvr32 "C:\V\)",
+      L"fail x.dll is another library, not Vantrel64. Fix: give the path of Vantrel64.dll with --dll"}},
+    {[](auto& f) { f.classes[thumbnail].created = f.classes[icon].created = E_ACCESSDENIED; },
+     {L"fail 2 classes can't be created, the first: COM can't create the class Vantrel Thumbnail "
+      L"Provider: "}},
     {[](auto& f) { f.classes[thumbnail].answer = L""; },
      {L"fail the system finds no thumbnail handler for .zmi. Fix: run regsvr32"}},
+    {[](auto& f) {
+         f.classes[thumbnail].answer = L"{0}", f.classes[icon].answer.reset();
+         f.programs = {{.progId = L"Y", .handlers = {L"{0}", L"{1}", L"{2}"}},
+                       {.progId = L"Z", .handlers = {L"{3}"}}};
+     },
+     {L"fail the system uses another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another "
+      L"program",
+      LR"(fail the system uses another icon handler for .zmi, {2} of the program Y)"}},
+    {[](auto& f) {
+         f.programs = {{.progId = L"Y", .defaultIcon = L"y.ico"}, {.progId = L"Z", .defaultIcon = L"%1"}};
+     },
+     {L"warn the program Y has its own icon, which Explorer may show instead. Fix: if it does, choose "
+      L"another"}},
+    {[](auto& f) { f.settings = {LR"(HKCU\a\IconsOnly)"}; },
+     {LR"(fail Explorer shows icons instead of thumbnails (HKCU\a\IconsOnly). Fix: in Explorer's)"}},
+    {[](auto& f) {
+         f.settings = {LR"(HKLM\b\EnforceShellExtensionSecurity)"};
+         for (ClassFacts& one : f.classes)
+             one.isApproved = &one != &f.classes.back();
+     },
+     {L"fail a policy lets only approved shell extensions load"}},
     {[](auto& f) {
          f.settings = {LR"(HKLM\b\EnforceShellExtensionSecurity)"};
          for (ClassFacts& one : f.classes)
              one.isApproved = true;
      },
      {}},
+    {[](auto& f) { f.classes[icon].blockingKey = LR"(HKCU\x)"; },
+     {LR"(is blocked. Fix: delete the value {5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27} in HKCU\x)"}},
+    {[](auto& f) {
+         f.files = {{.shown = L"a.zmi", .attributes = 0x400000, .fault = L"?"},
+                    {.shown = L"b.zmi", .attributes = FILE_ATTRIBUTE_OFFLINE},
+                    {.shown = L"c.zmi", .isFolder = true, .unread = L"c.zmi: empty"},
+                    {.shown = L"d.zmi", .fault = L"cut"},
+                    {.shown = L"e.zmi", .width = 5, .height = 241},
+                    {.shown = L"f.zmi", .width = 257, .height = 1},
+                    {.shown = L"zmi.dat", .width = 1, .height = 1}};
+     },
+     {L"warn a.zmi: its content is not on this machine", L"warn b.zmi: its content is not on this machine",
+      L"warn c.zmi: empty. Fix: name", L"fail d.zmi: cut. Fix: recreate the file",
+      L"warn e.zmi: 5 x 241 pixels is too thin for thumbnails smaller than 49 pixels. Fix: crop",
+      L"fail f.zmi: 257 x 1 pixels is too thin for thumbnails smaller than 257 pixels",
+      L"warn zmi.dat: the Shell goes by the extension"}},
 };
 
 std::vector<std::wstring> Told(const DoctorFacts& facts) {
@@ -164,6 +199,19 @@ TEST(DiagnosisTest, NamesTheFaultAndTheFixOfEachState) {
             << testing::PrintToString(told) << "\n is not \n"
             << testing::PrintToString(findings);
     }
+}
+
+// What is in place is said only where the library can be loaded, too.
+TEST(DiagnosisTest, CountsTheValuesInPlace) {
+    const auto first = [](const DoctorFacts& facts) { return Diagnose(facts).front(); };
+    DoctorFacts facts = SoundFacts();
+    EXPECT_EQ(L"all registry values are in place: 27 for this user (HKCU), 1 for the machine (HKLM)",
+              first(facts).text);
+    CopyToMachine(facts, true);
+    EXPECT_EQ(L"all registry values are in place: 0 for this user (HKCU), 28 for the machine (HKLM)",
+              first(facts).text);
+    facts.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Health::Fail, first(facts).health);
 }
 
 using DoctorTest = ToolTest;
@@ -214,7 +262,7 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
         told += line + L'\n';
     for (const wchar_t* part :
          {L"[QuickTip] is of the wrong type", L"hides 1 of the machine's values",
-          L"fail shell32.dll, registered for Vantrel Thumbnail Provider, is another library",
+          L"fail shell32.dll is registered without its folder for Vantrel Thumbnail Provider",
           L"the program Y has its own icon", L"fail a policy turns thumbnails off (HKLM", L"Icon is blocked",
           L"empty: the folder contains no .zmi files", L"mode3.zmi: frame 1 is in pixel mode 3",
           L"frameless.zmi: the frame table at offset 167 contains no frames", L"300 x 1 pixels is too thin"})

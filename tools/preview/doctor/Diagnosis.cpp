@@ -3,6 +3,7 @@
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -32,6 +33,13 @@ constexpr auto settingEffects = std::to_array<SettingEffect>({
      L"ask your administrator to approve the five classes"},
 });
 
+const std::wstring packageName = L"Vantrel64-" VANTREL_VERSION L"-x64";
+const std::wstring chooseProgram = L"choose another program under \"Open with\"";
+const std::wstring replaceLibrary = L"replace it with the one in " + packageName + L".zip";
+// Rewrites all files and all of the machine's values, whatever their versions.
+const std::wstring repairInstallation =
+    L"as administrator, in the installer's folder, run msiexec /i " + packageName +
+    L".msi REINSTALL=ALL REINSTALLMODE=amus; install it if Apps doesn't list Vantrel64 " VANTREL_VERSION;
 const std::vector<HandlerKind> everyKind(allHandlers.begin(), allHandlers.end());
 
 bool IsSame(const std::wstring& left, const std::wstring& right) {
@@ -40,6 +48,10 @@ bool IsSame(const std::wstring& left, const std::wstring& right) {
 
 std::wstring Quoted(const std::wstring& text) {
     return L'"' + text + L'"';
+}
+
+bool HasFolder(const ServerFacts& server) {
+    return std::filesystem::path(server.path).is_absolute();
 }
 
 // One fault as is; several as their number and the first.
@@ -67,6 +79,8 @@ private:
     void CheckRegistration();
     void CheckHiding();
     void CheckLibraries();
+    // The classes that this server is registered for.
+    std::vector<HandlerKind> ClassesOf(const ServerFacts& server) const;
     std::wstring FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const;
     void CheckCom();
     void CheckHandlers();
@@ -76,8 +90,10 @@ private:
     const DoctorFacts& facts_;
     std::ptrdiff_t userValues_ = 0; // of the 27 that may be in either hive
     std::ptrdiff_t machineValues_ = 0;
-    bool isUserOnly_ = false;    // a class's server is registered for this user only
-    std::wstring registerAgain_; // fixes
+    bool isUserOnly_ = false; // a class's server is registered for this user only
+    bool isComAsked_ = true;
+    std::vector<std::wstring> comFaults_; // one for each class that it can't create
+    std::wstring registerAgain_;          // fixes
     std::wstring unhide_;
     std::vector<Finding> findings_;
 };
@@ -91,13 +107,19 @@ Diagnosis::Diagnosis(const DoctorFacts& facts) : facts_(facts) {
         isUserOnly_ = isUserOnly_ || (value.expected.data.empty() && value.machine.IsMissing());
     }
     isUserOnly_ = isUserOnly_ && userValues_;
+    for (const HandlerKind kind : allHandlers) {
+        const auto& created = facts_.classes[static_cast<std::size_t>(kind)].created;
+        isComAsked_ = isComAsked_ && created;
+        if (created && FAILED(*created))
+            comFaults_.push_back(std::wstring(L"COM can't create the class ") + ClassOf(kind).description +
+                                 L": " + DescribeHresult(*created));
+    }
     std::wstring library = facts_.ownLibrary.value_or(LR"(...\Vantrel64.dll)");
     for (const ServerFacts& server : facts_.servers)
         if (server.path == facts_.givenLibrary && FaultOf(server, everyKind).empty())
             library = server.path;
     library = Quoted(library);
-    registerAgain_ = machineValues_ ? L"repair the installation: msiexec /fa with its .msi file"
-                                    : L"run regsvr32 " + library;
+    registerAgain_ = machineValues_ ? repairInstallation : L"run regsvr32 " + library;
     unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine's registration stays";
 }
 
@@ -142,7 +164,8 @@ void Diagnosis::CheckMachine() {
     if (facts_.isArm64)
         Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
             L"none on this machine: Vantrel64 is x64 only");
-    if (facts_.isExplorerElevated && isUserOnly_)
+    // Without User Account Control, COM shows this program what it shows Explorer.
+    if (facts_.isExplorerElevated && isUserOnly_ && (!facts_.isUacOff || !comFaults_.empty()))
         Add(Health::Fail,
             std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
                 L" runs as administrator, where COM ignores what is registered for one user only",
@@ -172,7 +195,12 @@ void Diagnosis::CheckRegistration() {
     if (!wrong.empty())
         Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
     CheckHiding();
-    if (findings_.size() == before)
+    const bool isSound =
+        std::all_of(facts_.servers.begin(), facts_.servers.end(), [this](const ServerFacts& server) {
+            const std::vector<HandlerKind> kinds = ClassesOf(server);
+            return kinds.empty() || (HasFolder(server) && FaultOf(server, kinds).empty());
+        });
+    if (findings_.size() == before && isSound)
         Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
                             L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
                             L" for the machine (HKLM)");
@@ -198,6 +226,15 @@ void Diagnosis::CheckHiding() {
             unhide_);
 }
 
+std::vector<HandlerKind> Diagnosis::ClassesOf(const ServerFacts& server) const {
+    std::vector<HandlerKind> kinds;
+    std::copy_if(allHandlers.begin(), allHandlers.end(), std::back_inserter(kinds), [&](HandlerKind kind) {
+        const ValueFacts* value = Find(kind, {});
+        return value && IsSame(value->Effective().text, server.path);
+    });
+    return kinds;
+}
+
 // Empty if it can create these classes.
 std::wstring Diagnosis::FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const {
     if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
@@ -221,30 +258,28 @@ void Diagnosis::CheckLibraries() {
     std::vector<std::wstring> registered;
     auto expected = facts_.givenLibrary ? facts_.givenLibrary : facts_.ownLibrary;
     for (const ServerFacts& server : facts_.servers) {
-        std::vector<HandlerKind> kinds;
-        bool isHiding = false;
-        for (const HandlerKind kind : allHandlers) {
-            const ValueFacts* value = Find(kind, {});
-            if (!value || !IsSame(value->Effective().text, server.path))
-                continue;
-            kinds.push_back(kind);
-            isHiding = isHiding || value->IsHiding();
-        }
+        const std::vector<HandlerKind> kinds = ClassesOf(server);
         const bool isRegistered = !kinds.empty();
+        const bool isHiding = std::any_of(kinds.begin(), kinds.end(),
+                                          [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
         const std::wstring fault = FaultOf(server, isRegistered ? kinds : everyKind);
-        if (fault.empty()) {
+        const std::wstring classes =
+            kinds.size() == 1 ? ClassOf(kinds[0]).description : std::to_wstring(kinds.size()) + L" classes";
+        if (isRegistered && !HasFolder(server)) {
+            Add(Health::Fail,
+                server.path + L" is registered without its folder for " + classes +
+                    L", so what Windows finds depends on the program",
+                isHiding ? unhide_ : registerAgain_);
+        } else if (fault.empty()) {
             Add(Health::Ok, server.path + L" creates the five classes");
             if (isRegistered)
                 registered.push_back(server.path);
         } else if (isRegistered) {
-            Add(Health::Fail,
-                server.path + L", registered for " +
-                    (kinds.size() == 1 ? ClassOf(kinds[0]).description
-                                       : std::to_wstring(kinds.size()) + L" classes") +
-                    L"," + fault,
-                isHiding                           ? unhide_
-                : server.path == facts_.ownLibrary ? L"install Vantrel64 again"
-                                                   : registerAgain_);
+            const bool isOwn = facts_.ownLibrary && IsSame(server.path, *facts_.ownLibrary);
+            Add(Health::Fail, server.path + L", registered for " + classes + L"," + fault,
+                isHiding                   ? unhide_
+                : isOwn && !machineValues_ ? replaceLibrary
+                                           : registerAgain_);
         } else {
             Add(Health::Fail, server.path + fault, L"give the path of Vantrel64.dll with --dll");
             expected.reset();
@@ -261,26 +296,19 @@ void Diagnosis::CheckLibraries() {
 }
 
 void Diagnosis::CheckCom() {
-    std::vector<std::wstring> faults;
-    for (const HandlerKind kind : allHandlers) {
-        const auto& created = facts_.classes[static_cast<std::size_t>(kind)].created;
-        if (!created)
-            return;
-        if (FAILED(*created))
-            faults.push_back(std::wstring(L"COM can't create the class ") + ClassOf(kind).description +
-                             L": " + DescribeHresult(*created));
-    }
     const bool isTold = std::any_of(findings_.begin(), findings_.end(),
                                     [](const Finding& finding) { return finding.health == Health::Fail; });
-    if (faults.empty())
-        Add(Health::Ok, L"COM creates the five classes");
-    else if (facts_.isDoctorElevated && isUserOnly_)
+    if (comFaults_.empty()) {
+        if (isComAsked_)
+            Add(Health::Ok, L"COM creates the five classes");
+    } else if (facts_.isDoctorElevated && !facts_.isExplorerElevated && isUserOnly_) {
         Add(Health::Warn,
             L"this program runs as administrator, where COM ignores what is registered for one user only, so "
             L"what Explorer gets was not checked",
             L"run the doctor in an ordinary command prompt");
-    else if (!isTold)
-        Add(Health::Fail, Counted(faults, L"classes can't be created"), registerAgain_);
+    } else if (!isTold) {
+        Add(Health::Fail, Counted(comFaults_, L"classes can't be created"), registerAgain_);
+    }
 }
 
 void Diagnosis::CheckHandlers() {
@@ -298,8 +326,7 @@ void Diagnosis::CheckHandlers() {
             if (claim.empty() || IsSame(claim, known.classId) || (answer && !IsSame(claim, *answer)))
                 continue;
             other = L", " + claim + L" of the program " + program.progId;
-            fix = LR"(choose another program under "Open with", or delete HKEY_CLASSES_ROOT\)" +
-                  program.progId + LR"(\ShellEx\)" + known.shellEx;
+            fix = chooseProgram;
         }
         if (!answer && other.empty())
             continue;
@@ -315,7 +342,7 @@ void Diagnosis::CheckHandlers() {
         isClear = false;
         Add(Health::Warn,
             L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
-            LR"(if it does, delete HKEY_CLASSES_ROOT\)" + program.progId + LR"(\DefaultIcon)");
+            L"if it does, " + chooseProgram);
     }
     if (isClear)
         Add(Health::Ok, L"no other program's handler or icon interferes");

@@ -233,7 +233,10 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
         facts.givenLibrary = givenLibrary->wstring();
     facts.ownLibrary = LibraryBesideThisProgram();
 
-    std::set<std::wstring> paths;
+    const auto isBefore = [](const std::wstring& left, const std::wstring& right) {
+        return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
+    };
+    std::set<std::wstring, decltype(isBefore)> paths; // which case does not distinguish
     if (givenLibrary)
         paths.insert(*facts.givenLibrary);
     for (RegistrationValue& expected : ExpectedRegistration()) {
