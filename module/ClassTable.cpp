@@ -5,6 +5,7 @@
 #include "render/ExtractImageHandler.h"
 #include "render/IconHandler.h"
 #include "render/ThumbnailProvider.h"
+#include "support/RegistrationTable.h"
 
 #include <cstdint>
 

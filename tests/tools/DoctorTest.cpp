@@ -45,7 +45,8 @@ const struct {
     {[](auto&) {}, {}},
     {[](auto& f) { CopyToMachine(f, true), f.isExplorerElevated = true; }, {}},
     {[](auto& f) { f.isArm64 = true; },
-     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: none"}},
+     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: build Vantrel64 on this "
+      L"machine"}},
     {[](auto& f) { f.isExplorerElevated = true; },
      {L"fail Explorer runs as administrator, where COM ignores what is registered for one user only. Fix: "
       L"install"}},
@@ -61,7 +62,7 @@ const struct {
          CopyToMachine(f, true);
          f.isDoctorElevated = true, f.classes[icon].created = REGDB_E_CLASSNOTREG;
      },
-     {L"fail COM can't create the class Vantrel Extract Icon: "}},
+     {L"fail Windows can't load the icon handler: "}},
     {[](auto& f) {
          for (ValueFacts& value : f.values)
              value.user = {};
@@ -98,25 +99,25 @@ const struct {
          f.servers.push_back({other, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)});
      },
      {L"hides 2 of the machine's values (HKLM); HKCU names",
-      LR"(fail C:\W\Vantrel64.dll, registered for Vantrel Thumbnail Provider, is not found. Fix: run regsvr32 /u)"}},
+      LR"(fail C:\W\Vantrel64.dll, registered for the thumbnail handler, is not found. Fix: run regsvr32 /u)"}},
     {[](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
-     {LR"(fail the five classes come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run)"}},
+     {LR"(fail the five handlers come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run)"}},
     {[](auto& f) {
          f.values[server].user.text = LR"(c:\v\VANTREL64.DLL)";
          f.ownLibrary = f.givenLibrary = LR"(c:\v\vantrel64.dll)";
      },
      {}},
     {[](auto& f) { f.values[server].user.text = L"Vantrel64.dll", f.servers.push_back({L"Vantrel64.dll"}); },
-     {L"fail Vantrel64.dll is registered without its folder for Vantrel Thumbnail Provider, so what Windows "
+     {L"fail Vantrel64.dll is registered without its folder for the thumbnail handler, so what Windows "
       L"finds depends on the program. Fix: run regsvr32"}},
     {[](auto& f) { f.servers[0].created[icon] = f.classes[icon].created.emplace(E_OUTOFMEMORY); },
-     {L"registered for 5 classes, can't create the class Vantrel Extract Icon: "}},
+     {L"registered for 5 handlers, can't create the icon handler: "}},
     {[](auto& f) { f.ownLibrary.reset(), f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); },
-     {LR"(fail C:\V\Vantrel64.dll, registered for 5 classes, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
+     {LR"(fail C:\V\Vantrel64.dll, registered for 5 handlers, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
     {[](auto& f) { f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT); },
-     {L"registered for 5 classes, is not a 64-bit library. Fix: replace it with the one in Vantrel64-"}},
+     {L"registered for 5 handlers, is not a 64-bit library. Fix: replace it with the one in Vantrel64-"}},
     {[](auto& f) { CopyToMachine(f, true), f.servers[0].created[thumbnail] = CLASS_E_CLASSNOTAVAILABLE; },
-     {L"registered for 5 classes, is another library, not Vantrel64. Fix: as administrator, in the "
+     {L"registered for 5 handlers, is another library, not Vantrel64. Fix: as administrator, in the "
       L"installer's folder"}},
     {[](auto& f) { f.ownLibrary = other; },
      {LR"(warn the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},
@@ -129,10 +130,9 @@ const struct {
          f.values[threading].user = {};
      },
      {LR"([ThreadingModel] is missing. Fix: run regsvr32 "C:\V\)",
-      L"fail x.dll is another library, not Vantrel64. Fix: give the path of Vantrel64.dll with --dll"}},
+      L"fail x.dll is another library, not Vantrel64. Fix: check the path after --dll"}},
     {[](auto& f) { f.classes[thumbnail].created = f.classes[icon].created = E_ACCESSDENIED; },
-     {L"fail 2 classes can't be created, the first: COM can't create the class Vantrel Thumbnail "
-      L"Provider: "}},
+     {L"fail 2 handlers can't be loaded, the first: Windows can't load the thumbnail handler: "}},
     {[](auto& f) { f.classes[thumbnail].answer = L""; },
      {L"fail the system finds no thumbnail handler for .zmi. Fix: run regsvr32"}},
     {[](auto& f) {
@@ -262,9 +262,10 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
         told += line + L'\n';
     for (const wchar_t* part :
          {L"[QuickTip] is of the wrong type", L"hides 1 of the machine's values",
-          L"fail shell32.dll is registered without its folder for Vantrel Thumbnail Provider",
-          L"the program Y has its own icon", L"fail a policy turns thumbnails off (HKLM", L"Icon is blocked",
-          L"empty: the folder contains no .zmi files", L"mode3.zmi: frame 1 is in pixel mode 3",
+          L"fail shell32.dll is registered without its folder for the thumbnail handler",
+          L"the program Y has its own icon", L"fail a policy turns thumbnails off (HKLM",
+          L"icon handler is blocked", L"empty: the folder contains no .zmi files",
+          L"mode3.zmi: frame 1 is in pixel mode 3",
           L"frameless.zmi: the frame table at offset 167 contains no frames", L"300 x 1 pixels is too thin"})
         EXPECT_TRUE(told.find(part) != std::wstring::npos) << testing::PrintToString(part);
 

@@ -1,6 +1,7 @@
 #include "tools/preview/HandlerRegistry.h"
 
 #include "support/IColumnProvider.h"
+#include "support/RegistrationTable.h"
 #include "tools/preview/RegistryReader.h"
 #include "tools/terminal/Failure.h"
 
@@ -17,16 +18,12 @@ namespace {
 
 // IInitializeWithStream where the handler takes a stream, else the interface that its hosts ask for.
 const std::array<HandlerClass, 5> g_handlerClasses = {{
-    {L"thumbnail", L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}", L"Vantrel Thumbnail Provider",
-     L"{E357FCCD-A995-4576-B01F-234630154E96}", &__uuidof(IInitializeWithStream)},
-    {L"extract", L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}", L"Vantrel Extract Image",
-     L"{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}", &__uuidof(IExtractImage2)},
-    {L"icon", L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}", L"Vantrel Extract Icon", L"IconHandler",
-     &IID_IExtractIconW},
-    {L"column", L"{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}", L"Vantrel Column Provider", nullptr,
-     &IID_IColumnProvider},
-    {L"properties", L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}", L"Vantrel Property Store", nullptr,
+    {L"thumbnail", thumbnailProviderId, L"{E357FCCD-A995-4576-B01F-234630154E96}",
      &__uuidof(IInitializeWithStream)},
+    {L"extract", extractImageHandlerId, L"{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}", &__uuidof(IExtractImage2)},
+    {L"icon", iconHandlerId, L"IconHandler", &IID_IExtractIconW},
+    {L"column", columnProviderId, nullptr, &IID_IColumnProvider},
+    {L"properties", propertyStoreId, nullptr, &__uuidof(IInitializeWithStream)},
 }};
 
 std::wstring FindClass(HandlerKind kind, const std::wstring& extension) {

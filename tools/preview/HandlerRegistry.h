@@ -17,11 +17,10 @@ enum class HandlerKind { Thumbnail, ExtractImage, Icon, Column, Properties };
 
 // What is fixed about each of the library's five classes.
 struct HandlerClass {
-    const wchar_t* name;        // as shown in this tool's output
-    const wchar_t* classId;     // with braces, as the registry has it
-    const wchar_t* description; // default value of the class's key
-    const wchar_t* shellEx;     // the binding's key below <extension>\ShellEx; null if it is elsewhere
-    const IID* interfaceId;     // what hosts ask the class for first
+    const wchar_t* name;    // as shown in this tool's output
+    const wchar_t* classId; // with braces, as the registry has it
+    const wchar_t* shellEx; // the binding's key below <extension>\ShellEx; null if it is elsewhere
+    const IID* interfaceId; // what hosts ask the class for first
 };
 
 const HandlerClass& ClassOf(HandlerKind kind);

@@ -30,7 +30,7 @@ constexpr auto settingEffects = std::to_array<SettingEffect>({
     {L"DisableThumbnailsOnNetworkFolders", Health::Warn, L"a policy turns thumbnails off in network folders",
      L"copy the files to a local folder"},
     {approvedOnly, Health::Fail, L"a policy lets only approved shell extensions load",
-     L"ask your administrator to approve the five classes"},
+     L"ask your administrator to approve the five handlers"},
 });
 
 const std::wstring packageName = L"Vantrel64-" VANTREL_VERSION L"-x64";
@@ -48,6 +48,10 @@ bool IsSame(const std::wstring& left, const std::wstring& right) {
 
 std::wstring Quoted(const std::wstring& text) {
     return L'"' + text + L'"';
+}
+
+std::wstring NameOf(HandlerKind kind) {
+    return ClassOf(kind).name + std::wstring(L" handler");
 }
 
 bool HasFolder(const ServerFacts& server) {
@@ -111,8 +115,8 @@ Diagnosis::Diagnosis(const DoctorFacts& facts) : facts_(facts) {
         const auto& created = facts_.classes[static_cast<std::size_t>(kind)].created;
         isComAsked_ = isComAsked_ && created;
         if (created && FAILED(*created))
-            comFaults_.push_back(std::wstring(L"COM can't create the class ") + ClassOf(kind).description +
-                                 L": " + DescribeHresult(*created));
+            comFaults_.push_back(L"Windows can't load the " + NameOf(kind) + L": " +
+                                 DescribeHresult(*created));
     }
     std::wstring library = facts_.ownLibrary.value_or(LR"(...\Vantrel64.dll)");
     for (const ServerFacts& server : facts_.servers)
@@ -163,7 +167,7 @@ std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
 void Diagnosis::CheckMachine() {
     if (facts_.isArm64)
         Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
-            L"none on this machine: Vantrel64 is x64 only");
+            L"build Vantrel64 on this machine");
     // Without User Account Control, COM shows this program what it shows Explorer.
     if (facts_.isExplorerElevated && isUserOnly_ && (!facts_.isUacOff || !comFaults_.empty()))
         Add(Health::Fail,
@@ -188,7 +192,9 @@ void Diagnosis::CheckRegistration() {
             continue; // those have their own check
         if (value.expected.isForMachine)
             Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
-                registerAgain_ + (machineValues_ ? L"" : L" as administrator: this value is the machine's"));
+                registerAgain_ + (machineValues_
+                                      ? L""
+                                      : L" as administrator, since this is a machine-wide registry value"));
         else
             wrong.push_back(std::move(fault));
     }
@@ -248,8 +254,7 @@ std::wstring Diagnosis::FaultOf(const ServerFacts& server, const std::vector<Han
         if (created == CLASS_E_CLASSNOTAVAILABLE || created == HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND))
             return L" is another library, not Vantrel64";
         if (FAILED(created))
-            return L" can't create the class " +
-                   (ClassOf(kind).description + (L": " + DescribeHresult(created)));
+            return L" can't create the " + NameOf(kind) + L": " + DescribeHresult(created);
     }
     return {};
 }
@@ -264,14 +269,14 @@ void Diagnosis::CheckLibraries() {
                                           [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
         const std::wstring fault = FaultOf(server, isRegistered ? kinds : everyKind);
         const std::wstring classes =
-            kinds.size() == 1 ? ClassOf(kinds[0]).description : std::to_wstring(kinds.size()) + L" classes";
+            kinds.size() == 1 ? L"the " + NameOf(kinds[0]) : std::to_wstring(kinds.size()) + L" handlers";
         if (isRegistered && !HasFolder(server)) {
             Add(Health::Fail,
                 server.path + L" is registered without its folder for " + classes +
                     L", so what Windows finds depends on the program",
                 isHiding ? unhide_ : registerAgain_);
         } else if (fault.empty()) {
-            Add(Health::Ok, server.path + L" creates the five classes");
+            Add(Health::Ok, server.path + L" creates all five handlers");
             if (isRegistered)
                 registered.push_back(server.path);
         } else if (isRegistered) {
@@ -281,13 +286,13 @@ void Diagnosis::CheckLibraries() {
                 : isOwn && !machineValues_ ? replaceLibrary
                                            : registerAgain_);
         } else {
-            Add(Health::Fail, server.path + fault, L"give the path of Vantrel64.dll with --dll");
+            Add(Health::Fail, server.path + fault, L"check the path after --dll");
             expected.reset();
         }
     }
     if (registered.size() > 1)
         Add(Health::Fail,
-            L"the five classes come from two libraries, " + registered[0] + L" and " + registered[1],
+            L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
             userValues_ && machineValues_ ? unhide_ : registerAgain_);
     else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
         Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
@@ -300,14 +305,14 @@ void Diagnosis::CheckCom() {
                                     [](const Finding& finding) { return finding.health == Health::Fail; });
     if (comFaults_.empty()) {
         if (isComAsked_)
-            Add(Health::Ok, L"COM creates the five classes");
+            Add(Health::Ok, L"Windows can load all five handlers");
     } else if (facts_.isDoctorElevated && !facts_.isExplorerElevated && isUserOnly_) {
         Add(Health::Warn,
             L"this program runs as administrator, where COM ignores what is registered for one user only, so "
             L"what Explorer gets was not checked",
             L"run the doctor in an ordinary command prompt");
     } else if (!isTold) {
-        Add(Health::Fail, Counted(comFaults_, L"classes can't be created"), registerAgain_);
+        Add(Health::Fail, Counted(comFaults_, L"handlers can't be loaded"), registerAgain_);
     }
 }
 
@@ -333,7 +338,7 @@ void Diagnosis::CheckHandlers() {
         isClear = false;
         Add(Health::Fail,
             (other.empty() ? L"the system finds no " : L"the system uses another ") +
-                (known.name + (L" handler for .zmi" + other)),
+                (NameOf(kind) + L" for .zmi" + other),
             fix);
     }
     for (const ProgramFacts& program : facts_.programs) {
@@ -358,7 +363,7 @@ void Diagnosis::CheckSettings() {
                 Add(health, effect + (L" (" + setting + L")"), fix);
     for (const HandlerKind kind : allHandlers)
         if (const auto& key = facts_.classes[static_cast<std::size_t>(kind)].blockingKey)
-            Add(Health::Fail, std::wstring(L"the class ") + ClassOf(kind).description + L" is blocked",
+            Add(Health::Fail, L"the " + NameOf(kind) + L" is blocked",
                 std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
     if (findings_.size() == before)
         Add(Health::Ok, L"no setting or policy turns thumbnails off");

@@ -1,6 +1,7 @@
 #include "tools/preview/doctor/DoctorFacts.h"
 
 #include "support/Handles.h"
+#include "support/RegistrationTable.h"
 #include "tools/inspection/ZmiFile.h"
 #include "tools/preview/InputFile.h"
 #include "tools/terminal/Failure.h"
@@ -216,6 +217,15 @@ FileFacts ExamineFile(const InputFile& file) {
 }
 
 } // namespace
+
+std::vector<RegistrationValue> ExpectedRegistration() {
+    std::vector<RegistrationValue> values;
+    ForEachEntry(L"", [&](const RegistrationEntry& entry) {
+        values.push_back({entry.subKey, entry.valueName, entry.data, entry.root == HKEY_LOCAL_MACHINE});
+        return S_OK;
+    });
+    return values;
+}
 
 bool FileFacts::IsElsewhere() const {
     constexpr DWORD recallOnOpen = 0x40000; // not in every SDK

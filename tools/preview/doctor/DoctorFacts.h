@@ -1,7 +1,6 @@
 // What the doctor asks the system, as plain values; Diagnosis.h evaluates them.
 #pragma once
 
-#include "tools/preview/doctor/Registration.h"
 #include "tools/preview/HandlerRegistry.h"
 #include "tools/preview/RegistryReader.h"
 
@@ -12,6 +11,17 @@
 #include <vector>
 
 namespace vantrel::tools {
+
+struct RegistrationValue {
+    std::wstring key;
+    const wchar_t* name;       // null: the key's default value
+    std::wstring data;         // empty: the path of the library
+    bool isForMachine = false; // counts only under HKEY_LOCAL_MACHINE
+};
+
+// The 28 values of a registration: 27 of classes, for the machine or for one user, and the property
+// handler's.
+std::vector<RegistrationValue> ExpectedRegistration();
 
 // One value of the registration as found in the two hives.
 struct ValueFacts {
