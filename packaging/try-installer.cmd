@@ -9,6 +9,9 @@ set installed=%ProgramFiles%\Vantrel64
 set failed=
 if not exist "%out%" md "%out%"
 
+set environment="HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
+reg query %environment% /v Path >"%out%\path.txt"
+
 echo == install
 start /wait msiexec /i "%msi%" /qn /l*v "%out%\install.log"
 call :check install
@@ -31,12 +34,12 @@ for %%I in (
     {3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}
 ) do call :key "HKLM\Software\Classes\CLSID\%%I"
 call :key "HKLM\Software\Classes\.zmi"
+call :key "HKLM\Software\Classes\SystemFileAssociations\.zmi"
 call :key "HKLM\Software\Classes\Folder\ShellEx\ColumnHandlers\{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}"
 call :key "HKLM\Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\.zmi"
-set environment="HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
-reg query %environment% /v Path >"%out%\path.txt"
-find /i "Vantrel64" "%out%\path.txt" >nul
-if not errorlevel 1 call :left PATH
+reg query %environment% /v Path >"%out%\path-left.txt"
+fc "%out%\path.txt" "%out%\path-left.txt"
+if errorlevel 1 call :left PATH
 
 if defined failed (
     echo FAILED:%failed%

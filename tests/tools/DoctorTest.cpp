@@ -25,6 +25,8 @@ DoctorFacts SoundFacts() {
     facts.ownLibrary = ours;
     for (std::size_t i = 0; i < facts.classes.size(); ++i)
         facts.classes[i] = {.created = S_OK, .answer = ClassOf(allHandlers[i]).classId};
+    facts.infoTip = L"prop:System.ItemTypeText;System.Title;System.Image.Dimensions;System.Image.BitDepth;"
+                    L"System.Size;System.DateModified";
     facts.files = {{.shown = L"a.zmi", .width = 48, .height = 1},
                    {.shown = L"B.ZMI", .width = 4, .height = 3}};
     return facts;
@@ -45,7 +47,8 @@ const struct {
     {[](auto&) {}, {}},
     {[](auto& f) { CopyToMachine(f, true), f.isExplorerElevated = true; }, {}},
     {[](auto& f) { f.isArm64 = true; },
-     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: build Vantrel64 on this "
+     {L"fail this is an ARM64 machine, whose Explorer can't load an x64 library. Fix: build Vantrel64 on "
+      L"this "
       L"machine"}},
     {[](auto& f) { f.isExplorerElevated = true; },
      {L"fail Explorer runs as administrator, where COM ignores what is registered for one user only. Fix: "
@@ -148,6 +151,14 @@ const struct {
      },
      {L"warn the program Y has its own icon, which Explorer may show instead. Fix: if it does, choose "
       L"another"}},
+    {[](auto& f) { f.infoTip = L"prop:System.Size"; },
+     {L"warn Explorer shows other properties for .zmi files than Vantrel64's, \"prop:System.Size\". Fix: "
+      L"install "
+      L"Vantrel64 with its installer"}},
+    {[](auto& f) { CopyToMachine(f, true), f.infoTip = L""; },
+     {L"for .zmi files than Vantrel64's, \"\". Fix: as administrator, in the installer's folder"}},
+    {[](auto& f) { CopyToMachine(f, true), f.infoTip = L"x", f.programs = {{L"Y"}}; },
+     {L"for .zmi files than Vantrel64's, \"x\". Fix: choose another program"}},
     {[](auto& f) { f.settings = {LR"(HKCU\a\IconsOnly)"}; },
      {LR"(fail Explorer shows icons instead of thumbnails (HKCU\a\IconsOnly). Fix: in Explorer's)"}},
     {[](auto& f) {

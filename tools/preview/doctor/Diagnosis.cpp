@@ -35,6 +35,7 @@ constexpr auto settingEffects = std::to_array<SettingEffect>({
 
 const std::wstring packageName = L"Vantrel64-" VANTREL_VERSION L"-x64";
 const std::wstring chooseProgram = L"choose another program under \"Open with\"";
+const std::wstring useInstaller = L"install Vantrel64 with its installer, which registers it for the machine";
 const std::wstring replaceLibrary = L"replace it with the one in " + packageName + L".zip";
 // Rewrites all files and all of the machine's values, whatever their versions.
 const std::wstring repairInstallation =
@@ -173,7 +174,7 @@ void Diagnosis::CheckMachine() {
         Add(Health::Fail,
             std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
                 L" runs as administrator, where COM ignores what is registered for one user only",
-            L"install Vantrel64 with its installer, which registers it for the machine");
+            useInstaller);
 }
 
 void Diagnosis::CheckRegistration() {
@@ -349,8 +350,20 @@ void Diagnosis::CheckHandlers() {
             L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
             L"if it does, " + chooseProgram);
     }
+    const auto infoTip =
+        std::find_if(facts_.values.begin(), facts_.values.end(), [](const ValueFacts& value) {
+            return value.expected.name && value.expected.name == std::wstring_view(L"InfoTip");
+        });
+    if (facts_.infoTip && *facts_.infoTip != infoTip->expected.data && FaultOf(*infoTip).empty()) {
+        isClear = false;
+        Add(Health::Warn,
+            L"Explorer shows other properties for .zmi files than Vantrel64's, " + Quoted(*facts_.infoTip),
+            !machineValues_           ? useInstaller
+            : facts_.programs.empty() ? repairInstallation
+                                      : chooseProgram);
+    }
     if (isClear)
-        Add(Health::Ok, L"no other program's handler or icon interferes");
+        Add(Health::Ok, L"no other program's handler, icon or list of properties interferes");
 }
 
 void Diagnosis::CheckSettings() {

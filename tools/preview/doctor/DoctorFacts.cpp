@@ -145,6 +145,14 @@ std::optional<std::wstring> AskShell(const wchar_t* shellEx) {
     return shellEx[0] == L'{' ? std::optional<std::wstring>(L"") : std::nullopt;
 }
 
+std::optional<std::wstring> AskForInfoTip() {
+    std::array<wchar_t, 1024> text{};
+    auto size = static_cast<DWORD>(text.size());
+    if (AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_INFOTIP, L".zmi", nullptr, text.data(), &size) != S_OK)
+        return std::nullopt;
+    return text.data();
+}
+
 ClassFacts AskForClass(HandlerKind kind, bool isWine) {
     const HandlerClass& known = ClassOf(kind);
     ClassFacts facts;
@@ -263,6 +271,7 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     std::transform(allHandlers.begin(), allHandlers.end(), facts.classes.begin(),
                    [](HandlerKind kind) { return AskForClass(kind, IsWine()); });
     facts.programs = FindPrograms();
+    facts.infoTip = AskForInfoTip();
     facts.settings = FindSettings();
     for (const std::wstring& argument : arguments) {
         try {

@@ -80,6 +80,8 @@ struct DoctorFacts {
     std::optional<std::wstring> ownLibrary;   // in this program's folder, where the installer puts both
     std::array<ClassFacts, allHandlers.size()> classes;
     std::vector<ProgramFacts> programs;
+    // The list of properties that the system shows for .zmi as an info tip; absent if it can't be asked.
+    std::optional<std::wstring> infoTip;
     std::vector<std::wstring> settings; // names of values that are not 0, as "HKCU\\key\\name"
     std::vector<FileFacts> files;
 };
