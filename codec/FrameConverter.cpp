@@ -3,6 +3,7 @@
 #include "codec/PixelConversion.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace vantrel {
 
@@ -25,10 +26,11 @@ constexpr std::ptrdiff_t pageWords = 4096 / sizeof(std::uint32_t);
 void TouchPages(std::uint32_t* top, std::ptrdiff_t stride, unsigned firstRow, unsigned rowCount,
                 std::ptrdiff_t width) {
     std::uint32_t* const first = top + stride * static_cast<std::ptrdiff_t>(firstRow);
-    std::uint32_t* const last = first + stride * static_cast<std::ptrdiff_t>(rowCount - 1);
-    std::uint32_t* const end = std::max(first, last) + width;
-    for (std::uint32_t* word = std::min(first, last); word < end; word += pageWords)
-        *word = 0;
+    const std::ptrdiff_t toLast = stride * static_cast<std::ptrdiff_t>(rowCount - 1);
+    std::uint32_t* const begin = first + std::min<std::ptrdiff_t>(0, toLast);
+    const std::ptrdiff_t words = std::abs(toLast) + width;
+    for (std::ptrdiff_t i = 0; i < words; i += pageWords)
+        begin[i] = 0;
 }
 
 } // namespace
