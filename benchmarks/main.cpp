@@ -95,7 +95,7 @@ private:
         AddThumbnail("thumbnail of 1024x600 5-6-5", 0.85, picture);
         AddThumbnail("thumbnail of 1024x600 8-bit", 0.97, MakePicture(1, 1024, 600));
         AddThumbnail("thumbnail of 1024x600 1-bit", 1.02, MakePicture(0, 1024, 600));
-        AddThumbnail("thumbnail of the blank default", 1.01, MakeBlankDefault());
+        AddThumbnail("thumbnail of the blank picture", 1.01, MakeBlankDefault());
         const std::wstring path = folder_.Write(L"picture.zmi", picture.zmi);
         AddByPath(
             "icon pair 32/16 of 1024x600 5-6-5", 0.75, picture.zmi.size(),
