@@ -1,5 +1,5 @@
 @echo off
-rem Runs every test program in this folder; the last line has the result.
+rem Runs every test program in this folder, and then says whether all passed.
 setlocal
 pushd "%~dp0"
 set GTEST_BRIEF=1
