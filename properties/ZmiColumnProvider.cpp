@@ -35,7 +35,7 @@ HRESULT ZmiColumnProvider::GetColumnInfo(DWORD index, SHCOLUMNINFO* info) noexce
     if (!info)
         return E_POINTER;
     info->scid = PKEY_Image_Dimensions;
-    // Deliberate: the column is declared as VT_LPSTR although its values come as VT_BSTR.
+    // Intentional: the column is declared as VT_LPSTR although its values come as VT_BSTR.
     info->vt = VT_LPSTR;
     info->fmt = LVCFMT_LEFT;
     info->cChars = 32;

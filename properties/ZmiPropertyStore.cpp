@@ -22,7 +22,7 @@ HRESULT ZmiPropertyStore::GetCount(DWORD* count) noexcept {
 }
 
 HRESULT ZmiPropertyStore::GetAt(DWORD index, PROPERTYKEY* key) noexcept {
-    // Deliberate: beyond the last key the call succeeds as well and leaves the caller's key alone.
+    // Intentional: beyond the last key the call succeeds as well and leaves the caller's key alone.
     if (index >= std::size(servedKeys))
         return S_OK;
     if (!key)

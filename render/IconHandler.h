@@ -15,7 +15,7 @@ public:
         {&IID_IUnknown, AsBase<IExtractIconW>},
         {&IID_IExtractIconW, AsBase<IExtractIconW>},
         {&IID_IPersistFile, AsBase<IPersistFile>},
-        // Deliberate: the column provider's identifier also gets the icon interface here.
+        // Intentional: the column provider's identifier also gets the icon interface here.
         {&IID_IColumnProvider, AsBase<IExtractIconW>},
     };
 
