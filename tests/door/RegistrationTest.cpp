@@ -165,6 +165,8 @@ private:
     ImportHook<"RegCreateKeyExW", LSTATUS(HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM,
                                           SECURITY_ATTRIBUTES*, HKEY*, DWORD*)>
         create_{TheDll(), [this](auto original, HKEY root, const wchar_t* path, auto... rest) {
+                    // What is volatile is gone at the next logoff.
+                    EXPECT_EQ(DWORD{REG_OPTION_NON_VOLATILE}, std::get<2>(std::tuple(rest...)));
                     LSTATUS status = create();
                     if (status == ERROR_SUCCESS)
                         status = original(root, path, rest...);
@@ -186,7 +188,8 @@ private:
         }};
     ImportHook<"SHChangeNotify", void(LONG, UINT, const void*, const void*)> notify_{
         TheDll(), [this](auto, LONG event, UINT flags, const void* first, const void* second) {
-            EXPECT_TRUE(event == SHCNE_ASSOCCHANGED && flags == SHCNF_IDLIST && !first && !second);
+            EXPECT_EQ(std::tuple(LONG{SHCNE_ASSOCCHANGED}, UINT{SHCNF_IDLIST}, nullptr, nullptr),
+                      std::tuple(event, flags, first, second));
             ++notifications;
         }};
 };
@@ -236,7 +239,8 @@ TEST(Registration, NeedsTheModulesPath) {
         RegistryWatch watch;
         const ImportHook<"GetModuleFileNameW", DWORD(HMODULE, wchar_t*, DWORD)> path(
             TheDll(), [result = length, code = error](auto, HMODULE module, wchar_t* buffer, DWORD size) {
-                EXPECT_TRUE(module == TheDll() && size == MAX_PATH);
+                EXPECT_EQ(TheDll(), module);
+                EXPECT_EQ(DWORD{MAX_PATH}, size);
                 std::fill_n(buffer, result, L'x');
                 SetLastError(code);
                 return result;

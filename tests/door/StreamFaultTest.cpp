@@ -21,7 +21,7 @@ TEST(BrokenStream, FailsEveryRequestAtEveryCall) {
             ASSERT_GE(calls, 3u);
             for (const StreamFault fault :
                  {StreamFault::Fails, StreamFault::ReadsShort, StreamFault::ReadsNothing,
-                  StreamFault::ReadsTooMuch, StreamFault::Moves}) {
+                  StreamFault::ReadsTooMuch, StreamFault::Moves, StreamFault::SaysFalse}) {
                 for (unsigned call = 1; call <= calls; ++call) {
                     stream.BreakAt(call, fault);
                     const Answer answer = request.ask();

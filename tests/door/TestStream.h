@@ -23,6 +23,7 @@ enum class StreamFault {
     ReadsNothing, // from that call on, with S_OK
     ReadsTooMuch, // reports one byte more than was asked for
     Moves,        // reads correctly, then the position is somewhere else
+    SaysFalse,    // does everything, with S_FALSE
 };
 
 // Not heap-allocated; after a test, References() must be 1, the test's own.
@@ -68,7 +69,8 @@ public:
 
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
         const StreamFault fault = NextFault();
-        hasLied_ = hasLied_ || (fault != StreamFault::None && fault != StreamFault::Moves);
+        hasLied_ = hasLied_ || (fault != StreamFault::None && fault != StreamFault::Moves &&
+                                fault != StreamFault::SaysFalse);
         if (count > mostBytes_ || (position_ < forbidden_.second && position_ + count > forbidden_.first))
             return E_ACCESSDENIED;
         ULONG served = 0;
@@ -129,7 +131,7 @@ private:
     }
     HRESULT Finish(StreamFault fault) {
         hasLied_ = hasLied_ || fault == StreamFault::Fails;
-        return fault == StreamFault::Fails ? E_FAIL : S_OK;
+        return fault == StreamFault::Fails ? E_FAIL : fault == StreamFault::SaysFalse ? S_FALSE : S_OK;
     }
 
     std::vector<std::uint8_t> bytes_;

@@ -87,8 +87,14 @@ TEST(BitmapSurface, CreateReplacesTheBitmapAndKeepsTheContext) {
         EXPECT_EQ(surface.Bits() != nullptr, kind == BitmapKind::Dib);
         BITMAP facts{};
         GetObjectW(surface.Bitmap(), sizeof facts, &facts);
-        EXPECT_TRUE(facts.bmWidth == 7 && facts.bmHeight == 2);
+        EXPECT_EQ(facts.bmWidth, 7);
+        EXPECT_EQ(facts.bmHeight, 2);
     }
+}
+
+TEST(BitmapSurface, DetachGivesTheBitmapAwayWithItsPixels) {
+    TestSurface surface(7, 2);
+    const HDC dc = surface.Dc();
     EXPECT_TRUE(surface.SetPixelAt(1, 0, RGB(0, 0, 42)));
     const UniqueBitmap bitmap = surface.Detach();
     EXPECT_EQ(surface.Bitmap(), nullptr);

@@ -13,22 +13,50 @@
 namespace vantrel::tests {
 
 // Registration is tested through the library's exports; this covers what it doesn't exercise.
-TEST(RegistryKey, SaysWhatItCouldNotDo) {
-    const std::wstring base = L"Software\\unit-" + std::to_wstring(GetCurrentProcessId());
-    EXPECT_EQ(WriteStringValue({HKEY_CURRENT_USER, base.c_str(), L"InfoTip", L"x"}), S_OK);
-    for (const std::wstring& path : {std::wstring(L"InfoTip"), base + L"\\none", base + L"\\none\\InfoTip"})
-        EXPECT_FALSE(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, path.c_str()));
-    EXPECT_TRUE(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, (base + L"\\InfoTip").c_str()));
-    for (const std::size_t length : {MAX_PATH - 1, MAX_PATH}) {
-        const std::wstring name(length - base.size() - 1, L'x');
+class RegistryKeyTest : public testing::Test {
+protected:
+    ~RegistryKeyTest() override { EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str())); }
+
+    BOOL DeleteValue(const std::wstring& name) const {
+        return RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, (base + L'\\' + name).c_str());
+    }
+    void WriteValue(const std::wstring& name) const {
         EXPECT_EQ(WriteStringValue({HKEY_CURRENT_USER, base.c_str(), name.c_str(), L"x"}), S_OK);
-        EXPECT_EQ(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, (base + L'\\' + name).c_str()),
-                  length < MAX_PATH);
     }
 
+    const std::wstring base = L"Software\\unit-" + std::to_wstring(GetCurrentProcessId());
+};
+
+TEST_F(RegistryKeyTest, DeletesAValueThatIsThere) {
+    WriteValue(L"InfoTip");
+    EXPECT_FALSE(RegistryKey::DeleteValueByPath(HKEY_CURRENT_USER, L"InfoTip")) << "no key is named";
+    EXPECT_FALSE(DeleteValue(L"none"));
+    EXPECT_FALSE(DeleteValue(L"none\\InfoTip"));
+    EXPECT_TRUE(DeleteValue(L"InfoTip"));
+    EXPECT_FALSE(DeleteValue(L"InfoTip"));
+}
+
+TEST_F(RegistryKeyTest, DeletesValuesByPathsBelowTheLimit) {
+    for (const std::size_t length : {MAX_PATH - 1, MAX_PATH}) {
+        const std::wstring name(length - base.size() - 1, L'x');
+        WriteValue(name);
+        EXPECT_EQ(DeleteValue(name), length < MAX_PATH) << length;
+    }
+}
+
+TEST_F(RegistryKeyTest, FailsWithoutARoot) {
+    WriteValue(L"InfoTip");
     SecurityApi api;
-    EXPECT_EQ(api.MakeSecurityDescriptor(L"no such language"), nullptr);
     EXPECT_FALSE(GrantEveryoneFullAccess(api, nullptr, L"key"));
+    EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
+}
+
+TEST_F(RegistryKeyTest, KnowsOneSecurityLanguage) {
+    EXPECT_EQ(SecurityApi().MakeSecurityDescriptor(L"no such language"), nullptr);
+}
+
+TEST_F(RegistryKeyTest, GrantsEveryoneFullAccess) {
+    SecurityApi api;
     ASSERT_TRUE(GrantEveryoneFullAccess(api, HKEY_CURRENT_USER, base.c_str()));
     alignas(8) BYTE descriptor[512];
     DWORD size = sizeof descriptor;
@@ -38,12 +66,9 @@ TEST(RegistryKey, SaysWhatItCouldNotDo) {
     ASSERT_EQ(RegGetKeySecurity(key.Get(), DACL_SECURITY_INFORMATION, descriptor, &size), ERROR_SUCCESS);
     ASSERT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
         descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    const UniqueLocalMemory owner(text);
     EXPECT_TRUE(std::regex_match(text, std::wregex(LR"(D:\w*\(A;\w*;[GK]A;;;WD\))")))
         << testing::PrintToString(text);
-    LocalFree(text);
-
-    EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
-    EXPECT_TRUE(RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()));
 }
 
 // The registry's deepest tree, deleted on a small stack.

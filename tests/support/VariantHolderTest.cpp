@@ -47,7 +47,8 @@ TEST(VariantHolder, DetachHandsTheTextOver) {
         holder.DetachTo(&text);
         EXPECT_EQ(V_VT(&Inside(holder)), VT_EMPTY);
         holder.AssignText(nullptr);
-        EXPECT_TRUE(V_VT(&Inside(holder)) == VT_BSTR && !V_BSTR(&Inside(holder)));
+        EXPECT_EQ(V_VT(&Inside(holder)), VT_BSTR);
+        EXPECT_EQ(V_BSTR(&Inside(holder)), nullptr);
     }
     ASSERT_EQ(text.vt, VT_BSTR);
     EXPECT_STREQ(text.bstrVal, L"640 x 480");
