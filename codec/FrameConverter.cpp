@@ -1,7 +1,5 @@
 #include "codec/FrameConverter.h"
 
-#include "codec/PixelConversion.h"
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -10,12 +8,12 @@ namespace vantrel {
 namespace {
 
 // Number 0 means the first palette if a frame needs one.
-const Palette* PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
+PaletteWords PaletteOf(const DecodedImage& image, const FrameRecord& frame) {
     const PixelMode mode = ModeOf(frame.flags);
     const std::uint32_t number = frame.paletteNumber;
     if (mode == PixelMode::Reserved || (number == 0 && mode != PixelMode::Indexed))
-        return nullptr;
-    return &ElementAt(image.palettes, number == 0 ? 0 : number - 1);
+        return {};
+    return ExpandPalette(ElementAt(image.palettes, number == 0 ? 0 : number - 1));
 }
 
 // Fresh memory costs one page fault per page, which is most expensive between vector stores: so pages are
@@ -39,11 +37,9 @@ FrameConverter::FrameConverter(const DecodedImage& image, std::size_t frameIndex
     : FrameConverter(ElementAt(image.frames, frameIndex),
                      PaletteOf(image, ElementAt(image.frames, frameIndex)), pixels) {}
 
-FrameConverter::FrameConverter(const FrameRecord& frame, const Palette* palette, FramePixels& pixels)
-    : mode_(ModeOf(frame.flags)), width_(frame.width), height_(frame.height), pixels_(pixels) {
-    if (mode_ == PixelMode::Indexed)
-        ExpandPalette(*palette, palette_);
-}
+FrameConverter::FrameConverter(const FrameRecord& frame, const PaletteWords& palette, FramePixels& pixels)
+    : mode_(ModeOf(frame.flags)), width_(frame.width), height_(frame.height), pixels_(pixels),
+      palette_(palette) {}
 
 bool FrameConverter::Convert(std::uint32_t* top, std::ptrdiff_t stride) {
     const unsigned burst = std::max(1u, burstWords / std::max<unsigned>(1, width_));

@@ -3,6 +3,7 @@
 
 #include "codec/DecodedImage.h"
 #include "codec/FramePixels.h"
+#include "codec/PixelConversion.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +16,8 @@ public:
     // With the palette that the decoded image assigns to the frame. Throws std::out_of_range if the frame or
     // that palette is missing.
     FrameConverter(const DecodedImage& image, std::size_t frameIndex, FramePixels& pixels);
-    // With this palette, which may be null except in the indexed mode.
-    FrameConverter(const FrameRecord& frame, const Palette* palette, FramePixels& pixels);
+    // With these words for the indices of the indexed mode.
+    FrameConverter(const FrameRecord& frame, const PaletteWords& palette, FramePixels& pixels);
 
     // False for the reserved mode, which has no colours.
     bool CanConvert() const { return mode_ != PixelMode::Reserved; }
@@ -27,8 +28,8 @@ public:
     // when pixels can't be read. Throws std::out_of_range when there are fewer than the frame needs: a
     // frame's mode may differ from its file's.
     bool Convert(std::uint32_t* top, std::ptrdiff_t stride);
-    // Writes only the next row, starting with the top one; call it at most Height() times. Otherwise like
-    // Convert.
+    // Writes only the next row, Width() words, starting with the top one; call it at most Height() times.
+    // Otherwise like Convert.
     bool ConvertRow(std::uint32_t* words);
 
 private:
@@ -38,7 +39,7 @@ private:
     FramePixels& pixels_;
     unsigned row_ = 0;
     const std::uint8_t* bytes_ = nullptr; // of the current row or page
-    std::uint32_t palette_[256];
+    PaletteWords palette_;
 };
 
 } // namespace vantrel

@@ -11,19 +11,6 @@ PayloadReader::PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::
       // Intentionally signed: the trailer of a payload that ends at 2 GiB or beyond can't be read.
       trailerOffset_(static_cast<std::int32_t>(dataOffset + dataSize)) {}
 
-std::int64_t PayloadReader::TablePosition(std::uint32_t fileOffset) const {
-    return fileOffset - dataOffset_;
-}
-
-std::int64_t PayloadReader::PixelPosition(std::uint32_t fileOffset) const {
-    return static_cast<std::int32_t>(fileOffset - dataOffset_);
-}
-
-bool PayloadReader::Contains(std::int64_t position, std::uint64_t count) const {
-    return position >= 0 && position <= dataSize_ &&
-           count <= dataSize_ - static_cast<std::uint64_t>(position);
-}
-
 bool PayloadReader::Read(std::int64_t position, void* buffer, std::uint64_t count) {
     return Contains(position, count) && Copy(static_cast<std::uint64_t>(position), buffer, count);
 }

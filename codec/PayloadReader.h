@@ -22,13 +22,21 @@ public:
     // window grows only when more bytes are viewed at once.
     PayloadReader(ByteSource& source, std::uint32_t dataOffset, std::uint32_t dataSize,
                   std::uint32_t windowSize = standardWindow);
+    // Of the same payload, with a window of its own.
+    PayloadReader(const PayloadReader& other, std::uint32_t windowSize)
+        : PayloadReader(other.source_, other.dataOffset_, other.dataSize_, windowSize) {}
 
     // Where a file offset lies in the payload: the 32-bit difference to dataOffset, unsigned for tables,
     // signed for pixel data. May point outside; see Contains.
-    std::int64_t TablePosition(std::uint32_t fileOffset) const;
-    std::int64_t PixelPosition(std::uint32_t fileOffset) const;
+    std::int64_t TablePosition(std::uint32_t fileOffset) const { return fileOffset - dataOffset_; }
+    std::int64_t PixelPosition(std::uint32_t fileOffset) const {
+        return static_cast<std::int32_t>(fileOffset - dataOffset_);
+    }
 
-    bool Contains(std::int64_t position, std::uint64_t count) const;
+    bool Contains(std::int64_t position, std::uint64_t count) const {
+        return position >= 0 && position <= dataSize_ &&
+               count <= dataSize_ - static_cast<std::uint64_t>(position);
+    }
 
     // Copies bytes, without reading ahead: the window stays where it is.
     bool Read(std::int64_t position, void* buffer, std::uint64_t count);

@@ -6,9 +6,11 @@
 
 namespace vantrel {
 
-void ExpandPalette(const Palette& palette, std::uint32_t* words) {
-    for (std::size_t i = 0; i < 256; ++i)
+PaletteWords ExpandPalette(const Palette& palette) {
+    PaletteWords words;
+    for (std::size_t i = 0; i < words.size(); ++i)
         words[i] = ExpandRgb565(palette.colors[i]);
+    return words;
 }
 
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width) {
@@ -35,7 +37,7 @@ void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t*
         words[x] = (page[x] & mask) != 0 ? 0x00000000u : 0x00FFFFFFu;
 }
 
-void ConvertIndexedRow(const std::uint8_t* indices, const std::uint32_t* palette, std::uint32_t* words,
+void ConvertIndexedRow(const std::uint8_t* indices, const PaletteWords& palette, std::uint32_t* words,
                        std::size_t width) {
     std::size_t x = 0;
     // Four at a time: look-ups don't vectorise, but the stores do.

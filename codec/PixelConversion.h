@@ -3,6 +3,7 @@
 
 #include "codec/ZmiFormat.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,13 +19,14 @@ constexpr std::uint32_t ExpandRgb565(std::uint16_t color) {
            (blue == 31 ? 255 : blue * 8);
 }
 
-// 256 words, one per palette entry.
-void ExpandPalette(const Palette& palette, std::uint32_t* words);
+// One word per palette entry.
+using PaletteWords = std::array<std::uint32_t, 256>;
+PaletteWords ExpandPalette(const Palette& palette);
 
 // Each converts one row of `width` pixels. `page` is the row's band in page order, `bit` the row's place in
 // it; a set bit is black.
 void ConvertMonochromeRow(const std::uint8_t* page, unsigned bit, std::uint32_t* words, std::size_t width);
-void ConvertIndexedRow(const std::uint8_t* indices, const std::uint32_t* palette, std::uint32_t* words,
+void ConvertIndexedRow(const std::uint8_t* indices, const PaletteWords& palette, std::uint32_t* words,
                        std::size_t width);
 // `pixels` holds little-endian 16-bit values at any alignment.
 void ConvertRgb565Row(const std::uint8_t* pixels, std::uint32_t* words, std::size_t width);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace vantrel {
 
@@ -149,6 +150,15 @@ constexpr FrameRecord SingleFrame(const ImageHeader& header) {
     frame.width = header.width;
     frame.height = header.height;
     return frame;
+}
+
+// The value of the frame's transparent pixels: an index or a 5-6-5 colour. None in the other modes, which
+// have no such pixels, and for a key that is no pixel's value.
+constexpr std::optional<std::uint32_t> TransparentKey(const FrameRecord& frame) {
+    const PixelMode mode = ModeOf(frame.flags);
+    const std::uint32_t key = frame.transparentKey;
+    const std::uint32_t end = mode == PixelMode::Indexed ? 0x100 : mode == PixelMode::Rgb565 ? 0x10000 : 0;
+    return (frame.flags & transparencyFlag) != 0 && key < end ? std::optional(key) : std::nullopt;
 }
 
 } // namespace vantrel

@@ -211,12 +211,16 @@ void CheckConversions(const FileFacts& facts, const DecodedImage& image, const L
 // Frames read one by one: with their own tables if they have any, and also from a file that does not load.
 void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
     MemorySource source(file);
-    FrameReader reader(source);
+    FileHeader header;
+    std::optional<PayloadReader> payload;
+    if (!readFile(source, 1, header, payload))
+        return Require(verdict == Verdict::Fails, "a file that does not open does not load");
+    FrameReader reader(*payload);
     bool loads = reader.Fault() == FileFault::None;
     for (std::uint16_t i = 0; i < reader.FrameCount(); ++i) {
         const auto frame = reader.Frame(i);
         Require(frame.has_value(), "a record that is there can be read");
-        loads = loads && frame->fault != FrameFault::Palette && frame->fault != FrameFault::Pixels;
+        loads = loads && !PreventsLoading(frame->fault);
         const std::size_t width = frame->record.width, height = frame->record.height;
         if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
             continue;

@@ -1,5 +1,6 @@
 #include "tools/inspection/ZmiFile.h"
 
+#include "codec/ReadFile.h"
 #include "support/FileObject.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
@@ -28,7 +29,9 @@ std::wstring NotWanted(const wchar_t* field, std::size_t offset, std::uint64_t f
 } // namespace
 
 ZmiFile::ZmiFile(const std::filesystem::path& path)
-    : path_(LongPath(path)), size_(SizeOf(path_)), source_(path_.c_str()), frames_(source_) {}
+    : path_(LongPath(path)), size_(SizeOf(path_)), source_(path_.c_str()),
+      isOpen_(readFile(source_, zmiPictureKind, header_, payload_)),
+      frames_(isOpen_ ? *payload_ : payload_.emplace(source_, 0, 0)) {}
 
 std::wstring ZmiFile::Title() const {
     const char(&text)[sizeof(ImageHeader::text)] = frames_.Image().text;
@@ -42,14 +45,14 @@ std::wstring ZmiFile::Title() const {
 std::uint64_t ZmiFile::RecordOffset(std::uint16_t index) const {
     const ImageHeader& image = frames_.Image();
     if ((image.flags & frameTableFlag) == 0)
-        return frames_.File().dataOffset;
+        return header_.dataOffset;
     return image.pixelOffset + sizeof(FrameTableHeader) + index * std::uint64_t{sizeof(FrameRecord)};
 }
 
 std::wstring ZmiFile::Outside(const std::wstring& what, std::uint64_t offset, std::uint64_t count) const {
-    const std::uint64_t begin = frames_.File().dataOffset;
-    return L"outside the payload (" + Grouped(begin) + L" to " + Grouped(begin + frames_.File().dataSize) +
-           L"): " + what + L", " + Grouped(count) + L" bytes at offset " + Grouped(offset);
+    const std::uint64_t begin = header_.dataOffset;
+    return L"outside the payload (" + Grouped(begin) + L" to " + Grouped(begin + header_.dataSize) + L"): " +
+           what + L", " + Grouped(count) + L" bytes at offset " + Grouped(offset);
 }
 
 std::wstring ZmiFile::HeaderFault() const {
@@ -57,20 +60,19 @@ std::wstring ZmiFile::HeaderFault() const {
         return L"the file is empty";
     if (size_ < sizeof(FileHeader))
         return L"the file has " + Grouped(size_) + L" bytes, fewer than its 112-byte header";
-    const FileHeader& header = frames_.File();
-    if (std::memcmp(header.magic, zmiMagic, sizeof zmiMagic) != 0)
+    if (std::memcmp(header_.magic, zmiMagic, sizeof zmiMagic) != 0)
         return L"magic at offset 0 is not zpix-zmi";
-    if (header.version != zmiVersion)
-        return NotWanted(L"version", offsetof(FileHeader, version), header.version, zmiVersion);
-    if (header.headerSize != sizeof(FileHeader))
-        return NotWanted(L"header size", offsetof(FileHeader, headerSize), header.headerSize,
+    if (header_.version != zmiVersion)
+        return NotWanted(L"version", offsetof(FileHeader, version), header_.version, zmiVersion);
+    if (header_.headerSize != sizeof(FileHeader))
+        return NotWanted(L"header size", offsetof(FileHeader, headerSize), header_.headerSize,
                          sizeof(FileHeader));
-    if (header.kind != zmiPictureKind)
-        return NotWanted(L"kind", offsetof(FileHeader, kind), header.kind, zmiPictureKind);
-    if (header.dataOffset < sizeof(FileHeader))
+    if (header_.kind != zmiPictureKind)
+        return NotWanted(L"kind", offsetof(FileHeader, kind), header_.kind, zmiPictureKind);
+    if (header_.dataOffset < sizeof(FileHeader))
         return L"data offset at offset " + std::to_wstring(offsetof(FileHeader, dataOffset)) + L" is " +
-               Grouped(header.dataOffset) + L", inside the header";
-    const std::uint64_t end = std::uint64_t{header.dataOffset} + header.dataSize;
+               Grouped(header_.dataOffset) + L", inside the header";
+    const std::uint64_t end = std::uint64_t{header_.dataOffset} + header_.dataSize;
     if (const std::uint64_t wanted = end + sizeof zmiTrailer; wanted != size_) {
         const bool isShort = size_ < wanted;
         return L"data offset and data size at offsets 18 and 22 make " + Grouped(wanted) +
@@ -83,15 +85,15 @@ std::wstring ZmiFile::HeaderFault() const {
 }
 
 std::wstring ZmiFile::Fault() const {
+    if (!isOpen_)
+        return HeaderFault();
     const ImageHeader& image = frames_.Image();
     switch (frames_.Fault()) {
     case FileFault::None:
         return {};
-    case FileFault::FileHeader:
-        return HeaderFault();
     case FileFault::ImageHeader:
-        return L"the payload at offset " + Grouped(frames_.File().dataOffset) + L" has " +
-               Grouped(frames_.File().dataSize) + L" bytes, fewer than its 55-byte image header";
+        return L"the payload at offset " + Grouped(header_.dataOffset) + L" has " +
+               Grouped(header_.dataSize) + L" bytes, fewer than its 55-byte image header";
     case FileFault::FrameTable:
         return Outside(L"the frame table", image.pixelOffset, sizeof(FrameTableHeader));
     case FileFault::FrameRecords:
@@ -142,7 +144,7 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
             if (!frame)
                 return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
             // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
-            if (i == 0 || frame->fault == FrameFault::Palette || frame->fault == FrameFault::Pixels)
+            if (i == 0 || PreventsLoading(frame->fault))
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;
             if (i == 0 && width && height) {

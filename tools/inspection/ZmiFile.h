@@ -18,6 +18,8 @@ public:
     ZmiFile(const ZmiFile&) = delete;
     ZmiFile& operator=(const ZmiFile&) = delete;
 
+    // Zeros if it can't be read.
+    const FileHeader& Header() const { return header_; }
     FrameReader& Frames() { return frames_; }
     const FrameReader& Frames() const { return frames_; }
     std::uint64_t Size() const { return size_; }
@@ -37,6 +39,9 @@ private:
     std::filesystem::path path_;
     std::uint64_t size_;
     FileSource source_;
+    FileHeader header_;
+    std::optional<PayloadReader> payload_;
+    bool isOpen_; // header and trailer are valid; otherwise the payload is empty
     FrameReader frames_;
 };
 

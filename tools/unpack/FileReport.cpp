@@ -53,13 +53,13 @@ std::wstring DescribeFrame(const FileFrame& frame) {
 
 std::vector<std::wstring> DescribeFile(const ZmiFile& file) {
     const FrameReader& frames = file.Frames();
-    const FileHeader& header = frames.File();
+    const FileHeader& header = file.Header();
     const ImageHeader& image = frames.Image();
     std::vector<std::wstring> lines = {
         Grouped(file.Size()) + L" bytes, version " + std::to_wstring(header.version) + L", kind " +
         std::to_wstring(header.kind) + L", payload of " + Grouped(header.dataSize) + L" bytes at offset " +
         Grouped(header.dataOffset)};
-    if (frames.Fault() == FileFault::FileHeader || frames.Fault() == FileFault::ImageHeader)
+    if (frames.Fault() == FileFault::ImageHeader)
         return lines;
     lines.push_back(L"title \"" + file.Title() + L"\"");
     if (image.pixelOffset == 0) {
@@ -90,7 +90,7 @@ void AddFrameFacts(JsonObject& object, const FileFrame& frame) {
 }
 
 void AddFileFacts(JsonObject& object, const ZmiFile& file) {
-    const FileHeader& header = file.Frames().File();
+    const FileHeader& header = file.Header();
     const ImageHeader& image = file.Frames().Image();
     object.Add("size", file.Size());
     object.Add("version", std::uint32_t{header.version});

@@ -21,11 +21,6 @@ std::wstring NumberSuffix(unsigned number, unsigned count) {
     return L"-" + std::wstring(width - digits.size(), L'0') + digits;
 }
 
-bool HasTransparency(const FrameRecord& frame) {
-    const PixelMode mode = ModeOf(frame.flags);
-    return (frame.flags & transparencyFlag) != 0 && (mode == PixelMode::Indexed || mode == PixelMode::Rgb565);
-}
-
 } // namespace
 
 Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
@@ -153,7 +148,7 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
     texts.push_back({"Software", L"zmi-unpack " VANTREL_VERSION});
 
     OutputFile output(path, FileKind::Png, guard_, NameOrigin::MadeUp);
-    PngWriter png(output, record.width, record.height, !HasTransparency(record), texts);
+    PngWriter png(output, record.width, record.height, !TransparentKey(record), texts);
     double row = 0;
     const auto takeRow = [&](const std::uint32_t* words) {
         png.WriteRow(words);
