@@ -22,6 +22,7 @@ public:
 
     bool ReadAt(std::int64_t offset, void* buffer, std::uint32_t count) override {
         const bool fails = Fails();
+        ranges_.emplace_back(offset, count);
         if (offset < 0 || static_cast<std::uint64_t>(offset) > bytes_.size())
             return false;
         const auto begin = static_cast<std::size_t>(offset);
@@ -35,12 +36,15 @@ public:
     std::size_t Calls() const { return calls_; }
     // The number of times each byte was read; wraps at 256.
     const Bytes& Reads() const { return reads_; }
+    // Offset and count of each read.
+    const std::vector<std::pair<std::int64_t, std::uint32_t>>& Ranges() const { return ranges_; }
 
 private:
     bool Fails() { return ++calls_ == failingCall; }
 
     Bytes bytes_;
     Bytes reads_;
+    std::vector<std::pair<std::int64_t, std::uint32_t>> ranges_;
     std::size_t calls_ = 0;
 };
 

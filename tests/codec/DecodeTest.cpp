@@ -34,6 +34,28 @@ TEST(Decode, ReadsEveryByteOnceAndNeedsThemAll) {
     }
 }
 
+// The records in one read, and the rest in the order in which the file has it.
+TEST(Decode, ReadsTablesBeforePixels) {
+    ZmiBuilder made{.mode = 1, .frames = {{300, 300}, {9, 5}}, .rest = 200000};
+    made.frames[1].palette = PatternColors(1);
+    MemorySource source(made.Build());
+    ASSERT_EQ(VerdictOf(source), Verdict::Loads);
+    const auto end = static_cast<std::uint32_t>(source.Reads().size() - 4);
+    std::vector<std::pair<std::int64_t, std::uint32_t>> expected{{0, 112},   {end, 4}, {112, 55},
+                                                                 {167, 512}, {679, 8}, {687, 54}};
+    for (auto at = static_cast<std::uint32_t>(made.RecordAt(2)); at < end; at += 65536)
+        expected.emplace_back(at, std::min(65536u, end - at));
+    EXPECT_EQ(source.Ranges(), expected);
+}
+
+TEST(Decode, CountsPixelBytesIn64Bits) {
+    Bytes file =
+        ZmiBuilder{.frames = {{32767, 1}}}.Build(); // 65,534 bytes, as 65535 x 32769 has beyond 4 GiB
+    SetField(file, file_header::size, image_header::width, 65535);
+    SetField(file, file_header::size, image_header::height, 32769);
+    EXPECT_EQ(VerdictOf(MemorySource(file)), Verdict::Fails);
+}
+
 TEST(Decode, ManyFramesThatShareTheirPixelsStayCheap) {
     const ZmiBuilder made{.frames = std::vector(65535, ZmiFrame{300, 300}), .sharePixels = true};
     MemorySource source(made.Build());

@@ -36,13 +36,13 @@ TEST(FileObject, ReadsExactlyOrFails) {
     EXPECT_EQ(file.handle(), nullptr);
 }
 
-// A driver that refuses reads longer than 1 MiB, and fails at a given call.
+// A driver that refuses reads longer than 1 MiB, and fails at a given call, or reads too little there.
 TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
     Bytes content(2'500'000);
     for (std::size_t i = 0; i < content.size(); ++i)
         content[i] = static_cast<std::uint8_t>(i * 7 + i / 4096);
     const ScratchFile scratch(content, L".txt");
-    for (const int brokenCall : {0, 2, 4}) {
+    for (const auto& [brokenCall, isShort] : {std::pair{0, false}, {2, false}, {4, false}, {3, true}}) {
         FileObject file;
         ASSERT_TRUE(file.open(scratch.Path(), 0, 0, shareAll));
         int call = 0;
@@ -50,8 +50,9 @@ TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
             GetModuleHandleW(nullptr),
             [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
                 OVERLAPPED* overlapped) -> BOOL {
-                if (++call != brokenCall && count <= 1024 * 1024)
-                    return original(handle, buffer, count, done, overlapped);
+                const bool isBroken = ++call == brokenCall;
+                if ((!isBroken || isShort) && count <= 1024 * 1024)
+                    return original(handle, buffer, isBroken ? count / 2 : count, done, overlapped);
                 SetLastError(ERROR_NO_SYSTEM_RESOURCES);
                 return FALSE;
             });

@@ -31,7 +31,7 @@ public:
               const std::vector<PngText>& texts = {});
     ~PngWriter();
 
-    // Rows from top to bottom, one 0xAARRGGBB word per pixel, not premultiplied.
+    // Rows from top to bottom, each as `width` words 0xAARRGGBB, not premultiplied.
     void WriteRow(const std::uint32_t* words);
     // Call when all rows are written.
     void Finish();
