@@ -12,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <utility>
 
 namespace vantrel::tests {
 
@@ -66,6 +67,8 @@ protected:
             CreatePipe(&reading[i], &writing[i], nullptr, 1 << 20);
             SetHandleInformation(writing[i], HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
         }
+        if (isReaderGone_)
+            CloseHandle(std::exchange(reading[0], nullptr));
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
         startup.dwFlags = STARTF_USESTDHANDLES;
@@ -122,6 +125,8 @@ protected:
         return std::distance(std::filesystem::directory_iterator(folder_),
                              std::filesystem::directory_iterator());
     }
+
+    bool isReaderGone_ = false; // nobody reads the tool's stdout
 
     // No single-byte code page has all of these characters.
     const std::filesystem::path folder_ =

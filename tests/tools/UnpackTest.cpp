@@ -1,3 +1,4 @@
+#include "tests/builder/FileFacts.h"
 #include "tests/tools/ToolTest.h"
 
 namespace vantrel::tests {
@@ -9,11 +10,9 @@ constexpr std::uint32_t green = 0x07E0;
 
 // Each pixel of a ZMI file in 16-bit colour is the builder's, or green if it is transparent.
 void ExpectPixels(const ZmiBuilder& made, const Bytes& file) {
-    const std::size_t table = GetField(file, file_header::size, image_header::pixelOffset);
+    const FileFacts packed(file);
     const Bytes from = made.Build();
     for (std::size_t i = 0; i < made.frames.size(); ++i) {
-        const std::size_t at =
-            GetField(file, table + frame_table::size + i * frame_record::size, frame_record::dataOffset);
         const Colors& palette = made.frames[i].palette.value_or(made.palette);
         for (unsigned pixel = 0; pixel < made.frames[i].width * made.frames[i].height; ++pixel) {
             const unsigned x = pixel % made.frames[i].width, y = pixel / made.frames[i].width;
@@ -23,7 +22,7 @@ void ExpectPixels(const ZmiBuilder& made, const Bytes& file) {
             EXPECT_EQ(transparent      ? Rgb(green)
                       : made.mode == 1 ? Rgb(palette[raw])
                                        : made.ExpectedPixel(x, y, i),
-                      Rgb(GetField(file, at + 2 * pixel, {0, 2})))
+                      Rgb(GetField(file, packed.PixelsAt(i) + 2 * pixel, {0, 2})))
                 << "frame " << i << " at " << x << ", " << y;
         }
     }
@@ -70,7 +69,7 @@ TEST_F(UnpackTest, SaysWhichFramesAreBrokenAndWritesTheOthers) {
     const ToolRun run = Unpack({L"--out", L"new/out", L"cut.zmi", L"none.zmi", L"a.zmi"});
     run.Ended(1, "a.zmi: frame 2 is in pixel mode 3, by its flags at offset ");
     for (const char* words : {"the pixels of frame 3, 10 bytes at offset 2,147,483,649",
-                              "cut.zmi: data offset", "none.zmi: it cannot be opened: "})
+                              "cut.zmi: the file is cut short", "none.zmi: file not found\n"})
         EXPECT_TRUE(Contains(run.err, words)) << run.err;
     EXPECT_TRUE(Contains(run.out, "a.zmi -> new/out/a-001.png ... new/out/a-004.png")) << run.out;
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(folder_ / L"new/out"), {}));
@@ -86,6 +85,67 @@ TEST_F(UnpackTest, SaysWhichFramesAreBrokenAndWritesTheOthers) {
     EXPECT_TRUE(Contains(info.out, R"("fault": "frame 2 is in pixel mode 3)")) << info.out;
 }
 
+TEST_F(UnpackTest, WritesTheFramesThatWereAskedFor) {
+    Write(L"a.zmi", ZmiBuilder{.frames = {{3, 2}, {4, 1}, {5, 1}}}.Build());
+    Write(L"many.zmi", ZmiBuilder{.frames = std::vector<ZmiFrame>(1000, {1, 1})}.Build());
+    constexpr std::size_t widthInPng = 19;
+    for (const auto& [list, name, width] : {std::tuple(L"2", L"a-002.png", 4u), {L"3", L"a-003.png", 5u}}) {
+        Unpack({L"--frames", list, L"a.zmi"}).Ended(0);
+        EXPECT_EQ(width, Read(name).at(widthInPng));
+    }
+    Unpack({L"--frames", L"7,1000", L"many.zmi"}).Ended(0);
+    EXPECT_FALSE(Read(L"many-0007.png").empty());
+    EXPECT_FALSE(Read(L"many-1000.png").empty());
+    EXPECT_EQ(6, FileCount());
+}
+
+TEST_F(UnpackTest, TakesPatternsAndFoldersAndGoesOnAfterFaults) {
+    std::filesystem::create_directory(folder_ / L"f");
+    std::filesystem::create_directory(folder_ / L"empty");
+    const Bytes one = ZmiBuilder{.frames = {{2, 2}}}.Build();
+    for (const wchar_t* name : {L"f/P.ZMI", L"f/no.txt", L"s2.zmi", L"s10.zmi"})
+        Write(name, one);
+    Write(L"f/cut.zmi", Bytes(one.begin(), one.end() - 1));
+    const ToolRun run = Unpack({L"empty", L"f", L"none*", L"s*.zmi"});
+    run.Ended(1, "empty: the folder contains no .zmi files\n");
+    for (const char* words : {"cut.zmi: the file is cut short", "none*: file not found"})
+        EXPECT_TRUE(Contains(run.err, words)) << run.err;
+    EXPECT_EQ("f\\P.ZMI -> P.png\ns2.zmi -> s2.png\ns10.zmi -> s10.png\n", run.out);
+}
+
+TEST_F(UnpackTest, BoundsWhatAFileCanMakeOfItself) {
+    ZmiBuilder shared{.frames = std::vector<ZmiFrame>(1040, {1024, 512}), .sharePixels = true};
+    Write(L"a.zmi", shared.Build());
+    const ToolRun run = Unpack({L"a.zmi"});
+    run.Ended(1, "its 1,040 frames share their pixels and would become 1,090,519,040 bytes");
+    EXPECT_EQ(1, std::ranges::count(run.err, '\n'));
+    EXPECT_EQ(1, FileCount());
+    Unpack({L"--frames", L"1040", L"a.zmi"}).Ended(0);
+
+    Write(L"b.zmi", ZmiBuilder{.mode = 0, .frames = {{8193, 8192, Bytes(8192 * 1025)}, {2, 2}}}.Build());
+    Unpack({L"--gif", L"b.gif", L"b.zmi"}).Ended(1, "frame 1 is too large for a GIF");
+    EXPECT_FALSE(Read(L"b.gif").empty());
+    Unpack({L"--frames", L"1", L"--gif", L"none.gif", L"b.zmi"}).Ended(1, "there are no frames to write");
+    EXPECT_TRUE(Read(L"none.gif").empty());
+}
+
+TEST_F(UnpackTest, SaysOnlyWhatIsInTheFile) {
+    Write(L"nine.zmi", Bytes(9, 'z'));
+    Write(L"blank.zmi", ZmiBuilder{}.Build());
+    const char* const fault = "the file has 9 bytes, fewer than its 112-byte header";
+    EXPECT_EQ("nine.zmi\n  9 bytes\n  wrong: " + std::string(fault) + '\n',
+              Unpack({L"--info", L"nine.zmi"}).out);
+    const ToolRun run = Unpack({L"--info", L"--json", L"nine.zmi", L"blank.zmi"});
+    for (const std::string& words : {R"("file": "nine.zmi", "size": 9, "fault": ")" + std::string(fault),
+                                     std::string(R"("pixelOffset": 0, "pixelBytes": 0})")})
+        EXPECT_TRUE(Contains(run.out, words)) << run.out;
+
+    isReaderGone_ = true;
+    const ToolRun unread = Unpack({L"--info", L"blank.zmi"});
+    unread.Ended(1);
+    EXPECT_EQ("", unread.err);
+}
+
 TEST_F(UnpackTest, NeverWritesOneResultOverAnotherOrOverAnInput) {
     const Bytes one = ZmiBuilder{.frames = {{2, 2}}}.Build();
     const Bytes two = ZmiBuilder{.frames = {{2, 2}, {2, 2}}}.Build();
@@ -96,8 +156,8 @@ TEST_F(UnpackTest, NeverWritesOneResultOverAnotherOrOverAnInput) {
     Unpack({L"--gif", L"in.gif", L"--force", L"in.gif"}).Ended(2, "one of the input files");
     EXPECT_EQ(one, Read(L"in.gif"));
     const std::pair<Arguments, const char*> usages[] = {
-        {{L"--frames", L"2-1", L"a.zmi"}, "--frames needs a whole number from 2 to 65535, not \"1\""},
-        {{L"--frames", L"1,", L"a.zmi"}, "not \"\""},
+        {{L"--frames", L"2-1", L"a.zmi"}, "--frames 2-1 is backwards"},
+        {{L"--frames", L"1,", L"a.zmi"}, "not \"\" (see zmi-unpack --help)"},
         {{L"--delay", L"20", L"a.zmi"}, "--delay needs --gif"},
         {{L"--info", L"--gif", L"b.gif", L"a.zmi"}, "--info writes no pictures"},
         {{}, "no file given"},

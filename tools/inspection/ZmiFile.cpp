@@ -4,7 +4,9 @@
 #include "support/FileObject.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
+#include "tools/terminal/NumberText.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
@@ -16,8 +18,11 @@ namespace {
 
 std::uint64_t SizeOf(const std::filesystem::path& path) {
     FileObject file;
-    if (!file.open(path.c_str(), 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE))
+    if (!file.open(path.c_str(), 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE)) {
+        if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)
+            throw Failure(L"file not found", HRESULT_FROM_WIN32(GetLastError()));
         FailWithLastError(L"it cannot be opened");
+    }
     return file.size();
 }
 
@@ -32,6 +37,10 @@ ZmiFile::ZmiFile(const std::filesystem::path& path)
     : path_(LongPath(path)), size_(SizeOf(path_)), source_(path_.c_str()),
       isOpen_(readFile(source_, zmiPictureKind, header_, payload_)),
       frames_(isOpen_ ? *payload_ : payload_.emplace(source_, 0, 0)) {}
+
+bool ZmiFile::IsZmi() const {
+    return std::memcmp(header_.magic, zmiMagic, sizeof zmiMagic) == 0;
+}
 
 std::wstring ZmiFile::Title() const {
     const char(&text)[sizeof(ImageHeader::text)] = frames_.Image().text;
@@ -60,8 +69,8 @@ std::wstring ZmiFile::HeaderFault() const {
         return L"the file is empty";
     if (size_ < sizeof(FileHeader))
         return L"the file has " + Grouped(size_) + L" bytes, fewer than its 112-byte header";
-    if (std::memcmp(header_.magic, zmiMagic, sizeof zmiMagic) != 0)
-        return L"magic at offset 0 is not zpix-zmi";
+    if (!IsZmi())
+        return L"not a ZMI file (it does not start with \"zpix-zmi\")";
     if (header_.version != zmiVersion)
         return NotWanted(L"version", offsetof(FileHeader, version), header_.version, zmiVersion);
     if (header_.headerSize != sizeof(FileHeader))
@@ -73,12 +82,13 @@ std::wstring ZmiFile::HeaderFault() const {
         return L"data offset at offset " + std::to_wstring(offsetof(FileHeader, dataOffset)) + L" is " +
                Grouped(header_.dataOffset) + L", inside the header";
     const std::uint64_t end = std::uint64_t{header_.dataOffset} + header_.dataSize;
-    if (const std::uint64_t wanted = end + sizeof zmiTrailer; wanted != size_) {
-        const bool isShort = size_ < wanted;
-        return L"data offset and data size at offsets 18 and 22 make " + Grouped(wanted) +
-               L" bytes with the trailer, but the file has " + Grouped(size_) + L", " +
-               Grouped(isShort ? wanted - size_ : size_ - wanted) + (isShort ? L" too few" : L" too many");
-    }
+    const std::uint64_t wanted = end + sizeof zmiTrailer;
+    if (size_ < wanted)
+        return L"the file is cut short: " + Grouped(size_) + L" of " + Grouped(wanted) +
+               L" bytes (header offsets 18 and 22)";
+    if (size_ > wanted)
+        return L"the file is too long: " + Grouped(size_) + L" bytes instead of " + Grouped(wanted) +
+               L" (header offsets 18 and 22)";
     if (end > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
         return L"the payload ends at " + Grouped(end) + L", beyond 2 GiB";
     return L"trailer tag at offset " + Grouped(end) + L" is not zpix";
@@ -158,11 +168,9 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
     }
 }
 
-std::wstring Grouped(std::uint64_t number) {
-    std::wstring digits = std::to_wstring(number);
-    for (std::size_t i = digits.size(); i > 3; i -= 3)
-        digits.insert(i - 3, 1, L',');
-    return digits;
+unsigned SmallestThumbnail(unsigned width, unsigned height) {
+    const auto [narrow, wide] = std::minmax(width, height);
+    return narrow ? (wide + narrow - 1) / narrow : 0;
 }
 
 } // namespace vantrel::tools

@@ -23,6 +23,8 @@ public:
     FrameReader& Frames() { return frames_; }
     const FrameReader& Frames() const { return frames_; }
     std::uint64_t Size() const { return size_; }
+    // False if there is no complete header with the format's first bytes; nothing else is then known.
+    bool IsZmi() const;
     std::wstring Title() const;
     // The file offset of a frame's record, or of the image header if there is no frame table.
     std::uint64_t RecordOffset(std::uint16_t index) const;
@@ -45,11 +47,12 @@ private:
     FrameReader frames_;
 };
 
-// Why the Shell shows no picture of the file; nothing if it shows one, whose size in pixels is then stored.
+// Why the Shell shows no picture of the file; nothing if it shows one, unless it is too thin. The first
+// frame's size in pixels is then stored.
 std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width = nullptr,
                                       unsigned* height = nullptr);
 
-// A number with its digits grouped in threes, for sizes and offsets.
-std::wstring Grouped(std::uint64_t number);
+// The smallest thumbnail, by its longer side in pixels, in which such a picture is not too thin to be seen.
+unsigned SmallestThumbnail(unsigned width, unsigned height);
 
 } // namespace vantrel::tools

@@ -2,6 +2,7 @@
 
 #include "tools/pack/ZmiWriter.h"
 #include "tools/terminal/Console.h"
+#include "tools/terminal/FileName.h"
 
 #include <windows.h>
 
@@ -99,10 +100,12 @@ Several pictures, or animated ones, become a file with several frames.
   --force               replaces an existing file even if it is not a ZMI file;
                         an existing ZMI file is replaced, an input never
   --help, --version
+  --                    only files follow, even if their names start with a dash
 
   zmi-pack --mode 8 --title "A walk" step*.png walk.zmi
 
-Exit code: 0 done, 1 an input or the output failed, 2 wrong usage.)";
+Exit code: 0 done, 1 an input or the output failed, 2 wrong usage or an output
+that may not be replaced, 130 ended by Ctrl+C.)";
 
 PackOptions ParsePackOptions(CommandLine& line) {
     PackOptions options;
@@ -134,7 +137,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
             options.rotate = false;
             pictureOptions = true;
         } else {
-            throw UsageError(L"unknown option " + *argument);
+            line.RejectOption();
         }
     }
     options.title = ToTitle(std::move(title), truncateTitle);
@@ -144,7 +147,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
     options.output = std::move(options.inputs.back());
     options.inputs.pop_back();
     // Otherwise, if the user forgets the output, the last input would be overwritten.
-    if (CompareStringOrdinal(options.output.extension().c_str(), -1, L".zmi", -1, TRUE) != CSTR_EQUAL)
+    if (!HasExtension(options.output, L".zmi"))
         throw UsageError(L"the output must come last and its name must end in .zmi, not \"" +
                          options.output.wstring() + L"\"");
     if (blank && (!options.inputs.empty() || pictureOptions))

@@ -1,13 +1,12 @@
 #include "tools/picture/PictureNames.h"
 
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/LongPath.h"
-
-#include <windows.h>
 
 namespace vantrel::tools {
 
 bool PictureNames::IgnoreCase::operator()(const std::wstring& left, const std::wstring& right) const {
-    return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
+    return CompareNames(left, right) < 0;
 }
 
 void PictureNames::Reserve(const std::filesystem::path& file) {

@@ -17,8 +17,6 @@ struct Picture {
     unsigned height = 0;
     bool isOpaque = true; // the alpha bytes are meaningless
     std::vector<std::uint32_t> pixels;
-
-    std::wstring Dimensions() const { return std::to_wstring(width) + L" x " + std::to_wstring(height); }
 };
 
 // Both throw Failure. Thumbnails and extracted images are opaque whatever their alpha bytes hold.

@@ -26,11 +26,13 @@ std::vector<unsigned> ParseSizes(const std::wstring& list) {
 const std::wstring_view previewHelp =
     LR"(zmi-preview: shows what the Shell gets from the installed ZMI library.
 
-  zmi-preview [options] FILE|FOLDER...
-  zmi-preview --doctor [--dll FILE] [--json] [FILE|FOLDER...]
+  zmi-preview [options] FILE|PATTERN|FOLDER...
+  zmi-preview --doctor [--dll FILE] [--json] [FILE|PATTERN|FOLDER...]
 
-A folder stands for the .zmi files in it. Each of the five handlers is called as
-its host calls it; pictures become NAME-256.png, NAME-icon-32.png and so on.
+A pattern such as step*.zmi stands for the files that match it, a folder for the
+.zmi files in it. Each of the five handlers is looked up in the registry and
+called as its host calls it; pictures become NAME-256.png, NAME-icon-32.png and
+so on.
 
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
@@ -38,16 +40,19 @@ its host calls it; pictures become NAME-256.png, NAME-icon-32.png and so on.
   --force        replaces existing files. Without it, FILE of --sheet may be
                  replaced if it is a PNG file, and NAME-256.png and so on only
                  by the same bytes. An input is never replaced.
-  --dll FILE     asks this library, registered or not
+  --dll FILE     uses this library, registered or not
   --json         prints one JSON document instead of lines
   --doctor       finds out why there are no thumbnails, and what to do about it
   --help, --version
+  --             only files follow, even if their names start with a dash
 
   zmi-preview --sizes 512 --out previews sunset.zmi C:\Pictures
   zmi-preview --sheet page.png C:\Pictures
   zmi-preview --doctor sunset.zmi
 
-Exit code: 0 done, 1 a file has no picture or an output failed, 2 wrong usage.)";
+Exit code: 0 done, 1 a file has no picture, an output failed or the doctor found
+a failure, 2 wrong usage or an output that may not be replaced, 130 ended by
+Ctrl+C.)";
 
 PreviewOptions ParsePreviewOptions(CommandLine& line) {
     PreviewOptions options;
@@ -67,7 +72,7 @@ PreviewOptions ParsePreviewOptions(CommandLine& line) {
         else if (*argument == L"--doctor")
             options.doctor = true;
         else if (*argument != L"--json")
-            throw UsageError(L"unknown option " + *argument);
+            line.RejectOption();
     }
     if (options.doctor && (options.sheet || options.out || options.sizes || options.force))
         throw UsageError(L"--doctor writes no pictures");

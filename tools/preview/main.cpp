@@ -2,32 +2,78 @@
 #include "tools/inspection/ZmiFile.h"
 #include "tools/picture/PictureNames.h"
 #include "tools/preview/doctor/Doctor.h"
+#include "tools/preview/FileReport.h"
 #include "tools/preview/PreviewOptions.h"
-#include "tools/preview/Report.h"
 #include "tools/preview/sheet/ContactSheet.h"
 #include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/InputFile.h"
 #include "tools/terminal/RunTool.h"
 
 #include <algorithm>
-#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace vantrel::tools {
 
 namespace {
 
-FileReport Ask(HandlerRegistry& registry, const InputFile& file, const std::vector<unsigned>& sizes) {
+// For a sound file of which a handler shows nothing.
+void ExplainFailures(FileReport& report, unsigned smallestThumbnail) {
+    report.advice = L"; zmi-preview --doctor may say why";
+    for (HandlerResult& result : report.results)
+        if (!result.ok && result.handler == HandlerKind::Thumbnail &&
+            std::stoul(result.request) < smallestThumbnail) {
+            result.text = L"the picture is too thin for thumbnails smaller than " +
+                          std::to_wstring(smallestThumbnail) + L" pixels";
+            report.advice.clear();
+        }
+}
+
+// The thumbnails that files are asked for.
+struct Sizes {
+    std::vector<unsigned> edges;           // in pixels; each becomes a PNG file
+    std::optional<unsigned> forSheetAlone; // unless it is among them
+};
+
+Sizes ChooseSizes(const PreviewOptions& options, const std::optional<ContactSheet>& sheet) {
+    Sizes sizes;
+    if (!sheet || options.out)
+        sizes.edges = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
+    else if (options.sizes)
+        PrintError(L"zmi-preview: the sheet chooses its own thumbnail size; --sizes applies only to the "
+                   L"separate files of --out");
+    if (sheet && std::ranges::find(sizes.edges, sheet->ThumbnailEdge()) == sizes.edges.end())
+        sizes.forSheetAlone = sheet->ThumbnailEdge();
+    return sizes;
+}
+
+FileReport Ask(HandlerRegistry& registry, const InputFile& file, const Sizes& sizes) {
     FileReport report{.file = file};
+    if (!file.fault.empty()) {
+        report.fault = file.fault;
+        return report;
+    }
     if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        AskForThumbnails(registry, file, sizes, report.results);
+        AskForThumbnails(registry, file, sizes.edges, report.results);
+        if (sizes.forSheetAlone) {
+            AskForThumbnails(registry, file, {&*sizes.forSheetAlone, 1}, report.results);
+            report.results.back().isForSheetAlone = true;
+        }
         AskForProperties(registry, file, report.results);
         AskForExtractedImage(registry, file, report.results);
         AskForIcons(registry, file, report.results);
         AskForColumn(registry, file, report.results);
     }
-    if (report.results.empty() || !report.Ok())
-        report.fault = FindFault(file.path);
+    if (report.results.empty() || !report.Ok()) {
+        unsigned width = 0;
+        unsigned height = 0;
+        report.fault = FindFault(file.path, &width, &height);
+        if (!report.fault)
+            ExplainFailures(report, SmallestThumbnail(width, height));
+    }
     return report;
 }
 
@@ -47,66 +93,41 @@ void WritePicture(const InputFile& file, PictureNames& names, const OutputGuard&
     }
 }
 
-// The files that the arguments stand for. An argument without files is reported at once and sets ok to false.
-std::vector<InputFile> FindFiles(const PreviewOptions& options, JsonDocument* json, bool& ok) {
-    std::vector<InputFile> files;
-    for (const std::wstring& argument : options.inputs) {
-        try {
-            std::ranges::move(FindInputFiles(argument), std::back_inserter(files));
-        } catch (const UsageError&) {
-            throw;
-        } catch (const Failure& failure) {
-            ok = false;
-            PrintError(L"zmi-preview: " + failure.Message());
-            if (!json)
-                continue;
-            JsonObject item;
-            item.Add("file", argument);
-            item.Add("ok", false);
-            item.Add("reason", failure.Message());
-            item.Add("results", std::vector<JsonObject>());
-            json->Append(item);
-        }
-    }
-    return files;
+std::size_t NameColumns(const std::vector<InputFile>& files) {
+    constexpr std::size_t widestName = 40;
+    std::size_t columns = 0;
+    for (const InputFile& file : files)
+        columns = std::max(columns, std::min(Visible(file.shown).size(), widestName));
+    return columns;
+}
+
+void Print(const FileReport& report, std::size_t nameColumns, JsonDocument* json) {
+    if (json)
+        json->Append(ToJson(report));
+    else
+        PrintResults(report, nameColumns);
+    if (!report.Ok())
+        PrintError(L"zmi-preview: " + report.file.shown + L": " + report.Reason());
 }
 
 bool Preview(const PreviewOptions& options, JsonDocument* json) {
-    if (json)
-        json->BeginList("files");
-    bool ok = true;
-    const std::vector<InputFile> files = FindFiles(options, json, ok);
-    if (files.empty())
-        return false;
-
+    const std::vector<InputFile> files = FindInputFiles(options.inputs);
     OutputGuard guard(options.force);
-    std::size_t nameColumns = 0;
-    for (const InputFile& file : files) {
-        constexpr std::size_t widestName = 40;
-        nameColumns = std::max(nameColumns, std::min(Visible(file.shown).size(), widestName));
+    for (const InputFile& file : files)
         guard.Protect(file.path);
-    }
     PictureNames names(options.out.value_or(L""));
-    const bool wantsSingles = !options.sheet || options.out;
-    std::vector<unsigned> sizes;
-    if (wantsSingles)
-        sizes = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
-    else if (options.sizes)
-        PrintError(L"zmi-preview: the sheet chooses its own thumbnail size; --sizes applies only to the "
-                   L"separate files of --out");
     std::optional<ContactSheet> sheet;
-    std::wstring sizeForSheetAlone;
     if (options.sheet) {
         guard.Check(*options.sheet, FileKind::Png, NameOrigin::Typed);
         names.Reserve(*options.sheet);
         sheet.emplace(files.size());
-        const unsigned edge = sheet->ThumbnailEdge();
-        if (std::ranges::find(sizes, edge) == sizes.end()) {
-            sizes.push_back(edge);
-            sizeForSheetAlone = std::to_wstring(edge);
-        }
     }
+    const Sizes sizes = ChooseSizes(options, sheet);
 
+    if (json)
+        json->BeginList("files");
+    bool ok = true;
+    const std::size_t nameColumns = NameColumns(files);
     HandlerRegistry registry(options.dll);
     Progress progress(files.size());
     for (const InputFile& file : files) {
@@ -115,15 +136,10 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
         if (sheet)
             sheet->Add(report);
         for (HandlerResult& result : report.results)
-            if (wantsSingles && !result.pngSuffix.empty() && result.pngSuffix != sizeForSheetAlone)
+            if ((!sheet || options.out) && !result.pngSuffix.empty() && !result.isForSheetAlone)
                 WritePicture(file, names, guard, result);
         ok = ok && report.Ok();
-        if (json)
-            json->Append(ToJson(report));
-        else
-            PrintResults(report, nameColumns);
-        if (!report.Ok())
-            PrintError(L"zmi-preview: " + file.shown + L": " + report.Reason());
+        Print(report, nameColumns, json);
     }
     if (sheet) {
         sheet->Save(*options.sheet, guard);

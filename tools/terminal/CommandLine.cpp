@@ -58,6 +58,11 @@ std::wstring CommandLine::Value() {
     return arguments_[position_++];
 }
 
+void CommandLine::RejectOption() const {
+    throw UsageError(L"unknown option " + option_ +
+                     L"; write -- before a file whose name starts with a dash");
+}
+
 unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high) {
     unsigned long long number = 0;
     bool valid = !text.empty() && text.size() <= 10;

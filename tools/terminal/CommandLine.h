@@ -25,6 +25,8 @@ public:
     // The value of the current option. Throws UsageError if it is missing; a value that starts with a dash
     // must follow "=".
     std::wstring Value();
+    // Throws a UsageError for the current option.
+    [[noreturn]] void RejectOption() const;
 
 private:
     std::vector<std::wstring> arguments_;

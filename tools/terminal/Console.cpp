@@ -1,12 +1,12 @@
 #include "tools/terminal/Console.h"
 
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <windows.h>
 
 #include <algorithm>
 #include <array>
-#include <cwchar>
 
 namespace vantrel::tools {
 
@@ -69,8 +69,12 @@ void PrintError(std::wstring_view text) {
 
 void PrintText(std::wstring_view text) {
     EraseProgress();
-    if (!Write(STD_OUTPUT_HANDLE, text))
-        FailWithLastError(L"stdout");
+    if (Write(STD_OUTPUT_HANDLE, text))
+        return;
+    const DWORD error = GetLastError();
+    if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED)
+        throw Failure({}, HRESULT_FROM_WIN32(error)); // whoever read it has seen enough
+    FailWithLastError(L"stdout");
 }
 
 bool IsControl(wchar_t character) {
@@ -88,9 +92,7 @@ std::wstring Visible(std::wstring_view text) {
             visible += character;
             continue;
         }
-        std::array<wchar_t, 12> name{};
-        std::swprintf(name.data(), name.size(), L"<U+%04X>", static_cast<unsigned>(character));
-        visible += name.data();
+        visible += L"<U+" + Hexadecimal(character, 4) + L'>';
     }
     return visible;
 }

@@ -10,7 +10,7 @@ namespace vantrel::tools {
 
 // Each writes one line, to stdout or to stderr. Control characters in the text are made visible, since names
 // and titles come from untrusted files. A console gets UTF-16, a pipe or a file gets UTF-8. Throws Failure if
-// stdout can't be written completely; errors on stderr are ignored.
+// stdout can't be written completely, without a message if its reader is gone; errors on stderr are ignored.
 void PrintLine(std::wstring_view text);
 void PrintError(std::wstring_view text);
 // Writes trusted text to stdout as is. Throws what PrintLine throws.

@@ -1,8 +1,9 @@
 #include "tools/terminal/Failure.h"
 
+#include "tools/terminal/NumberText.h"
+
 #include <array>
 #include <cstdint>
-#include <cwchar>
 #include <utility>
 
 namespace vantrel::tools {
@@ -57,8 +58,7 @@ std::wstring DescribeHresult(HRESULT result) {
     }
     if (words.empty())
         words = L"unknown error";
-    std::swprintf(buffer.data(), buffer.size(), L" (0x%08X)", static_cast<unsigned>(code));
-    return words + buffer.data();
+    return words + L" (0x" + Hexadecimal(code, 8) + L')';
 }
 
 } // namespace vantrel::tools

@@ -31,6 +31,12 @@ public:
     explicit UsageError(std::wstring message) : Failure(std::move(message), E_INVALIDARG) {}
 };
 
+// An output that the user named and that is not written: exit code 2 as well, but --help has no answer.
+class Refusal : public UsageError {
+public:
+    using UsageError::UsageError;
+};
+
 // Throws a Failure that reads "what: the result in words" for everything but S_OK: handlers return S_FALSE
 // when they have no value.
 void Check(HRESULT result, std::wstring_view what);

@@ -24,7 +24,7 @@ FileSearch FindFiles(const std::filesystem::path& typed) {
     WIN32_FIND_DATAW found{};
     const HANDLE handle = FindFirstFileW(LongPath(search.isFolder ? typed / L"*" : typed).c_str(), &found);
     if (handle == INVALID_HANDLE_VALUE) {
-        if (GetLastError() != ERROR_FILE_NOT_FOUND)
+        if (GetLastError() != ERROR_FILE_NOT_FOUND && GetLastError() != ERROR_PATH_NOT_FOUND)
             FailWithLastError(typed.wstring() + L": cannot be read");
         return search;
     }

@@ -1,9 +1,7 @@
 #include "tools/terminal/JsonObject.h"
 
 #include "tools/terminal/Console.h"
-
-#include <array>
-#include <cwchar>
+#include "tools/terminal/NumberText.h"
 
 namespace vantrel::tools {
 
@@ -14,9 +12,7 @@ void JsonObject::Add(std::string_view name, std::wstring_view text) {
             value += L'\\';
             value += unit;
         } else if (IsControl(unit)) {
-            std::array<wchar_t, 8> escape{};
-            std::swprintf(escape.data(), escape.size(), L"\\u%04x", static_cast<unsigned>(unit));
-            value += escape.data();
+            value += L"\\u" + Hexadecimal(unit, 4);
         } else {
             value += unit;
         }

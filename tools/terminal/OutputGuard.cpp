@@ -3,6 +3,7 @@
 #include "codec/ZmiFormat.h"
 #include "support/Handles.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/LongPath.h"
 
 #include <array>
@@ -15,14 +16,14 @@ namespace vantrel::tools {
 
 namespace {
 
-struct KindFacts {
+struct KindOfFile {
     const wchar_t* name;
     const wchar_t* extension;
     std::string_view firstBytes;
 };
-constexpr std::array<KindFacts, 3> kinds = {{{L"ZMI", L".zmi", {zmiMagic, std::size(zmiMagic)}},
-                                             {L"PNG", L".png", "\x89PNG\r\n\x1A\n"},
-                                             {L"GIF", L".gif", "GIF8"}}};
+constexpr std::array<KindOfFile, 3> kinds = {{{L"ZMI", L".zmi", {zmiMagic, std::size(zmiMagic)}},
+                                              {L"PNG", L".png", "\x89PNG\r\n\x1A\n"},
+                                              {L"GIF", L".gif", "GIF8"}}};
 
 // Null if the file can't be opened; see GetLastError.
 UniqueKernelHandle Open(const std::filesystem::path& path, DWORD access) {
@@ -33,11 +34,11 @@ UniqueKernelHandle Open(const std::filesystem::path& path, DWORD access) {
 }
 
 std::optional<std::pair<std::uint32_t, std::uint64_t>> IdentityOf(HANDLE file) {
-    BY_HANDLE_FILE_INFORMATION facts{};
-    if (!GetFileInformationByHandle(file, &facts))
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!GetFileInformationByHandle(file, &info))
         return std::nullopt;
-    return std::pair(std::uint32_t{facts.dwVolumeSerialNumber},
-                     std::uint64_t{facts.nFileIndexHigh} << 32 | facts.nFileIndexLow);
+    return std::pair(std::uint32_t{info.dwVolumeSerialNumber},
+                     std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow);
 }
 
 bool BeginsWith(HANDLE file, std::string_view bytes) {
@@ -56,11 +57,11 @@ void OutputGuard::Protect(const std::filesystem::path& input) {
 }
 
 void OutputGuard::Check(const std::filesystem::path& target, FileKind kind, NameOrigin origin) const {
-    const KindFacts& facts = kinds[static_cast<std::size_t>(kind)];
+    const KindOfFile& wanted = kinds[static_cast<std::size_t>(kind)];
     const std::wstring name = target.wstring();
-    if (CompareStringOrdinal(target.extension().c_str(), -1, facts.extension, -1, TRUE) != CSTR_EQUAL)
-        throw UsageError(L"the name of a " + std::wstring(facts.name) + L" file must end in " +
-                         facts.extension + L", not \"" + name + L"\"");
+    if (!HasExtension(target, wanted.extension))
+        throw UsageError(L"the name of a " + std::wstring(wanted.name) + L" file must end in " +
+                         wanted.extension + L", not \"" + name + L"\"");
 
     const DWORD attributes = GetFileAttributesW(LongPath(target).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
@@ -74,15 +75,11 @@ void OutputGuard::Check(const std::filesystem::path& target, FileKind kind, Name
     const auto identity = IdentityOf(file.get());
     if (!identity)
         FailWithLastError(name);
-    if (protected_.contains(*identity)) {
-        const std::wstring words = name + L": this is one of the input files and is not overwritten";
-        if (origin == NameOrigin::Typed)
-            throw UsageError(words);
-        throw Failure(words);
-    }
-    if (origin == NameOrigin::Typed && !force_ && !BeginsWith(file.get(), facts.firstBytes))
-        throw UsageError(name + L": this already exists and is not a " + facts.name +
-                         L" file; use --force to replace it");
+    if (protected_.contains(*identity))
+        throw Refusal(name + L": this is one of the input files and is not overwritten");
+    if (origin == NameOrigin::Typed && !force_ && !BeginsWith(file.get(), wanted.firstBytes))
+        throw Refusal(name + L": this already exists and is not a " + wanted.name +
+                      L" file; use --force to replace it");
 }
 
 bool HaveSameBytes(const std::filesystem::path& left, const std::filesystem::path& right) {

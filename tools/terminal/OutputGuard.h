@@ -23,9 +23,9 @@ public:
     // ignored.
     void Protect(const std::filesystem::path& input);
 
-    // Throws Failure for a target that is a folder, is a protected file or can't be examined; UsageError if
-    // such a file's name was typed, and for a typed name whose extension or existing file is of another kind.
-    // Files with made-up names are left to OutputFile::Commit, which knows the new bytes.
+    // Throws UsageError for a target with another kind's extension; Refusal for a protected file and, if its
+    // name was typed, for a file of another kind; Failure for a folder and what can't be examined. Whether a
+    // file with a made-up name is replaced turns out in OutputFile::Commit, which knows the new bytes.
     void Check(const std::filesystem::path& target, FileKind kind, NameOrigin origin) const;
 
     // True if the existing file with a name may be replaced by other bytes, once it is checked.

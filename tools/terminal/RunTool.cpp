@@ -47,6 +47,9 @@ int RunTool(const Tool& tool, int count, wchar_t** arguments) {
         if (json)
             json->Close(ok);
         return ok ? done : failed;
+    } catch (const Refusal& refusal) {
+        exitCode = wrongUsage;
+        words = refusal.Message();
     } catch (const UsageError& error) {
         exitCode = wrongUsage;
         words = error.Message() + L" (see " + std::wstring(tool.name) + L" --help)";
@@ -57,7 +60,8 @@ int RunTool(const Tool& tool, int count, wchar_t** arguments) {
     } catch (const std::exception& error) {
         words.assign(error.what(), error.what() + std::strlen(error.what()));
     }
-    PrintError(std::wstring(tool.name) + L": " + words);
+    if (!words.empty())
+        PrintError(std::wstring(tool.name) + L": " + words);
     try {
         if (json)
             json->Close(false, words);

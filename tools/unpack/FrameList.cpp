@@ -14,7 +14,9 @@ FrameList::FrameList(std::wstring_view text) {
         const std::size_t dash = std::min(item.find(L'-'), item.size());
         const unsigned first = ParseNumber(L"--frames", item.substr(0, dash), 1, most);
         const unsigned last =
-            dash == item.size() ? first : ParseNumber(L"--frames", item.substr(dash + 1), first, most);
+            dash == item.size() ? first : ParseNumber(L"--frames", item.substr(dash + 1), 1, most);
+        if (last < first)
+            throw UsageError(L"--frames " + std::wstring(item) + L" is backwards");
         ranges_.emplace_back(first, last);
         begin = end + 1;
     }

@@ -5,15 +5,19 @@ namespace vantrel::tools {
 const std::wstring_view unpackHelp =
     LR"(zmi-unpack: unpacks ZMI files into PNG files, or into an animated GIF.
 
-  zmi-unpack [options] FILE.zmi...
+  zmi-unpack [options] FILE|PATTERN|FOLDER...
 
-NAME.zmi becomes NAME.png, or NAME-001.png and so on when it has several
-frames. Each has its frame's size, and the transparent colour is transparent.
+A pattern such as step*.zmi stands for the files that match it, a folder for the
+.zmi files in it. NAME.zmi becomes NAME.png, or NAME-001.png and so on when it
+has several frames. Each has its frame's size, and the transparent colour is
+transparent. If a file's frames share so many pixels that they would become more
+than 1 GiB and 16 times the file, --frames must say which ones are wanted.
 
   --out FOLDER    where the PNG files go (default: the current folder)
   --frames LIST   only these frames, counted from 1: 1,3,5-8
-  --gif FILE      these frames as one animation, with 256 colours each; PNG
-                  files are then written only with --out
+  --gif FILE      these frames as one animation, with 256 colours and at most
+                  67,108,864 pixels each; PNG files are then written only with
+                  --out
   --delay MS      how long the GIF shows each frame, 10 to 60000 (default 100)
   --info          writes no pictures, but says what the files contain, what is
                   wrong with them, and at which offset
@@ -22,13 +26,15 @@ frames. Each has its frame's size, and the transparent colour is transparent.
                   replaced if it is a GIF file, and NAME.png only by the same
                   bytes. An input is never replaced.
   --help, --version
+  --              only files follow, even if their names start with a dash
 
   zmi-unpack lake.zmi
   zmi-unpack --frames 1-3 --out steps walk.zmi
   zmi-unpack --gif walk.gif --delay 40 walk.zmi
   zmi-unpack --info broken.zmi
 
-Exit code: 0 done, 1 a file, a frame or an output failed, 2 wrong usage.)";
+Exit code: 0 done, 1 a file, a frame or an output failed, 2 wrong usage or an
+output that may not be replaced, 130 ended by Ctrl+C.)";
 
 UnpackOptions ParseUnpackOptions(CommandLine& line) {
     UnpackOptions options;
@@ -50,7 +56,7 @@ UnpackOptions ParseUnpackOptions(CommandLine& line) {
         } else if (*argument == L"--force") {
             options.force = true;
         } else if (*argument != L"--json") {
-            throw UsageError(L"unknown option " + *argument);
+            line.RejectOption();
         }
     }
     if (options.inputs.empty())

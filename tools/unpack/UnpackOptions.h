@@ -13,7 +13,7 @@
 namespace vantrel::tools {
 
 struct UnpackOptions {
-    std::vector<std::wstring> inputs; // as typed
+    std::vector<std::wstring> inputs; // as typed: files, patterns and folders
     FrameList frames;
     std::optional<std::filesystem::path> out;
     std::optional<std::filesystem::path> gif;

@@ -3,7 +3,8 @@
 #include "tools/picture/PaletteBuilder.h"
 #include "tools/picture/PngWriter.h"
 #include "tools/terminal/Failure.h"
-#include "tools/unpack/FileReport.h"
+#include "tools/terminal/NumberText.h"
+#include "tools/unpack/Description.h"
 
 #include <algorithm>
 #include <bit>
@@ -24,10 +25,10 @@ std::wstring NumberSuffix(unsigned number, unsigned count) {
 } // namespace
 
 Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
-    : options_(options), json_(json), guard_(options.force), names_(options.out.value_or(L"")),
-      progress_(options.inputs.size()) {
-    for (const std::wstring& input : options.inputs)
-        guard_.Protect(input);
+    : options_(options), json_(json), inputs_(FindInputFiles(options.inputs)), guard_(options.force),
+      names_(options.out.value_or(L"")), progress_(inputs_.size()) {
+    for (const InputFile& input : inputs_)
+        guard_.Protect(input.path);
     if (options.gif) {
         animationFile_.emplace(*options.gif, FileKind::Gif, guard_);
         animation_.emplace(*animationFile_, options.delay);
@@ -38,8 +39,8 @@ bool Unpacker::Run() {
     if (json_)
         json_->BeginList("files");
     bool ok = true;
-    for (const std::wstring& input : options_.inputs) {
-        progress_.Step(input);
+    for (const InputFile& input : inputs_) {
+        progress_.Step(input.shown);
         ok = UnpackFile(input) && ok;
     }
     if (animation_)
@@ -47,60 +48,75 @@ bool Unpacker::Run() {
     return ok; // false if the animation failed on the way
 }
 
-bool Unpacker::UnpackFile(const std::wstring& name) {
+bool Unpacker::UnpackFile(const InputFile& input) {
     Results results;
     std::optional<ZmiFile> file;
-    std::wstring fault;
+    std::wstring fault = input.fault;
     try {
-        file.emplace(name);
-        fault = file->Fault();
-    } catch (const UsageError&) {
-        throw;
+        if (fault.empty())
+            fault = file.emplace(input.path).Fault();
     } catch (const Failure& failure) {
         fault = failure.Message();
     }
-    const unsigned count = file ? file->Frames().FrameCount() : 0;
-    if (fault.empty() && options_.frames.Last() > count)
-        fault = L"there is no frame " + std::to_wstring(options_.frames.Last()) + L"; the file has " +
-                std::to_wstring(count);
+    unsigned count = file ? file->Frames().FrameCount() : 0;
+    if (fault.empty() && options_.frames.Last() > count) {
+        fault = L"there is no frame " + Grouped(options_.frames.Last()) + L"; the file has " + Grouped(count);
+    } else if (fault.empty() && options_.frames.Last() == 0 && !options_.info) {
+        fault = Excess(*file);
+        count = fault.empty() ? count : 0;
+    }
 
     if (options_.info && !json_) {
-        PrintLine(name);
+        PrintLine(input.shown);
         if (file)
             for (const std::wstring& line : DescribeFile(*file))
                 PrintLine(L"  " + line);
     }
     if (!fault.empty())
-        Report(name, fault, results);
+        Report(input.shown, fault, results);
     for (unsigned i = 0; i < count; ++i)
         if (options_.frames.Contains(i + 1))
-            UnpackFrame(*file, name, static_cast<std::uint16_t>(i), results);
+            UnpackFrame(*file, input, static_cast<std::uint16_t>(i), results);
 
     if (json_) {
         JsonObject object;
-        object.Add("file", name);
+        object.Add("file", input.shown);
         if (file)
-            AddFileFacts(object, *file);
+            AddFile(object, *file);
         if (!fault.empty())
             object.Add("fault", fault);
         object.Add("frames", results.frames);
         json_->Append(object);
     } else if (results.pictures > 0) {
         const std::wstring last = results.pictures > 1 ? L" ... " + results.last.wstring() : L"";
-        PrintLine(name + L" -> " + results.first.wstring() + last);
+        PrintLine(input.shown + L" -> " + results.first.wstring() + last);
     }
     return results.faults == 0;
 }
 
-void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_t index, Results& results) {
+std::wstring Unpacker::Excess(ZmiFile& file) const {
+    constexpr std::uint64_t alwaysFine = 1U << 30;
+    constexpr std::uint64_t mostTimes = 16;
+    const std::uint16_t count = file.Frames().FrameCount();
+    std::uint64_t bytes = 0;
+    for (std::uint16_t i = 0; i < count; ++i)
+        if (const auto frame = file.Frames().Frame(i); frame && frame->fault == FrameFault::None)
+            bytes += frame->pixelByteCount;
+    if (bytes <= alwaysFine || bytes <= mostTimes * file.Size())
+        return {};
+    return L"its " + Grouped(count) + L" frames share their pixels and would become " + Grouped(bytes) +
+           L" bytes, from a file of " + Grouped(file.Size()) + L"; say which ones with --frames";
+}
+
+void Unpacker::UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t index, Results& results) {
     const std::optional<FileFrame> frame = file.Frames().Frame(index);
     std::wstring fault =
         frame ? file.FaultOf(index, *frame)
               : L"the record at offset " + Grouped(file.RecordOffset(index)) + L" cannot be read";
-    JsonObject facts;
-    facts.Add("frame", index + 1);
+    JsonObject entry;
+    entry.Add("frame", index + 1);
     if (frame)
-        AddFrameFacts(facts, *frame);
+        AddFrame(entry, *frame);
     if (options_.info && frame && !json_)
         PrintLine(L"  frame " + std::to_wstring(index + 1) + L": " + DescribeFrame(*frame));
     if (fault.empty() && !options_.info) {
@@ -117,11 +133,10 @@ void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_
         if (animation_)
             attempt([&] { return AddToAnimation(file, index, *frame); });
         if (!options_.gif || options_.out) {
-            const std::filesystem::path path =
-                names_.Take(std::filesystem::path(name).stem().wstring() +
-                            NumberSuffix(index + 1U, file.Frames().FrameCount()));
+            const std::filesystem::path path = names_.Take(
+                input.path.stem().wstring() + NumberSuffix(index + 1U, file.Frames().FrameCount()));
             if (attempt([&] { return WritePicture(file, index, *frame, path); })) {
-                facts.Add("png", path.wstring());
+                entry.Add("png", path.wstring());
                 if (results.pictures++ == 0)
                     results.first = path;
                 results.last = path;
@@ -129,11 +144,11 @@ void Unpacker::UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_
         }
     }
     if (!fault.empty()) {
-        facts.Add("fault", fault);
-        Report(name, fault, results);
+        entry.Add("fault", fault);
+        Report(input.shown, fault, results);
     }
     if (json_)
-        results.frames.push_back(std::move(facts));
+        results.frames.push_back(std::move(entry));
 }
 
 bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
@@ -162,7 +177,11 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
 }
 
 bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame) {
+    constexpr std::uint64_t mostPixels = 1U << 26; // all of them are in memory
     const FrameRecord& record = frame.record;
+    if (std::uint64_t{record.width} * record.height > mostPixels)
+        throw Failure(L"frame " + std::to_wstring(index + 1) + L" is too large for a GIF: more than " +
+                      Grouped(mostPixels) + L" pixels");
     const auto forEachPixel = [&](const auto& take) {
         return file.Frames().Convert(frame, [&](const std::uint32_t* words) {
             for (const std::uint32_t word : std::span(words, record.width))
@@ -206,7 +225,7 @@ void Unpacker::FinishAnimation() {
     if (json_)
         json_->Members().Add("gif", path);
     else
-        PrintLine(std::to_wstring(animated_) + (animated_ == 1 ? L" frame -> " : L" frames -> ") + path);
+        PrintLine(Grouped(animated_) + (animated_ == 1 ? L" frame -> " : L" frames -> ") + path);
 }
 
 void Unpacker::ShowProgress(const ZmiFile& file, std::uint16_t index, double part) {
@@ -223,7 +242,7 @@ void Unpacker::Report(const std::wstring& name, const std::wstring& fault, Resul
     else if (results.faults <= most)
         PrintError(L"zmi-unpack: " + name + L": " + fault);
     else if (results.faults == most + 1)
-        PrintError(L"zmi-unpack: " + name + L": and more; --info lists everything");
+        PrintError(L"zmi-unpack: " + name + L": and more; --json lists everything");
 }
 
 } // namespace vantrel::tools

@@ -5,6 +5,7 @@
 #include "tools/picture/GifWriter.h"
 #include "tools/picture/PictureNames.h"
 #include "tools/terminal/Console.h"
+#include "tools/terminal/InputFile.h"
 #include "tools/terminal/JsonDocument.h"
 #include "tools/terminal/OutputFile.h"
 #include "tools/terminal/OutputGuard.h"
@@ -20,7 +21,7 @@ namespace vantrel::tools {
 class Unpacker {
 public:
     // Both must outlive the unpacker; the document is non-null if --json was given. Throws what OutputFile
-    // throws.
+    // and FindInputFiles throw.
     Unpacker(const UnpackOptions& options, JsonDocument* json);
 
     // False if a file, a frame or its picture failed; this was reported, and all others were unpacked. Throws
@@ -36,9 +37,11 @@ private:
         std::vector<JsonObject> frames;
     };
 
-    bool UnpackFile(const std::wstring& name);
-    void UnpackFrame(ZmiFile& file, const std::wstring& name, std::uint16_t index, Results& results);
-    // Both are false when the frame's pixels can't be read.
+    bool UnpackFile(const InputFile& input);
+    // What speaks against unpacking all frames of a file; empty if nothing does.
+    std::wstring Excess(ZmiFile& file) const;
+    void UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t index, Results& results);
+    // Both are false when the frame's pixels can't be read, and throw Failure.
     bool WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
                       const std::filesystem::path& path);
     bool AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame);
@@ -48,6 +51,7 @@ private:
 
     const UnpackOptions& options_;
     JsonDocument* json_;
+    std::vector<InputFile> inputs_;
     OutputGuard guard_;
     PictureNames names_;
     Progress progress_;

@@ -3,8 +3,8 @@
 #include "support/Handles.h"
 #include "support/RegistrationTable.h"
 #include "tools/inspection/ZmiFile.h"
-#include "tools/preview/InputFile.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/InputFile.h"
 
 #include <propsys.h>
 #include <shlwapi.h>
@@ -212,6 +212,8 @@ std::vector<std::wstring> FindSettings() {
 }
 
 FileFacts ExamineFile(const InputFile& file) {
+    if (!file.fault.empty())
+        return {.shown = file.shown, .isFolder = true, .unread = file.shown + L": " + file.fault};
     FileFacts facts{.shown = file.shown, .attributes = GetFileAttributesW(file.path.c_str())};
     if (facts.attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
@@ -273,16 +275,8 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     facts.programs = FindPrograms();
     facts.infoTip = AskForInfoTip();
     facts.settings = FindSettings();
-    for (const std::wstring& argument : arguments) {
-        try {
-            for (const InputFile& file : FindInputFiles(argument))
-                facts.files.push_back(ExamineFile(file));
-        } catch (const UsageError&) {
-            throw;
-        } catch (const Failure& failure) {
-            facts.files.push_back({.shown = argument, .isFolder = true, .unread = failure.Message()});
-        }
-    }
+    for (const InputFile& file : FindInputFiles(arguments))
+        facts.files.push_back(ExamineFile(file));
     return facts;
 }
 

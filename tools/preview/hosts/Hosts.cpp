@@ -96,8 +96,17 @@ void TakeValue(PROPVARIANT& value, HandlerResult& result) {
         result.text = std::to_wstring(*result.number);
     else if (type != VT_BSTR && type != VT_LPWSTR)
         throw Failure(L"a value of unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
-    else if (result.request == L"dimensions")
-        std::swscanf(result.text.c_str(), L"%u x %u", &result.picture.width, &result.picture.height);
+    PixelSize size;
+    if (result.request == L"dimensions" &&
+        std::swscanf(result.text.c_str(), L"%u x %u", &size.width, &size.height) == 2)
+        result.size = size;
+}
+
+void TakeResult(Picture picture, std::wstring pngSuffix, HandlerResult& result) {
+    result.text = std::to_wstring(picture.width) + L" x " + std::to_wstring(picture.height);
+    result.size = {picture.width, picture.height};
+    result.picture = std::move(picture);
+    result.pngSuffix = std::move(pngSuffix);
 }
 
 // As old hosts did it: the raw pointer goes to the second thread, and only one thread uses the object at a
@@ -131,10 +140,8 @@ void AskForThumbnails(HandlerRegistry& registry, const InputFile& file, std::spa
             HBITMAP bitmap = nullptr;
             WTS_ALPHATYPE alpha = WTSAT_UNKNOWN;
             Check(provider->GetThumbnail(edge, &bitmap, &alpha), L"GetThumbnail");
-            result.picture = TakePicture(UniqueBitmap(bitmap));
+            TakeResult(TakePicture(UniqueBitmap(bitmap)), std::to_wstring(edge), result);
             result.picture.isOpaque = alpha != WTSAT_ARGB;
-            result.text = result.picture.Dimensions();
-            result.pngSuffix = std::to_wstring(edge);
         });
 }
 
@@ -181,11 +188,9 @@ void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
             Check(located, L"GetLocation");
             Check(extractor->Extract(&bitmap), L"Extract");
         }
-        result.picture = TakePicture(UniqueBitmap(bitmap));
-        result.text = result.picture.Dimensions();
+        TakeResult(TakePicture(UniqueBitmap(bitmap)), L"extract", result);
         if (located == E_PENDING)
             result.text += L", from a second thread";
-        result.pngSuffix = L"extract";
     });
     if (!extractor)
         return;
@@ -229,9 +234,8 @@ void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<H
             if (!icon)
                 throw Failure(both.front().ok ? L"Extract gave no icon" : both.front().text,
                               both.front().ok ? E_FAIL : both.front().code);
-            result.picture = TakePicture(std::move(icon));
-            result.text = result.picture.Dimensions() + L", with alpha";
-            result.pngSuffix = L"icon-" + std::to_wstring(edge);
+            TakeResult(TakePicture(std::move(icon)), L"icon-" + std::to_wstring(edge), result);
+            result.text += L", with alpha";
         });
     };
     take(largeIconEdge, UniqueIcon(largeIcon));

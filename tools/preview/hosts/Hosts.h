@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/preview/HandlerRegistry.h"
-#include "tools/preview/InputFile.h"
 #include "tools/preview/Picture.h"
+#include "tools/terminal/InputFile.h"
 
 #include <optional>
 #include <span>
@@ -12,6 +12,11 @@
 
 namespace vantrel::tools {
 
+struct PixelSize {
+    unsigned width = 0;
+    unsigned height = 0;
+};
+
 // The result of one request. If it is a picture, it has pixels and a suffix for its PNG file's name.
 struct HandlerResult {
     HandlerKind handler{};
@@ -19,7 +24,9 @@ struct HandlerResult {
     bool ok = false;
     std::wstring text{}; // the value, or what went wrong
     HRESULT code = S_OK;
-    Picture picture{}; // only the dimensions if the value is a text with dimensions
+    std::optional<PixelSize> size{}; // of the picture, or as the value says
+    Picture picture{};
+    bool isForSheetAlone = false; // and gets no PNG file
     std::optional<unsigned> number{};
     std::wstring isoTime{};
     std::wstring pngSuffix{};

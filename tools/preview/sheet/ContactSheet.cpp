@@ -71,7 +71,7 @@ std::wstring Value(const FileReport& report, HandlerKind kind, std::wstring_view
 }
 
 // "640 x 480 · 16 bit", without what the handler did not return.
-std::wstring Facts(const FileReport& report) {
+std::wstring SizeAndDepth(const FileReport& report) {
     const std::wstring dimensions = Value(report, HandlerKind::Properties, L"dimensions");
     const std::wstring depth = Value(report, HandlerKind::Properties, L"bit depth");
     return dimensions + (dimensions.empty() || depth.empty() ? L"" : L" \u00B7 ") +
@@ -129,7 +129,7 @@ void ContactSheet::Add(const FileReport& report) {
     else
         write(title, TextStyle::Title, inkColor);
     write(report.file.path.filename().wstring(), TextStyle::Body, inkColor);
-    write(Facts(report), TextStyle::Body, greyColor);
+    write(SizeAndDepth(report), TextStyle::Body, greyColor);
     const std::wstring column = Value(report, HandlerKind::Column, L"dimensions");
     write(column.empty() ? L"" : L"Column: " + column, TextStyle::Body, greyColor);
 
@@ -138,8 +138,8 @@ void ContactSheet::Add(const FileReport& report) {
     DrawIcon(report, largeIconEdge, x, middle);
     DrawIcon(report, smallIconEdge, x, middle);
     if (thumbnail && edge_ == largeEdge)
-        canvas_.Text({x, middle - 10, well.right, middle + 10}, thumbnail->picture.Dimensions() + L" px",
-                     TextStyle::Small, greyColor, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+        canvas_.Text({x, middle - 10, well.right, middle + 10}, thumbnail->text + L" px", TextStyle::Small,
+                     greyColor, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
 }
 
 void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle) {

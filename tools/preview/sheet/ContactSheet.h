@@ -1,7 +1,7 @@
 // One page that shows for every file what the Shell gets from each handler.
 #pragma once
 
-#include "tools/preview/Report.h"
+#include "tools/preview/FileReport.h"
 #include "tools/preview/sheet/Canvas.h"
 #include "tools/terminal/OutputGuard.h"
 

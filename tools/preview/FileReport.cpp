@@ -1,10 +1,9 @@
-#include "tools/preview/Report.h"
+#include "tools/preview/FileReport.h"
 
 #include "tools/terminal/Console.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
-#include <array>
-#include <cwchar>
 
 namespace vantrel::tools {
 
@@ -21,18 +20,16 @@ JsonObject ToJson(const HandlerResult& result) {
     object.Add("request", result.request);
     object.Add("ok", result.ok);
     if (!result.ok) {
-        std::array<wchar_t, 12> code{};
-        std::swprintf(code.data(), code.size(), L"0x%08X", static_cast<unsigned>(result.code));
         object.Add("error", result.text);
-        object.Add("hresult", code.data());
+        object.Add("hresult", L"0x" + Hexadecimal(static_cast<std::uint32_t>(result.code), 8));
     } else if (result.number) {
         object.Add("result", *result.number);
     } else {
         object.Add("result", result.isoTime.empty() ? result.text : result.isoTime);
     }
-    if (result.picture.width > 0) {
-        object.Add("width", result.picture.width);
-        object.Add("height", result.picture.height);
+    if (result.size) {
+        object.Add("width", result.size->width);
+        object.Add("height", result.size->height);
     }
     if (!result.png.empty())
         object.Add("png", result.png);
@@ -54,10 +51,11 @@ const HandlerResult* FileReport::Find(HandlerKind kind, std::wstring_view reques
 
 std::wstring FileReport::Reason() const {
     if (fault)
-        return L"no picture: " + *fault;
+        return *fault;
     for (const HandlerResult& result : results)
         if (!result.ok)
-            return std::wstring(ClassOf(result.handler).name) + L" " + result.request + L": " + result.text;
+            return std::wstring(ClassOf(result.handler).name) + L" " + result.request + L": " + result.text +
+                   advice;
     return {};
 }
 

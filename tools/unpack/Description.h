@@ -1,4 +1,4 @@
-// What is reported about a file: one line per fact, or the same as JSON.
+// A file and its frames described: in lines for people, or as JSON.
 #pragma once
 
 #include "tools/inspection/ZmiFile.h"
@@ -18,7 +18,7 @@ std::wstring DescribeFrame(const FileFrame& frame);
 std::vector<std::wstring> DescribeFile(const ZmiFile& file);
 
 // Add what is known about a frame, or about a file as a whole.
-void AddFrameFacts(JsonObject& object, const FileFrame& frame);
-void AddFileFacts(JsonObject& object, const ZmiFile& file);
+void AddFrame(JsonObject& object, const FileFrame& frame);
+void AddFile(JsonObject& object, const ZmiFile& file);
 
 } // namespace vantrel::tools

@@ -1,17 +1,12 @@
-#include "tools/unpack/FileReport.h"
+#include "tools/unpack/Description.h"
+
+#include "tools/terminal/NumberText.h"
 
 #include <array>
-#include <cwchar>
 
 namespace vantrel::tools {
 
 namespace {
-
-std::wstring Hexadecimal(std::uint32_t number, int digits) {
-    std::array<wchar_t, 12> text{};
-    std::swprintf(text.data(), text.size(), L"0x%0*X", digits, static_cast<unsigned>(number));
-    return text.data();
-}
 
 std::wstring Size(std::uint16_t width, std::uint16_t height) {
     return std::to_wstring(width) + L" x " + std::to_wstring(height);
@@ -28,7 +23,7 @@ std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
     case PixelMode::Indexed:
         return name + L", index " + std::to_wstring(transparentKey) + L" is transparent";
     case PixelMode::Rgb565:
-        return name + L", colour " + Hexadecimal(transparentKey, 4) + L" is transparent";
+        return name + L", colour 0x" + Hexadecimal(transparentKey, 4) + L" is transparent";
     default:
         return name + L" with a transparent colour, which has no meaning here";
     }
@@ -55,10 +50,12 @@ std::vector<std::wstring> DescribeFile(const ZmiFile& file) {
     const FrameReader& frames = file.Frames();
     const FileHeader& header = file.Header();
     const ImageHeader& image = frames.Image();
-    std::vector<std::wstring> lines = {
-        Grouped(file.Size()) + L" bytes, version " + std::to_wstring(header.version) + L", kind " +
-        std::to_wstring(header.kind) + L", payload of " + Grouped(header.dataSize) + L" bytes at offset " +
-        Grouped(header.dataOffset)};
+    if (!file.IsZmi())
+        return {Grouped(file.Size()) + L" bytes"};
+    std::vector<std::wstring> lines = {Grouped(file.Size()) + L" bytes, version " + Grouped(header.version) +
+                                       L", kind " + std::to_wstring(header.kind) + L", payload of " +
+                                       Grouped(header.dataSize) + L" bytes at offset " +
+                                       Grouped(header.dataOffset)};
     if (frames.Fault() == FileFault::ImageHeader)
         return lines;
     lines.push_back(L"title \"" + file.Title() + L"\"");
@@ -67,15 +64,15 @@ std::vector<std::wstring> DescribeFile(const ZmiFile& file) {
         return lines;
     }
     lines.push_back(L"picture " + Size(image.width, image.height) + L", " +
-                    DescribeMode(image.flags, image.transparentKey) + L", flags " +
+                    DescribeMode(image.flags, image.transparentKey) + L", flags 0x" +
                     Hexadecimal(image.flags, 2));
-    if ((image.flags & frameTableFlag) != 0)
-        lines.push_back(std::to_wstring(frames.Table().frameCount) + L" frames, table at offset " +
+    if ((image.flags & frameTableFlag) != 0 && frames.Fault() != FileFault::FrameTable)
+        lines.push_back(Grouped(frames.Table().frameCount) + L" frames, table at offset " +
                         Grouped(image.pixelOffset));
     return lines;
 }
 
-void AddFrameFacts(JsonObject& object, const FileFrame& frame) {
+void AddFrame(JsonObject& object, const FileFrame& frame) {
     const FrameRecord& record = frame.record;
     object.Add("width", std::uint16_t{record.width});
     object.Add("height", std::uint16_t{record.height});
@@ -89,14 +86,19 @@ void AddFrameFacts(JsonObject& object, const FileFrame& frame) {
         object.Add("transparentKey", std::uint32_t{record.transparentKey});
 }
 
-void AddFileFacts(JsonObject& object, const ZmiFile& file) {
+void AddFile(JsonObject& object, const ZmiFile& file) {
+    const FrameReader& frames = file.Frames();
     const FileHeader& header = file.Header();
-    const ImageHeader& image = file.Frames().Image();
+    const ImageHeader& image = frames.Image();
     object.Add("size", file.Size());
+    if (!file.IsZmi())
+        return;
     object.Add("version", std::uint32_t{header.version});
     object.Add("kind", unsigned{header.kind});
     object.Add("dataOffset", std::uint32_t{header.dataOffset});
     object.Add("dataSize", std::uint32_t{header.dataSize});
+    if (frames.Fault() == FileFault::ImageHeader)
+        return;
     object.Add("title", file.Title());
     object.Add("width", std::uint16_t{image.width});
     object.Add("height", std::uint16_t{image.height});
@@ -105,7 +107,8 @@ void AddFileFacts(JsonObject& object, const ZmiFile& file) {
     object.Add("pixelOffset", std::uint32_t{image.pixelOffset});
     object.Add("paletteOffset", std::uint32_t{image.paletteOffset});
     object.Add("transparentKey", std::uint32_t{image.transparentKey});
-    object.Add("frameCount", std::uint16_t{file.Frames().Table().frameCount});
+    if (frames.Fault() != FileFault::FrameTable)
+        object.Add("frameCount", std::uint16_t{frames.Table().frameCount});
 }
 
 } // namespace vantrel::tools

@@ -15,6 +15,7 @@ struct FileReport {
     InputFile file;
     std::vector<HandlerResult> results{};
     std::optional<std::wstring> fault{}; // what is wrong with the file itself
+    std::wstring advice{};               // if it is sound, but a handler failed
 
     bool Ok() const;
     // Null if there is no such result, or it failed.
