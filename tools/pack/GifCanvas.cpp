@@ -9,7 +9,7 @@ namespace vantrel::tools {
 
 namespace {
 
-constexpr std::size_t largestCanvas = 1U << 27; // pixels
+constexpr std::uint64_t mostPixels = 1U << 26; // held at a time, 256 MiB of them
 constexpr auto left = L"/imgdesc/Left";
 constexpr auto top = L"/imgdesc/Top";
 
@@ -23,11 +23,8 @@ GifCanvas::GifCanvas(const WicPicture& picture) : picture_(picture) {
 
 std::span<const Color> GifCanvas::Show(unsigned index) {
     if (shown_ == 0 || index + 1 < shown_) {
-        const std::size_t size = std::size_t{width_} * height_;
-        if (size > largestCanvas)
-            throw Failure(picture_.Name() + L": its canvas of " + std::to_wstring(width_) + L" x " +
-                          std::to_wstring(height_) + L" pixels is too large to compose its frames");
-        pixels_.assign(size, Color{});
+        CheckSize(0);
+        pixels_.assign(std::size_t{width_} * height_, Color{});
         shown_ = 0;
         disposal_ = 0;
     }
@@ -36,6 +33,12 @@ std::span<const Color> GifCanvas::Show(unsigned index) {
         Draw(picture_.Frame(shown_));
     }
     return pixels_;
+}
+
+void GifCanvas::CheckSize(std::uint64_t beneath) const {
+    if (std::uint64_t{width_} * height_ + beneath > mostPixels)
+        throw Failure(picture_.Name() + L": its canvas of " + std::to_wstring(width_) + L" x " +
+                      std::to_wstring(height_) + L" pixels is too large to compose its frames");
 }
 
 void GifCanvas::Draw(const WicFrame& frame) {
@@ -48,6 +51,10 @@ void GifCanvas::Draw(const WicFrame& frame) {
     beneath_.clear();
     if (columns == 0)
         return;
+    if (disposal_ == restoreWhatWasBeneath) {
+        CheckSize(std::uint64_t{columns} * rows);
+        beneath_.reserve(std::size_t{columns} * rows);
+    }
 
     constexpr std::size_t chunkPixels = 1U << 18;
     const auto chunkRows = static_cast<UINT>(std::max(chunkPixels / columns, std::size_t{1}));

@@ -4,6 +4,7 @@
 #include "tools/pack/WicPicture.h"
 #include "tools/picture/Rgb565.h"
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -28,6 +29,8 @@ private:
     // What the file wants done with a frame before the next one is drawn.
     enum Disposal : unsigned { clearFrame = 2, restoreWhatWasBeneath = 3 };
 
+    // Throws Failure if the canvas and this many pixels beneath a frame are too much to hold.
+    void CheckSize(std::uint64_t beneath) const;
     void Draw(const WicFrame& frame);
     void Dispose();
     // One row of the part of the canvas that the last frame covers.

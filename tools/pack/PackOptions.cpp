@@ -1,8 +1,8 @@
 #include "tools/pack/PackOptions.h"
 
+#include "tools/pack/ZmiReader.h"
 #include "tools/pack/ZmiWriter.h"
 #include "tools/terminal/Console.h"
-#include "tools/terminal/FileName.h"
 
 #include <windows.h>
 
@@ -65,9 +65,9 @@ std::string ToTitle(std::wstring text, bool truncate) {
         throw UsageError(L"--title contains a control character");
     std::string title = ToAnsi(text);
     if (title.size() > longestTitle && !truncate)
-        throw UsageError(L"--title has more than " + std::to_wstring(longestTitle) +
-                         L" bytes in this system's ANSI code page; --truncate-title shortens it: \"" + text +
-                         L"\"");
+        throw UsageError(L"--title has more than 33 characters (fewer in some languages: " +
+                         std::to_wstring(longestTitle) + L" bytes in this system's ANSI code page); " +
+                         L"--truncate-title shortens it: \"" + text + L"\"");
     // Cuts whole characters, each of which takes at least one byte; some are surrogate pairs.
     text.resize(std::min(text.size(), longestTitle));
     for (; title.size() > longestTitle; text.pop_back()) {
@@ -80,39 +80,55 @@ std::string ToTitle(std::wstring text, bool truncate) {
 
 } // namespace
 
-const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into one ZMI file.
+const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into ZMI files.
 
   zmi-pack [options] INPUT... OUTPUT.zmi
-  zmi-pack --blank [--title TEXT] OUTPUT.zmi
+  zmi-pack --each [--out FOLDER] [options] INPUT...
+  zmi-pack --title TEXT OLD.zmi NEW.zmi
+  zmi-pack --blank [--title TEXT] [--force] OUTPUT.zmi
 
-INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a pattern
-such as step*.png, or a folder of pictures, in the order of their numbers.
-Several pictures, or animated ones, become a file with several frames.
+INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a ZMI file, a
+pattern such as step*.png, or a folder of pictures, in the order of their
+numbers. Several pictures, or animated ones, become a file with several frames;
+frames of a ZMI file in the same mode keep their colours and transparency. An
+.ico file gives its largest picture. Only with --title, a single ZMI file is
+copied as it is, with the new title.
 
-  --mode 1|8|565        black and white, 256 colours, or 16 bits (default 565)
-  --title TEXT          the title, at most 33 bytes in the ANSI code page
+  --each                packs each input into its own file, NAME.zmi
+  --out FOLDER          where these go (default: the current folder)
+  --mode 1|8|565        black and white, 256 colours, or 16 bits (default 565, or
+                        that of the inputs if all are ZMI files of one mode)
+  --title TEXT          the title: at most 33 characters (fewer in some languages:
+                        33 bytes in the ANSI code page); without it, that of
+                        the first ZMI file among the inputs
   --truncate-title      cuts off a longer title
   --transparent RRGGBB  this colour is transparent, and transparent parts of an
                         input get it instead of white; not with --mode 1
   --no-dither           uses each pixel's nearest colour, without mixing
   --no-rotate           keeps photos as stored, ignoring their orientation
   --blank               the blank default picture, which needs no input
-  --force               replaces an existing file even if it is not a ZMI file;
-                        an existing ZMI file is replaced, an input never
+  --force               replaces existing files. Without it, OUTPUT.zmi may be
+                        replaced if it is a ZMI file, and NAME.zmi of --each
+                        only by the same bytes. An input is never replaced.
   --help, --version
   --                    only files follow, even if their names start with a dash
 
   zmi-pack --mode 8 --title "A walk" step*.png walk.zmi
+  zmi-pack --each --out zmi photos
 
-Exit code: 0 done, 1 an input or the output failed, 2 wrong usage or an output
+Limits: 65,535 frames of 65,535 x 65,535 pixels in less than 2 GiB; 67 million
+pixels of an animated GIF's canvas; 268 million of a photo to be turned upright;
+1,000 pictures in an .ico file.
+
+Exit code: 0 done, 1 an input or an output failed, 2 wrong usage or an output
 that may not be replaced, 130 ended by Ctrl+C.)";
 
 PackOptions ParsePackOptions(CommandLine& line) {
     PackOptions options;
-    std::wstring title;
     bool truncateTitle = false;
     bool blank = false;
-    bool pictureOptions = false;
+    std::optional<std::wstring> title;
+    std::optional<std::wstring> out;
     while (const auto argument = line.Next()) {
         if (!line.IsOption()) {
             options.inputs.emplace_back(*argument);
@@ -120,42 +136,50 @@ PackOptions ParsePackOptions(CommandLine& line) {
             options.force = true;
         } else if (*argument == L"--blank") {
             blank = true;
+        } else if (*argument == L"--each") {
+            options.each = true;
+        } else if (*argument == L"--out") {
+            out = line.Value();
         } else if (*argument == L"--title") {
             title = line.Value();
         } else if (*argument == L"--truncate-title") {
             truncateTitle = true;
-        } else if (*argument == L"--mode") {
-            options.mode = ParseMode(line.Value());
-            pictureOptions = true;
-        } else if (*argument == L"--transparent") {
-            options.transparent = ParseColor(line.Value());
-            pictureOptions = true;
-        } else if (*argument == L"--no-dither") {
-            options.dither = false;
-            pictureOptions = true;
-        } else if (*argument == L"--no-rotate") {
-            options.rotate = false;
-            pictureOptions = true;
         } else {
-            line.RejectOption();
+            options.hasPictureOptions = true;
+            if (*argument == L"--mode")
+                options.mode = ParseMode(line.Value());
+            else if (*argument == L"--transparent")
+                options.transparent = ParseColor(line.Value());
+            else if (*argument == L"--no-dither")
+                options.dither = false;
+            else if (*argument == L"--no-rotate")
+                options.rotate = false;
+            else
+                line.RejectOption();
         }
     }
-    options.title = ToTitle(std::move(title), truncateTitle);
+    if (title)
+        options.title = ToTitle(std::move(*title), truncateTitle);
+    options.out = out.value_or(L"");
 
+    if (out && !options.each)
+        throw UsageError(L"--out needs --each");
     if (options.inputs.empty())
-        throw UsageError(blank ? L"no output given" : L"no input and no output given");
+        throw UsageError(blank          ? L"no output given"
+                         : options.each ? L"no input given"
+                                        : L"no input and no output given");
+    if (options.each && !blank)
+        return options;
     options.output = std::move(options.inputs.back());
     options.inputs.pop_back();
     // Otherwise, if the user forgets the output, the last input would be overwritten.
-    if (!HasExtension(options.output, L".zmi"))
+    if (!IsZmiName(options.output))
         throw UsageError(L"the output must come last and its name must end in .zmi, not \"" +
                          options.output.wstring() + L"\"");
-    if (blank && (!options.inputs.empty() || pictureOptions))
-        throw UsageError(L"--blank takes no input, and no option other than --title");
+    if (blank && (!options.inputs.empty() || options.each || options.hasPictureOptions))
+        throw UsageError(L"--blank takes no input, and no option other than --title and --force");
     if (!blank && options.inputs.empty())
         throw UsageError(L"no input given for " + options.output.wstring());
-    if (options.transparent && options.mode == PixelMode::Monochrome)
-        throw UsageError(L"--transparent has no meaning with --mode 1");
     return options;
 }
 

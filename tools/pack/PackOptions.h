@@ -14,14 +14,17 @@
 namespace vantrel::tools {
 
 struct PackOptions {
-    PixelMode mode = PixelMode::Rgb565;
-    std::string title; // in the ANSI code page
+    std::optional<PixelMode> mode;
+    std::optional<std::string> title; // in the ANSI code page
     std::optional<Color> transparent;
     bool force = false;
     bool dither = true;
     bool rotate = true;                        // as an input's orientation says
     std::vector<std::filesystem::path> inputs; // as typed; empty: the blank default picture
     std::filesystem::path output;
+    bool each = false;              // one file per input, in the folder `out`
+    std::filesystem::path out;      // empty: the current one
+    bool hasPictureOptions = false; // any that changes what frames look like
 };
 
 // Throws UsageError.

@@ -3,125 +3,156 @@
 #include "tools/pack/InputList.h"
 #include "tools/pack/PictureReader.h"
 #include "tools/pack/RowEncoder.h"
+#include "tools/pack/ZmiReader.h"
 #include "tools/picture/PaletteBuilder.h"
-#include "tools/terminal/Console.h"
+#include "tools/terminal/Failure.h"
 
-#include <algorithm>
-#include <memory>
-#include <utility>
+#include <optional>
 
 namespace vantrel::tools {
 
-namespace {
+Packer::Packer(const PackOptions& options)
+    : options_(options), factory_(CreateWicFactory()), inputs_(ListInputs(*factory_.Get(), options.inputs)),
+      guard_(options.force), mode_(ChooseMode()),
+      progress_(inputs_.size() * (mode_ == PixelMode::Indexed ? 3 : 2)) {
+    for (const auto& input : inputs_)
+        guard_.Protect(input);
+    if (options.transparent && mode_ == PixelMode::Monochrome)
+        throw UsageError(L"--transparent has no meaning with --mode 1");
+}
 
-// Roughly the number of bytes of pixels held in memory at a time, however large a picture is.
-constexpr std::size_t bandBytes = 1U << 20;
+// Without the option, that of the inputs if all of them are ZMI files of one mode.
+PixelMode Packer::ChooseMode() const {
+    std::optional<PixelMode> common = options_.mode;
+    for (const auto& input : inputs_) {
+        if (options_.mode)
+            break;
+        if (options_.each || !IsZmiName(input))
+            return PixelMode::Rgb565;
+        const PixelMode mode = ZmiReader(input).Mode();
+        if (common.value_or(mode) != mode)
+            return PixelMode::Rgb565;
+        common = mode;
+    }
+    return common.value_or(PixelMode::Rgb565);
+}
 
-// Walks over the frames of all inputs, as often as needed, and shows progress. One input is open at a time;
-// if there is only one, it stays open.
-class FrameWalk {
-public:
-    FrameWalk(ComPtr<IWICImagingFactory> factory, std::vector<std::filesystem::path> inputs,
-              const PackOptions& options, std::size_t passes)
-        : factory_(std::move(factory)), inputs_(std::move(inputs)), options_(options),
-          progress_(inputs_.size() * passes) {}
-
-    // Calls visit for each frame.
-    template <class Visit>
-    void Frames(Visit visit) {
-        for (const std::filesystem::path& input : inputs_) {
-            progress_.Step(input.wstring());
-            if (open_ != &input) {
-                reader_.reset();
-                reader_ = std::make_unique<PictureReader>(factory_, input, options_.rotate);
-                open_ = &input;
-            }
-            for (unsigned i = 0; i < reader_->FrameCount(); ++i)
-                visit(reader_->Frame(i), i);
+template <class Visit>
+void Packer::WalkFrames(Inputs inputs, Visit visit) {
+    for (const std::filesystem::path& input : inputs) {
+        progress_.Step(input.wstring());
+        if (open_ != &input) {
+            open_ = nullptr;
+            source_.reset();
+            if (!IsZmiName(input))
+                source_ = std::make_unique<PictureReader>(factory_, input, options_.rotate);
+            else
+                source_ = std::make_unique<ZmiReader>(input, options_.transparent ? std::nullopt
+                                                                                  : std::optional(mode_));
+            open_ = &input;
         }
+        for (unsigned i = 0; i < source_->FrameCount(); ++i)
+            visit(*source_, i);
     }
+}
 
-    // Calls begin for each frame, then visit for all of its rows, made opaque, several at a time.
-    template <class Begin, class Visit>
-    void Rows(Begin begin, Visit visit) {
-        Frames([&](PictureFrame frame, std::uint64_t index) {
-            begin(frame);
-            const std::size_t width = frame.Width();
-            const unsigned height = frame.Height();
-            const auto bandRows =
-                static_cast<unsigned>(std::max(bandBytes / (width * sizeof(Color)), std::size_t{1}));
-            for (unsigned y = 0; y < height; y += bandRows) {
-                progress_.Part(index * height + y, std::uint64_t{reader_->FrameCount()} * height);
-                band_.resize(width * std::min(bandRows, height - y));
-                frame.ReadRows(y, band_);
-                MakeOpaque(band_, options_.transparent);
-                visit(std::span<const Color>(band_));
-            }
+template <class Begin, class Visit>
+void Packer::WalkRows(Inputs inputs, const ZmiContent& content, Begin begin, Visit visit) {
+    std::size_t number = 0;
+    WalkFrames(inputs, [&](FrameSource& source, unsigned index) {
+        const ZmiFrame& frame = content.frames.at(number++);
+        begin(frame);
+        std::uint64_t done = std::uint64_t{index} * frame.height;
+        source.ReadRows(index, [&](std::span<Color> rows) {
+            // Otherwise the source has made them opaque or transparent.
+            if ((options_.transparent || !frame.transparentKey) && Flatten(rows, options_.transparent))
+                NoteLoss(mode_ == PixelMode::Monochrome
+                             ? L"transparent parts are filled with white"
+                             : L"transparent parts are filled with white; --transparent keeps them");
+            visit(rows);
+            done += rows.size() / frame.width;
+            progress_.Part(done, std::uint64_t{source.FrameCount()} * frame.height);
         });
-    }
-
-private:
-    ComPtr<IWICImagingFactory> factory_;
-    std::vector<std::filesystem::path> inputs_;
-    const PackOptions& options_;
-    Progress progress_;
-    std::unique_ptr<PictureReader> reader_;
-    const std::filesystem::path* open_ = nullptr; // the input being read
-    std::vector<Color> band_;
-};
-
-} // namespace
-
-ZmiContent Pack(const PackOptions& options) {
-    const ComPtr<IWICImagingFactory> factory = CreateWicFactory();
-    std::vector<std::filesystem::path> inputs = ListInputs(*factory.Get(), options.inputs);
-    OutputGuard guard(options.force);
-    for (const auto& input : inputs)
-        guard.Protect(input);
-    guard.Check(options.output, FileKind::Zmi, NameOrigin::Typed);
-
-    const bool indexed = options.mode == PixelMode::Indexed;
-    FrameWalk walk(factory, std::move(inputs), options, indexed ? 3 : 2);
-    ZmiContent content;
-    content.title = options.title;
-    content.mode = options.mode;
-    walk.Frames([&](const PictureFrame& frame, unsigned) {
-        content.frames.push_back({.width = frame.Width(), .height = frame.Height()});
     });
-    ZmiFileSize(content); // rejects an impossible file before the long part
+}
 
-    bool dither = options.dither;
-    std::optional<PaletteSearch> table;
-    if (indexed) {
-        PaletteBuilder builder(options.transparent);
-        walk.Rows([](const PictureFrame&) {}, [&](std::span<const Color> band) { builder.Add(band); });
-        table = builder.Build();
-        content.palette = table->Entries();
+ZmiContent Packer::Pack(Inputs inputs, const std::filesystem::path& output, NameOrigin origin) {
+    guard_.Check(output, FileKind::Zmi, origin);
+    ZmiContent content;
+    content.mode = mode_;
+    std::optional<std::string> title = options_.title;
+    std::optional<std::uint32_t> key;
+    if (options_.transparent)
+        key = ToRgb565(*options_.transparent);
+    std::uint64_t bytes = 0;
+    WalkFrames(inputs, [&](FrameSource& source, unsigned index) {
+        if (!title)
+            title = source.Title();
+        if (source.LacksFrames())
+            NoteLoss(L"it has more frames, which this system's decoder does not deliver");
+        const SourceFrame frame = source.Frame(index);
+        content.frames.push_back({frame.width, frame.height, key});
+        if (frame.key)
+            content.frames.back().transparentKey = frame.key;
+        bytes += PixelByteCount(mode_, frame.width, frame.height);
+        CheckZmiLimits(content.frames.size() + source.FrameCount() - index - 1, bytes);
+    });
+    content.title = title.value_or("");
+
+    bool dither = options_.dither;
+    std::optional<PaletteSearch> palette;
+    if (mode_ == PixelMode::Indexed) {
+        PaletteBuilder builder;
+        WalkRows(
+            inputs, content, [&](const ZmiFrame& frame) { builder.StartFrame(frame.transparentKey); },
+            [&](std::span<const Color> rows) { builder.Add(rows); });
+        palette = builder.Build();
+        content.palette = palette->Entries();
         dither = dither && !builder.IsExact();
+        for (ZmiFrame& frame : content.frames)
+            if (frame.transparentKey)
+                frame.transparentKey = palette->KeyIndex(static_cast<std::uint16_t>(*frame.transparentKey));
     }
 
-    RowEncoder encoder(options.mode, table ? &*table : nullptr, options.transparent, dither);
-    if (options.transparent)
-        content.transparentKey = encoder.TransparentKey();
-
-    OutputFile output(options.output, FileKind::Zmi, guard);
-    ZmiWriter writer(output, content);
+    OutputFile file(output, FileKind::Zmi, guard_, origin);
+    ZmiWriter writer(file, content);
+    RowEncoder encoder(mode_, palette ? &*palette : nullptr, dither);
     std::size_t width = 0;
-    std::vector<std::byte> bytes;
-    walk.Rows(
-        [&](const PictureFrame& frame) {
-            width = frame.Width();
-            encoder.StartFrame(frame.Width());
+    std::vector<std::byte> encoded;
+    WalkRows(
+        inputs, content,
+        [&](const ZmiFrame& frame) {
+            width = frame.width;
+            encoder.StartFrame(frame.width, frame.transparentKey);
         },
-        [&](std::span<const Color> band) {
-            bytes.clear();
-            for (; !band.empty(); band = band.subspan(width))
-                encoder.Encode(band.first(width), bytes);
-            writer.WriteRows(bytes);
+        [&](std::span<const Color> rows) {
+            encoded.clear();
+            for (; !rows.empty(); rows = rows.subspan(width))
+                encoder.Encode(rows.first(width), encoded);
+            writer.WriteRows(encoded);
         });
     writer.Finish();
-    output.Commit();
+    file.Commit();
     return content;
+}
+
+void Packer::ChangeTitle() {
+    OutputFile file(options_.output, FileKind::Zmi, guard_);
+    ZmiReader(inputs_.front()).CopyWithTitle(*options_.title, file);
+    file.Commit();
+}
+
+void Packer::NoteLoss(const wchar_t* what) {
+    std::vector<std::wstring>& inputs = losses_[what];
+    if (inputs.empty() || inputs.back() != open_->wstring())
+        inputs.push_back(open_->wstring());
+}
+
+void Packer::PrintLosses() const {
+    for (const auto& [what, inputs] : losses_)
+        PrintError(L"zmi-pack: " + inputs.front() +
+                   (inputs.size() > 1 ? L" and " + Grouped(inputs.size() - 1) + L" more" : L"") + L": " +
+                   what);
 }
 
 } // namespace vantrel::tools

@@ -18,6 +18,9 @@ constexpr unsigned largestSide = std::numeric_limits<std::uint16_t>::max();
 constexpr std::size_t stripBytes = 1U << 27;
 constexpr std::size_t chunkBytes = 1U << 20;
 
+// A decoder may hold all of a picture when asked for part of its rows, as Wine's does.
+constexpr std::uint64_t mostTurnedPixels = 1U << 28;
+
 } // namespace
 
 PictureFrame::PictureFrame(CopyArea copyArea, UINT width, UINT height, Orientation orientation,
@@ -26,6 +29,9 @@ PictureFrame::PictureFrame(CopyArea copyArea, UINT width, UINT height, Orientati
     if (width == 0 || height == 0 || width > largestSide || height > largestSide)
         throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
                       L" pixels; a ZMI frame must have 1 to 65535 in each direction");
+    if (orientation != Orientation{} && std::uint64_t{width} * height > mostTurnedPixels)
+        throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
+                      L" pixels are too many to turn upright; --no-rotate packs them as stored");
     width_ = static_cast<std::uint16_t>(orientation.transposed ? height : width);
     height_ = static_cast<std::uint16_t>(orientation.transposed ? width : height);
 }

@@ -16,6 +16,7 @@
 
 namespace vantrel::tools {
 
+// Turned upright by hand, since WIC's own rotator answers E_NOTIMPL under Wine 8.
 class PictureFrame {
 public:
     // Copies an area of the stored picture, row by row.

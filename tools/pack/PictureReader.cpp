@@ -1,6 +1,8 @@
 #include "tools/pack/PictureReader.h"
 
-#include "tools/terminal/LongPath.h"
+#include "tools/inspection/ZmiFile.h"
+#include "tools/pack/StoredFacts.h"
+#include "tools/terminal/Failure.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,30 +11,58 @@ namespace vantrel::tools {
 
 PictureReader::PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path,
                              bool rotate)
-    : picture_(std::move(factory), path) {
+    : picture_(std::move(factory), path), lacksFrames_(HasMoreFrames(path, picture_.FrameCount())) {
     if (picture_.Is(GUID_ContainerFormatGif)) {
         canvas_.emplace(picture_);
         const WicFrame first = picture_.Frame(0);
         if (FrameCount() == 1 && first.Width() == canvas_->Width() && first.Height() == canvas_->Height())
             canvas_.reset(); // nothing to compose, so no memory is needed for the whole canvas
     }
-    if (rotate && picture_.Is(GUID_ContainerFormatJpeg))
-        orientation_ = OrientationFromExif(ReadJpegOrientation(LongPath(path)));
-    rotateFrames_ = rotate && picture_.Is(GUID_ContainerFormatTiff);
+    if (picture_.Is(GUID_ContainerFormatIco)) {
+        constexpr unsigned mostIcons = 1000;
+        if (picture_.FrameCount() > mostIcons)
+            throw Failure(picture_.Name() + L": an .ico file of " + Grouped(picture_.FrameCount()) +
+                          L" pictures; at most " + Grouped(mostIcons) + L" are read");
+        icon_ = FindLargestIcon(path, picture_.FrameCount());
+    }
+    if (rotate && (picture_.Is(GUID_ContainerFormatJpeg) || picture_.Is(GUID_ContainerFormatTiff)))
+        orientations_ = ReadOrientations(path, picture_.FrameCount());
 }
 
-PictureFrame PictureReader::Frame(unsigned index) {
+SourceFrame PictureReader::Frame(unsigned index) {
+    const PictureFrame frame = Displayed(index);
+    return {.width = frame.Width(), .height = frame.Height()};
+}
+
+void PictureReader::ReadRows(unsigned index, const RowsTaker& take) {
+    PictureFrame frame = Displayed(index);
+    const std::size_t width = frame.Width();
+    const unsigned height = frame.Height();
+    const auto bandRows =
+        static_cast<unsigned>(std::max(bandBytes / (width * sizeof(Color)), std::size_t{1}));
+    std::vector<Color> band;
+    for (unsigned y = 0; y < height; y += bandRows) {
+        band.resize(width * std::min(bandRows, height - y));
+        frame.ReadRows(y, band);
+        take(band);
+    }
+}
+
+PictureFrame PictureReader::Displayed(unsigned index) {
     if (canvas_)
         return {[this, index](const WICRect& area, std::span<Color> pixels) {
                     const auto row = static_cast<std::size_t>(area.Y) * canvas_->Width();
                     std::ranges::copy(canvas_->Show(index).subspan(row, pixels.size()), pixels.begin());
                 },
-                canvas_->Width(), canvas_->Height(), orientation_, picture_.Name()};
+                canvas_->Width(),
+                canvas_->Height(),
+                {},
+                picture_.Name()};
 
-    const WicFrame frame = picture_.Frame(index);
+    const WicFrame frame = picture_.Frame(icon_.value_or(index));
     return {[frame](const WICRect& area, std::span<Color> pixels) { frame.CopyPixels(area, pixels); },
             frame.Width(), frame.Height(),
-            rotateFrames_ ? OrientationFromExif(frame.Number(L"/ifd/{ushort=274}")) : orientation_,
+            index < orientations_.size() ? OrientationFromExif(orientations_[index]) : Orientation{},
             frame.Name()};
 }
 

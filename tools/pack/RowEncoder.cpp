@@ -1,6 +1,7 @@
 #include "tools/pack/RowEncoder.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel::tools {
 
@@ -22,26 +23,27 @@ std::uint8_t AddError(int channel, int sixteenths) {
 
 } // namespace
 
-void MakeOpaque(std::span<Color> pixels, std::optional<Color> transparent) {
+bool Flatten(std::span<Color> pixels, std::optional<Color> transparent) {
+    bool isFilled = false;
     for (Color& pixel : pixels) {
-        if (!transparent)
-            pixel = {.blue = OverWhite(pixel.blue, pixel.alpha),
-                     .green = OverWhite(pixel.green, pixel.alpha),
-                     .red = OverWhite(pixel.red, pixel.alpha),
-                     .alpha = 255};
-        else if (pixel.alpha < 128)
-            pixel = *transparent;
-        pixel.alpha = 255;
+        const unsigned alpha = std::exchange(pixel.alpha, std::uint8_t{255});
+        if (transparent) {
+            if (alpha < 128 || pixel == *transparent)
+                pixel = {transparent->blue, transparent->green, transparent->red, 0};
+        } else if (alpha < 255) {
+            isFilled = true;
+            for (std::uint8_t* channel : {&pixel.blue, &pixel.green, &pixel.red})
+                *channel = OverWhite(*channel, alpha);
+        }
     }
+    return isFilled;
 }
 
-RowEncoder::RowEncoder(PixelMode mode, PaletteSearch* table, std::optional<Color> transparent, bool dither)
-    : mode_(mode), table_(table), transparent_(transparent), dither_(dither) {
-    if (transparent_)
-        transparentKey_ = table_ ? table_->KeyIndex() : ToRgb565(*transparent_);
-}
+RowEncoder::RowEncoder(PixelMode mode, PaletteSearch* palette, bool dither)
+    : mode_(mode), palette_(palette), dither_(dither) {}
 
-void RowEncoder::StartFrame(std::uint16_t width) {
+void RowEncoder::StartFrame(std::uint16_t width, std::optional<std::uint32_t> transparentKey) {
+    transparentKey_ = transparentKey;
     thisRow_.assign(width + std::size_t{2}, Error{});
     nextRow_ = thisRow_;
 }
@@ -50,8 +52,8 @@ void RowEncoder::Encode(std::span<const Color> row, std::vector<std::byte>& byte
     std::ranges::fill(nextRow_, Error{});
     unsigned packed = 0;
     for (std::size_t x = 0; x < row.size(); ++x) {
-        std::uint32_t value = transparentKey_;
-        if (!transparent_ || row[x] != *transparent_) {
+        std::uint32_t value = transparentKey_.value_or(0);
+        if (row[x].alpha != 0) {
             const Color source = mode_ == PixelMode::Monochrome ? ToGray(row[x]) : row[x];
             const Error& error = thisRow_[x + 1];
             const Color wanted = {.blue = AddError(source.blue, error[0]),
@@ -95,13 +97,13 @@ std::uint16_t RowEncoder::Choose(Color color, Color& shown) {
         return black ? 1 : 0;
     }
     case PixelMode::Indexed: {
-        const std::uint8_t index = table_->NearestIndex(ToRgb565(color));
-        shown = FromRgb565(table_->Entries().colors[index]);
+        const std::uint8_t index = palette_->NearestIndex(ToRgb565(color));
+        shown = FromRgb565(palette_->Entries().colors[index]);
         return index;
     }
     default:
-        const std::uint16_t rgb565 = transparent_
-                                         ? ToRgb565Except(color, static_cast<std::uint16_t>(transparentKey_))
+        const std::uint16_t rgb565 = transparentKey_
+                                         ? ToRgb565Except(color, static_cast<std::uint16_t>(*transparentKey_))
                                          : ToRgb565(color);
         shown = FromRgb565(rgb565);
         return rgb565;

@@ -30,14 +30,6 @@ unsigned MetadataNumber(Described& described, const wchar_t* query) {
 
 } // namespace
 
-ComPtr<IWICImagingFactory> CreateWicFactory() {
-    ComPtr<IWICImagingFactory> factory;
-    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                           IID_PPV_ARGS(factory.GetAddressOf())),
-          L"Windows Imaging Component");
-    return factory;
-}
-
 WicFrame::WicFrame(IWICImagingFactory& factory, ComPtr<IWICBitmapFrameDecode> frame, std::wstring name)
     : frame_(std::move(frame)), name_(std::move(name)) {
     CheckRead(frame_->GetSize(&width_, &height_), name_);

@@ -2,22 +2,13 @@
 #pragma once
 
 #include "tools/picture/Rgb565.h"
-
-#include <windows.h>
-
-#include <wincodec.h>
-#include <wrl/client.h>
+#include "tools/picture/WicFactory.h"
 
 #include <filesystem>
 #include <span>
 #include <string>
 
 namespace vantrel::tools {
-
-using Microsoft::WRL::ComPtr;
-
-// WIC's factory. COM must be initialised on the thread. Throws Failure.
-ComPtr<IWICImagingFactory> CreateWicFactory();
 
 // One frame. All operations but Number throw Failure.
 class WicFrame {

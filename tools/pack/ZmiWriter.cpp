@@ -1,5 +1,6 @@
 #include "tools/pack/ZmiWriter.h"
 
+#include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
 
 #include <algorithm>
@@ -29,15 +30,15 @@ Layout LayOut(const ZmiContent& content) {
     if (content.palette)
         layout.pixels += sizeof(Palette);
     layout.trailer = layout.pixels;
-    for (const FrameSize size : content.frames)
-        layout.trailer += PixelByteCount(content.mode, size.width, size.height);
+    for (const ZmiFrame& frame : content.frames)
+        layout.trailer += PixelByteCount(content.mode, frame.width, frame.height);
     return layout;
 }
 
-std::uint8_t FrameFlags(const ZmiContent& content) {
+std::uint8_t FrameFlags(const ZmiContent& content, const ZmiFrame& frame) {
     constexpr unsigned modeShift = 3; // the reverse of ModeOf
     return static_cast<std::uint8_t>(static_cast<unsigned>(content.mode) << modeShift |
-                                     (content.transparentKey ? transparencyFlag : 0U));
+                                     (frame.transparentKey ? transparencyFlag : 0U));
 }
 
 template <class T>
@@ -47,15 +48,20 @@ void Put(OutputFile& output, const T& structure) {
 
 } // namespace
 
-std::uint32_t ZmiFileSize(const ZmiContent& content) {
+void CheckZmiLimits(std::size_t frames, std::uint64_t bytes) {
     constexpr std::size_t mostFrames = std::numeric_limits<std::uint16_t>::max();
-    if (content.frames.size() > mostFrames)
-        throw Failure(L"there are " + std::to_wstring(content.frames.size()) +
-                      L" frames; a ZMI file holds at most " + std::to_wstring(mostFrames));
+    constexpr std::uint64_t mostBytes = std::numeric_limits<std::int32_t>::max();
+    if (frames > mostFrames)
+        throw Failure(L"there are " + Grouped(frames) + L" frames or more; a ZMI file holds at most " +
+                      Grouped(mostFrames));
+    if (bytes > mostBytes)
+        throw Failure(L"the ZMI file would have " + Grouped(bytes) +
+                      L" bytes or more; it must stay below 2 GiB (" + Grouped(mostBytes + 1) + L" bytes)");
+}
+
+std::uint32_t ZmiFileSize(const ZmiContent& content) {
     const std::uint64_t size = LayOut(content).trailer + sizeof zmiTrailer;
-    if (size > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
-        throw Failure(L"the ZMI file would have " + std::to_wstring(size) +
-                      L" bytes; it must stay below 2 GiB (2147483648 bytes)");
+    CheckZmiLimits(content.frames.size(), size);
     return static_cast<std::uint32_t>(size);
 }
 
@@ -74,16 +80,17 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
     Put(output_, fileHeader);
 
     const bool blank = content.frames.empty();
+    const ZmiFrame first = blank ? ZmiFrame{blankDefaultWidth, blankDefaultHeight} : content.frames.front();
     ImageHeader imageHeader = {};
     std::copy_n(content.title.begin(), std::min(content.title.size(), longestTitle), imageHeader.text);
     imageHeader.pixelOffset = static_cast<std::uint32_t>(blank                    ? 0
                                                          : HasFrameTable(content) ? layout.frameTable
                                                                                   : layout.pixels);
     imageHeader.paletteOffset = static_cast<std::uint32_t>(content.palette ? layout.palette : 0);
-    imageHeader.transparentKey = content.transparentKey.value_or(0);
-    imageHeader.flags = blank ? blankDefaultFlag : FrameFlags(content);
-    imageHeader.width = blank ? blankDefaultWidth : content.frames.front().width;
-    imageHeader.height = blank ? blankDefaultHeight : content.frames.front().height;
+    imageHeader.transparentKey = first.transparentKey.value_or(0);
+    imageHeader.flags = blank ? blankDefaultFlag : FrameFlags(content, first);
+    imageHeader.width = first.width;
+    imageHeader.height = first.height;
     if (HasFrameTable(content))
         imageHeader.flags |= frameTableFlag;
     Put(output_, imageHeader);
@@ -93,16 +100,16 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
         table.frameCount = static_cast<std::uint16_t>(content.frames.size());
         Put(output_, table);
         std::uint64_t offset = layout.pixels;
-        for (const FrameSize size : content.frames) {
+        for (const ZmiFrame& frame : content.frames) {
             FrameRecord record = {};
             record.frameDataOffset = static_cast<std::uint32_t>(offset);
             record.paletteNumber = imageHeader.paletteOffset;
-            record.transparentKey = imageHeader.transparentKey;
-            record.flags = FrameFlags(content);
-            record.width = size.width;
-            record.height = size.height;
+            record.transparentKey = frame.transparentKey.value_or(0);
+            record.flags = FrameFlags(content, frame);
+            record.width = frame.width;
+            record.height = frame.height;
             Put(output_, record);
-            offset += PixelByteCount(content.mode, size.width, size.height);
+            offset += PixelByteCount(content.mode, frame.width, frame.height);
         }
     }
     if (content.palette)

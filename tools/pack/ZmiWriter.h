@@ -16,22 +16,25 @@ namespace vantrel::tools {
 
 inline constexpr std::size_t longestTitle = sizeof(ImageHeader::text) - 1; // bytes; a zero byte ends it
 
-struct FrameSize {
+struct ZmiFrame {
     std::uint16_t width = 0; // pixels
     std::uint16_t height = 0;
+    std::optional<std::uint32_t> transparentKey{}; // 16-bit colour or index
 };
 
 // What a file contains apart from its pixels.
 struct ZmiContent {
     std::string title; // in the ANSI code page, at most longestTitle bytes
     PixelMode mode = PixelMode::Rgb565;
-    std::vector<FrameSize> frames;               // empty: the blank default picture
-    std::optional<Palette> palette;              // for indexed mode
-    std::optional<std::uint32_t> transparentKey; // 16-bit colour or index
+    std::vector<ZmiFrame> frames;   // empty: the blank default picture
+    std::optional<Palette> palette; // for indexed mode
 };
 
-// The length of the whole file in bytes. Throws Failure when it is 2 GiB or more or has more than 65,535
-// frames: readers treat positions in the file as signed 32-bit numbers and count frames in 16 bits.
+// Throws Failure when a file has 2 GiB or more, or more than 65,535 frames: readers treat positions in the
+// file as signed 32-bit numbers and count frames in 16 bits.
+void CheckZmiLimits(std::size_t frames, std::uint64_t bytes);
+
+// The length of the whole file in bytes. Throws what CheckZmiLimits throws.
 std::uint32_t ZmiFileSize(const ZmiContent& content);
 
 // All frames of an indexed picture share one table: the format's readers assign tables of later frames to the

@@ -2,12 +2,8 @@
 
 #include "support/Handles.h"
 #include "tools/picture/Rgb565.h"
+#include "tools/picture/WicFactory.h"
 #include "tools/terminal/Failure.h"
-
-#include <windows.h>
-
-#include <wincodec.h>
-#include <wrl/client.h>
 
 #include <algorithm>
 #include <array>
@@ -16,12 +12,16 @@
 
 namespace vantrel::tools {
 
-using Microsoft::WRL::ComPtr;
 using namespace std::string_view_literals;
 
 namespace {
 
-constexpr std::size_t screenSize = 6; // offset of the logical screen's width and height
+constexpr auto signature = "GIF89a"sv;
+constexpr std::size_t screenSize = signature.size(); // offset of the logical screen's width and height
+constexpr auto logicalScreen = "\0\0\0\0\x70\0\0"sv; // its size, then: 8 bits a channel, no colour table
+constexpr auto loopForever = "!\xFF\x0BNETSCAPE2.0\x03\x01\0\0\0"sv;
+constexpr auto graphicControl = "!\xF9\x04"sv;
+constexpr auto trailer = ";"sv;
 constexpr char extension = 0x21;
 constexpr char imageDescriptor = 0x2C;
 constexpr std::size_t imageDescriptorSize = 10;
@@ -41,9 +41,7 @@ void CheckEncoder(HRESULT result) {
 
 // A GIF file of this one frame.
 ComPtr<IStream> Encode(std::uint16_t width, std::uint16_t height, std::span<std::uint8_t> indices) {
-    ComPtr<IWICImagingFactory> factory;
-    CheckEncoder(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                                  IID_PPV_ARGS(factory.GetAddressOf())));
+    const ComPtr<IWICImagingFactory> factory = CreateWicFactory();
     ComPtr<IStream> stream;
     CheckEncoder(CreateStreamOnHGlobal(nullptr, TRUE, stream.GetAddressOf()));
     ComPtr<IWICBitmapEncoder> encoder;
@@ -104,8 +102,9 @@ std::string_view CompressedPixels(std::string_view file) {
 
 GifWriter::GifWriter(OutputFile& output, unsigned delayMilliseconds)
     : output_(output), delay_((delayMilliseconds + 5) / 10) {
-    // The size is filled in once it is known.
-    Put(output_, "GIF89a\0\0\0\0\x70\0\0!\xFF\x0BNETSCAPE2.0\x03\x01\0\0\0"sv);
+    // The screen's size is filled in once it is known.
+    for (const std::string_view part : {signature, logicalScreen, loopForever})
+        Put(output_, part);
 }
 
 void GifWriter::AddFrame(std::uint16_t width, std::uint16_t height, std::span<std::uint8_t> indices,
@@ -113,8 +112,8 @@ void GifWriter::AddFrame(std::uint16_t width, std::uint16_t height, std::span<st
     width_ = std::max(width_, width);
     height_ = std::max(height_, height);
     constexpr char restoreToBackground = 2 << 2;
-    std::string head = {extension, '\xF9', 4,
-                        static_cast<char>(restoreToBackground | transparentIndex.has_value())};
+    std::string head(graphicControl);
+    head += static_cast<char>(restoreToBackground | transparentIndex.has_value());
     head += Number(delay_);
     head += static_cast<char>(transparentIndex.value_or(0));
     head += '\0';
@@ -139,8 +138,8 @@ void GifWriter::AddFrame(std::uint16_t width, std::uint16_t height, std::span<st
 }
 
 void GifWriter::Finish() {
-    Put(output_, ";"sv);
-    output_.Seek(screenSize);
+    Put(output_, trailer);
+    output_.Seek(screenSize, FILE_BEGIN);
     Put(output_, Number(width_) + Number(height_));
 }
 

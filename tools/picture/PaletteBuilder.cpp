@@ -109,34 +109,54 @@ void Settle(std::span<const Bin> bins, std::vector<Channels>& colors) {
 
 } // namespace
 
+void PaletteBuilder::StartFrame(std::optional<std::uint16_t> key) {
+    key_ = key;
+    if (key)
+        seen_[*key].isKey = true;
+}
+
 void PaletteBuilder::Add(std::span<const Color> pixels) {
     for (const Color pixel : pixels)
-        if (pixel != key_) {
-            Seen& seen = seen_[ToRgb565(pixel)];
+        if (pixel.alpha != 0) {
+            const std::uint16_t color = ToRgb565(pixel);
+            Seen& seen = seen_[color];
             ++seen.count;
             seen.blue += pixel.blue;
             seen.green += pixel.green;
             seen.red += pixel.red;
+            seen.needsTwoEntries |= color == key_;
         }
 }
 
-std::size_t PaletteBuilder::Distinct() const {
-    return seen_.size() - static_cast<std::size_t>(std::ranges::count(seen_, 0U, &Seen::count));
+bool PaletteBuilder::IsExact() const {
+    std::size_t entries = 0;
+    for (const Seen& seen : seen_)
+        entries += (seen.count > 0 || seen.isKey ? 1U : 0U) + (seen.needsTwoEntries ? 1U : 0U);
+    return entries <= paletteEntries;
 }
 
 PaletteSearch PaletteBuilder::Build() const {
-    const std::vector<std::uint16_t> colors = Choose();
-    return {colors, key_ ? std::optional(ToRgb565(*key_)) : std::nullopt};
+    const bool isExact = IsExact();
+    std::vector<std::uint16_t> colors;
+    std::vector<std::uint16_t> keys;
+    for (std::size_t i = 0; i < seen_.size(); ++i) {
+        const auto color = static_cast<std::uint16_t>(i);
+        const Seen& seen = seen_[i];
+        if (isExact && (seen.count > 0 || seen.isKey))
+            colors.push_back(color);
+        if (isExact ? seen.needsTwoEntries : seen.isKey && keys.empty())
+            keys.push_back(color);
+    }
+    if (!isExact)
+        colors = Reduce(paletteEntries - keys.size());
+    return {colors, keys, !isExact};
 }
 
-std::vector<std::uint16_t> PaletteBuilder::Choose() const {
-    std::vector<std::uint16_t> chosen;
+std::vector<std::uint16_t> PaletteBuilder::Reduce(std::size_t room) const {
     std::vector<Bin> bins;
-    for (std::size_t color = 0; color < seen_.size(); ++color) {
-        const Seen& seen = seen_[color];
+    for (const Seen& seen : seen_) {
         if (seen.count == 0)
             continue;
-        chosen.push_back(static_cast<std::uint16_t>(color));
         const auto count = static_cast<double>(seen.count);
         const auto mean = [&](std::uint64_t sum) {
             return static_cast<float>(static_cast<double>(sum) / count);
@@ -144,15 +164,13 @@ std::vector<std::uint16_t> PaletteBuilder::Choose() const {
         bins.push_back({.color = {mean(seen.blue), mean(seen.green), mean(seen.red)},
                         .weight = static_cast<float>(count)});
     }
-    if (chosen.size() <= Room())
+    std::vector<std::uint16_t> chosen;
+    if (bins.empty())
         return chosen;
-
-    std::vector<Channels> colors = SplitByVariance(bins, Room());
+    std::vector<Channels> colors = SplitByVariance(bins, room);
     constexpr int passes = 6; // more gain almost nothing
     for (int i = 0; i < passes; ++i)
         Settle(bins, colors);
-
-    chosen.clear();
     for (const Channels& color : colors)
         chosen.push_back(ToRgb565({.blue = static_cast<std::uint8_t>(std::lround(color[0])),
                                    .green = static_cast<std::uint8_t>(std::lround(color[1])),

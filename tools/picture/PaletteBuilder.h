@@ -16,13 +16,16 @@ namespace vantrel::tools {
 // with the least total error. Not WIC's palette, which is coarser and differs between Wine and Windows.
 class PaletteBuilder {
 public:
-    explicit PaletteBuilder(std::optional<Color> key) : key_(key), seen_(65536) {}
+    PaletteBuilder() : seen_(65536) {}
 
-    // Opaque pixels; those of exactly the key's colour are ignored.
+    // The key is the frame's transparent colour, if it has one.
+    void StartFrame(std::optional<std::uint16_t> key);
+    // Pixels of the frame, either opaque or, with alpha 0, transparent.
     void Add(std::span<const Color> pixels);
 
-    // True when each pixel's 16-bit colour has its own entry in the table.
-    bool IsExact() const { return Distinct() <= Room(); }
+    // True when each 16-bit colour has its own entry, and a second one if a frame uses it both for opaque and
+    // for transparent pixels. Otherwise all transparent pixels share an entry.
+    bool IsExact() const;
     PaletteSearch Build() const;
 
 private:
@@ -32,14 +35,14 @@ private:
         std::uint64_t blue = 0;
         std::uint64_t green = 0;
         std::uint64_t red = 0;
+        bool isKey = false; // of any frame
+        bool needsTwoEntries = false;
     };
 
-    std::size_t Room() const { return paletteEntries - (key_ ? 1U : 0U); }
-    std::size_t Distinct() const;
-    std::vector<std::uint16_t> Choose() const;
+    std::vector<std::uint16_t> Reduce(std::size_t room) const;
 
-    std::optional<Color> key_;
-    std::vector<Seen> seen_; // by 16-bit colour
+    std::optional<std::uint16_t> key_; // of this frame
+    std::vector<Seen> seen_;           // by 16-bit colour
 };
 
 } // namespace vantrel::tools

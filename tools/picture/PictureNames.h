@@ -1,4 +1,4 @@
-// The names of the PNG files that a run writes into one folder.
+// The names of the pictures that a run writes into one folder.
 #pragma once
 
 #include <filesystem>
@@ -10,7 +10,8 @@ namespace vantrel::tools {
 class PictureNames {
 public:
     // An empty folder is the current one.
-    explicit PictureNames(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    explicit PictureNames(std::filesystem::path folder, std::wstring extension = L".png")
+        : folder_(std::move(folder)), extension_(std::move(extension)) {}
 
     // Reserves the name of another output of the run.
     void Reserve(const std::filesystem::path& file);
@@ -25,6 +26,7 @@ private:
     };
 
     std::filesystem::path folder_;
+    std::wstring extension_;
     std::set<std::wstring, IgnoreCase> taken_; // absolute
 };
 

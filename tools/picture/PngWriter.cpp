@@ -6,18 +6,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
-#include <iterator>
 #include <span>
 #include <string_view>
 
 namespace vantrel::tools {
 
-using Microsoft::WRL::ComPtr;
-
 namespace {
 
-// The signature and the IHDR chunk, which texts may follow.
-constexpr std::uint64_t pngStart = 8 + 25;
+constexpr std::int64_t endChunkSize = 12;
 
 std::uint32_t Crc32(std::string_view bytes) {
     std::uint32_t crc = 0xFFFFFFFF;
@@ -34,6 +30,12 @@ std::string BigEndian(std::uint32_t number) {
             static_cast<char>(number)};
 }
 
+// Its type is the first four bytes.
+std::string Chunk(const std::string& typeAndData) {
+    return BigEndian(static_cast<std::uint32_t>(typeAndData.size() - 4)) + typeAndData +
+           BigEndian(Crc32(typeAndData));
+}
+
 // Plain text where possible, since more readers support it.
 std::string TextChunk(const PngText& text) {
     const std::wstring visible = Visible(text.text);
@@ -41,26 +43,17 @@ std::string TextChunk(const PngText& text) {
     std::string chunk = isPlain ? "tEXt" : "iTXt";
     chunk += text.keyword;
     chunk.append(isPlain ? 1 : 5, '\0'); // not compressed, no language, no translated keyword
-    chunk += ToUtf8(visible);
-    return BigEndian(static_cast<std::uint32_t>(chunk.size() - 4)) + chunk + BigEndian(Crc32(chunk));
+    return Chunk(chunk + ToUtf8(visible));
 }
 
 } // namespace
 
-// The stream that WIC writes to: inserts the texts after the header, which WIC can't do under Wine. Not
-// destroyed by its last Release.
+// The output as WIC writes to it. Not destroyed by its last Release.
 class PngWriter::Stream final : public IStream {
 public:
-    Stream(OutputFile& output, const std::vector<PngText>& texts) : output_(output) {
-        for (const PngText& text : texts)
-            texts_ += TextChunk(text);
-    }
+    explicit Stream(OutputFile& output) : output_(output) {}
 
-    void WriteTexts() {
-        output_.Seek(pngStart);
-        output_.Write(std::as_bytes(std::span(texts_)));
-    }
-    // From the last failed write; no exception may pass through WIC.
+    // What the last failed call threw, since no exception may pass through WIC.
     std::exception_ptr Failed() const { return failed_; }
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
@@ -73,41 +66,22 @@ public:
     STDMETHODIMP_(ULONG) Release() override { return 1; }
 
     STDMETHODIMP Write(const void* bytes, ULONG count, ULONG* written) override {
-        if (written)
-            *written = 0;
-        try {
-            for (auto rest = std::span(static_cast<const std::byte*>(bytes), count); !rest.empty();) {
-                const bool isStart = position_ < pngStart;
-                const auto part = rest.first(
-                    isStart ? std::min<std::size_t>(rest.size(), pngStart - position_) : rest.size());
-                output_.Seek(isStart ? position_ : position_ + texts_.size());
-                output_.Write(part);
-                position_ += part.size();
-                rest = rest.subspan(part.size());
-            }
-        } catch (...) {
-            failed_ = std::current_exception();
-            return E_FAIL;
-        }
-        size_ = std::max(size_, position_);
-        if (written)
-            *written = count;
-        return S_OK;
+        return Try([&] {
+            output_.Write({static_cast<const std::byte*>(bytes), count});
+            if (written)
+                *written = count;
+        });
     }
     STDMETHODIMP Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* position) override {
-        const std::uint64_t base = origin == STREAM_SEEK_SET   ? 0
-                                   : origin == STREAM_SEEK_CUR ? position_
-                                                               : size_;
-        position_ = base + static_cast<std::uint64_t>(distance.QuadPart);
-        if (position)
-            position->QuadPart = position_;
-        return S_OK;
+        return Try([&] {
+            const std::uint64_t reached = output_.Seek(distance.QuadPart, origin);
+            if (position)
+                position->QuadPart = reached;
+        });
     }
     STDMETHODIMP Stat(STATSTG* facts, DWORD) override {
         *facts = {};
         facts->type = STGTY_STREAM;
-        facts->cbSize.QuadPart = size_;
-        facts->grfMode = STGM_WRITE;
         return S_OK;
     }
     STDMETHODIMP SetSize(ULARGE_INTEGER) override { return S_OK; }
@@ -122,21 +96,28 @@ public:
     STDMETHODIMP Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
+    template <class Work>
+    HRESULT Try(const Work& work) {
+        try {
+            work();
+            return S_OK;
+        } catch (...) {
+            failed_ = std::current_exception();
+            return E_FAIL;
+        }
+    }
+
     OutputFile& output_;
-    std::string texts_;
-    std::uint64_t position_ = 0; // as WIC counts, not including the texts
-    std::uint64_t size_ = 0;
     std::exception_ptr failed_;
 };
 
 PngWriter::PngWriter(OutputFile& output, unsigned width, unsigned height, bool isOpaque,
                      const std::vector<PngText>& texts)
-    : width_(width), isOpaque_(isOpaque), stream_(std::make_unique<Stream>(output, texts)),
+    : output_(output), width_(width), isOpaque_(isOpaque), stream_(std::make_unique<Stream>(output)),
       row_(std::size_t{width} * (isOpaque ? 3 : 4)) {
-    ComPtr<IWICImagingFactory> factory;
-    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                           IID_PPV_ARGS(factory.GetAddressOf())));
-    Check(factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder_.GetAddressOf()));
+    for (const PngText& text : texts)
+        texts_ += TextChunk(text);
+    Check(CreateWicFactory()->CreateEncoder(GUID_ContainerFormatPng, nullptr, encoder_.GetAddressOf()));
     Check(encoder_->Initialize(stream_.get(), WICBitmapEncoderNoCache));
     Check(encoder_->CreateNewFrame(frame_.GetAddressOf(), nullptr));
     Check(frame_->Initialize(nullptr));
@@ -166,7 +147,10 @@ void PngWriter::WriteRow(const std::uint32_t* words) {
 void PngWriter::Finish() {
     Check(frame_->Commit());
     Check(encoder_->Commit());
-    stream_->WriteTexts();
+    // PNG allows texts anywhere in front of its end, and WIC under Wine can't write any.
+    output_.Seek(-endChunkSize, FILE_END);
+    texts_ += Chunk("IEND");
+    output_.Write(std::as_bytes(std::span(texts_)));
 }
 
 void PngWriter::Check(HRESULT result) const {

@@ -1,12 +1,8 @@
-// PNG files, written row by row through the Windows Imaging Component.
+// PNG files, written row by row.
 #pragma once
 
+#include "tools/picture/WicFactory.h"
 #include "tools/terminal/OutputFile.h"
-
-#include <windows.h>
-
-#include <wincodec.h>
-#include <wrl/client.h>
 
 #include <cstdint>
 #include <memory>
@@ -41,11 +37,13 @@ private:
 
     void Check(HRESULT result) const;
 
+    OutputFile& output_;
     unsigned width_;
     bool isOpaque_;
     std::unique_ptr<Stream> stream_; // outlives the encoder, which refers to it
-    Microsoft::WRL::ComPtr<IWICBitmapEncoder> encoder_;
-    Microsoft::WRL::ComPtr<IWICBitmapFrameEncode> frame_;
+    std::string texts_;
+    ComPtr<IWICBitmapEncoder> encoder_;
+    ComPtr<IWICBitmapFrameEncode> frame_;
     std::vector<BYTE> row_;
 };
 

@@ -1,6 +1,9 @@
 #include "tools/picture/Rgb565.h"
 
+#include "codec/PixelConversion.h"
+
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <utility>
 
@@ -8,28 +11,25 @@ namespace vantrel::tools {
 
 namespace {
 
-template <unsigned bits>
-constexpr std::uint8_t Expand(unsigned level) {
-    constexpr unsigned highest = (1U << bits) - 1;
-    return static_cast<std::uint8_t>(level == highest ? 255U : level << (8 - bits));
-}
-
-// For each of the 256 values of a channel, the level that is displayed closest to it.
-template <unsigned bits>
-constexpr std::array<std::uint8_t, 256> MakeNearest() {
+// For each of the 256 values of a channel, which starts at this bit, the level that is displayed closest to
+// it.
+constexpr std::array<std::uint8_t, 256> MakeNearest(unsigned levels, unsigned firstBit) {
+    const auto shown = [&](unsigned level) {
+        return static_cast<int>(ExpandRgb565(static_cast<std::uint16_t>(level << firstBit)) >>
+                                (firstBit == 0 ? 0 : 8));
+    };
     std::array<std::uint8_t, 256> nearest{};
     unsigned level = 0;
-    for (unsigned value = 0; value < nearest.size(); ++value) {
-        if (level + 1 < (1U << bits) && Expand<bits>(level + 1) - value < value - Expand<bits>(level) &&
-            value > Expand<bits>(level))
+    for (int value = 0; value < 256; ++value) {
+        if (level + 1 < levels && shown(level + 1) - value < value - shown(level))
             ++level;
-        nearest[value] = static_cast<std::uint8_t>(level);
+        nearest[static_cast<std::size_t>(value)] = static_cast<std::uint8_t>(level);
     }
     return nearest;
 }
 
-constexpr auto nearest5 = MakeNearest<5>();
-constexpr auto nearest6 = MakeNearest<6>();
+constexpr auto nearest5 = MakeNearest(32, 0);
+constexpr auto nearest6 = MakeNearest(64, 5);
 
 static_assert(nearest5[4] == 0 && nearest5[5] == 1 && nearest5[247] == 30 && nearest5[248] == 31);
 static_assert(nearest6[250] == 62 && nearest6[252] == 63 && nearest6[255] == 63);
@@ -59,17 +59,14 @@ std::uint16_t ToRgb565Except(Color color, std::uint16_t forbidden) {
 }
 
 Color FromRgb565(std::uint16_t value) {
-    return {.blue = Expand<5>(value & 31U),
-            .green = Expand<6>(value >> 5 & 63U),
-            .red = Expand<5>(value >> 11 & 31U),
-            .alpha = 255};
+    return std::bit_cast<Color>(0xFF000000 | ExpandRgb565(value));
 }
 
 int Distance(Color a, Color b) {
     const int red = a.red - b.red;
     const int green = a.green - b.green;
     const int blue = a.blue - b.blue;
-    return 3 * red * red + 6 * green * green + blue * blue;
+    return red * red + green * green + blue * blue;
 }
 
 } // namespace vantrel::tools

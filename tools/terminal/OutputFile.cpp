@@ -63,18 +63,16 @@ void OutputFile::Write(std::span<const std::byte> bytes) {
         if (!WriteFile(handle_.get(), bytes.data(), size, &written, nullptr))
             FailWithLastError(shown_.wstring() + L": cannot be written");
         bytes = bytes.subspan(written);
-        position_ += written;
     }
 }
 
-void OutputFile::Seek(std::uint64_t offset) {
-    if (offset == position_)
-        return;
-    LARGE_INTEGER position{};
-    position.QuadPart = static_cast<LONGLONG>(offset);
-    if (!SetFilePointerEx(handle_.get(), position, nullptr, FILE_BEGIN))
+std::uint64_t OutputFile::Seek(std::int64_t distance, DWORD origin) {
+    LARGE_INTEGER wanted{};
+    LARGE_INTEGER reached{};
+    wanted.QuadPart = distance;
+    if (!SetFilePointerEx(handle_.get(), wanted, &reached, origin))
         FailWithLastError(shown_.wstring() + L": cannot be written");
-    position_ = offset;
+    return static_cast<std::uint64_t>(reached.QuadPart);
 }
 
 void OutputFile::Commit() {

@@ -24,8 +24,8 @@ public:
 
     // Writes bytes at the current position. Throws Failure.
     void Write(std::span<const std::byte> bytes);
-    // Throws Failure.
-    void Seek(std::uint64_t offset);
+    // Moves the position, counted from FILE_BEGIN, FILE_CURRENT or FILE_END, and returns it. Throws Failure.
+    std::uint64_t Seek(std::int64_t distance, DWORD origin);
     // Throws Failure, also if the guard doesn't let these bytes replace an existing file.
     void Commit();
 
@@ -40,7 +40,6 @@ private:
     std::filesystem::path temporary_;
     bool mayReplace_;
     UniqueKernelHandle handle_;
-    std::uint64_t position_ = 0; // where the next write begins
     bool committed_ = false;
 };
 

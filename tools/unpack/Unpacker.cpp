@@ -189,22 +189,24 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
         });
     };
     // Transparent pixels have one colour, with its own entry besides those of opaque pixels.
-    std::optional<Color> transparent;
+    std::optional<std::uint16_t> transparent;
     bool ok = forEachPixel([&](Color pixel) {
         if (pixel.alpha == 0)
-            transparent = pixel;
+            transparent = ToRgb565(pixel);
     });
-    PaletteBuilder builder(transparent);
+    PaletteBuilder builder;
+    builder.StartFrame(transparent);
     ok = ok && forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
     PaletteSearch table = builder.Build();
     std::vector<std::uint8_t> indices;
     indices.reserve(std::size_t{record.width} * record.height);
     ok = ok && forEachPixel([&](Color pixel) {
-             indices.push_back(pixel.alpha == 0 ? table.KeyIndex() : table.NearestIndex(ToRgb565(pixel)));
+             const std::uint16_t color = ToRgb565(pixel);
+             indices.push_back(pixel.alpha == 0 ? table.KeyIndex(color) : table.NearestIndex(color));
          });
     if (!ok)
         return false;
-    const auto key = transparent ? std::optional(table.KeyIndex()) : std::nullopt;
+    const auto key = transparent ? std::optional(table.KeyIndex(*transparent)) : std::nullopt;
     try {
         animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
     } catch (const Failure&) {

@@ -1,0 +1,107 @@
+#include "tools/pack/StoredFacts.h"
+
+#include "tools/pack/FileNumbers.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace vantrel::tools {
+
+namespace {
+
+constexpr int mostParts = 64; // what is wanted is among the first; a hostile file may have millions
+constexpr std::uint64_t tiffEntrySize = 12;
+
+// Where the directories of a TIFF structure are, but not of a BigTIFF; sets the numbers' order.
+std::vector<std::uint64_t> FindDirectories(FileNumbers& tiff, std::size_t most) {
+    std::vector<std::uint64_t> directories;
+    tiff.SetBigEndian(tiff.U16(0) == 0x4D4D);
+    if ((tiff.U16(0) != 0x4D4D && tiff.U16(0) != 0x4949) || tiff.U16(2) != 42)
+        return directories;
+    for (std::uint64_t at = tiff.U32(4); at != 0 && directories.size() < most;
+         at = tiff.U32(at + 2 + tiffEntrySize * tiff.U16(at)))
+        directories.push_back(at);
+    return directories;
+}
+
+unsigned FindOrientation(FileNumbers& tiff, std::uint64_t directory) {
+    constexpr std::uint32_t orientationTag = 0x0112;
+    constexpr std::uint32_t shortType = 3;
+    const auto end = directory + 2 + tiffEntrySize * std::min<std::uint32_t>(tiff.U16(directory), mostParts);
+    for (std::uint64_t entry = directory + 2; entry < end; entry += tiffEntrySize)
+        if (tiff.U16(entry) == orientationTag)
+            return tiff.U16(entry + 2) == shortType ? tiff.U16(entry + 8) : 1;
+    return 1;
+}
+
+// Leaves the numbers to those of the EXIF block of a JPEG file, if it has one.
+void EnterExif(FileNumbers& jpeg) {
+    constexpr std::uint32_t app1 = 0xFFE1;
+    constexpr std::uint32_t startOfScan = 0xFFDA;
+    constexpr std::uint32_t exif = 0x45786966;
+    std::uint64_t at = 2; // behind the start of the image
+    for (int i = 0; i < mostParts; ++i) {
+        const std::uint32_t marker = jpeg.U16(at);
+        const std::uint32_t length = jpeg.U16(at + 2);
+        if (marker < 0xFF00 || marker == startOfScan || length < 2)
+            return;
+        if (marker == app1 && jpeg.U32(at + 4) == exif)
+            return jpeg.EnterPart(at + 10, at + 2 + length);
+        at += 2 + length;
+    }
+}
+
+} // namespace
+
+std::vector<unsigned> ReadOrientations(const std::filesystem::path& file, unsigned count) {
+    FileNumbers numbers(file);
+    numbers.SetBigEndian(true);
+    if (numbers.U16(0) == 0xFFD8)
+        EnterExif(numbers);
+    std::vector<unsigned> orientations;
+    for (const std::uint64_t directory : FindDirectories(numbers, count))
+        orientations.push_back(FindOrientation(numbers, directory));
+    return orientations;
+}
+
+unsigned FindLargestIcon(const std::filesystem::path& file, unsigned count) {
+    FileNumbers numbers(file);
+    std::pair<std::uint32_t, std::uint32_t> most;
+    unsigned largest = 0;
+    for (unsigned i = 0; i < count; ++i) {
+        const std::uint64_t entry = 6 + std::uint64_t{16} * i;
+        const std::uint32_t sides = numbers.U16(entry) + 0xFFFF; // in a byte each, 0 for 256
+        const std::uint32_t pixels = ((sides & 255) + 1) * ((sides >> 8 & 255) + 1);
+        // Bits per pixel, in the bitmap's own header; a PNG has letters there, which count as more.
+        const std::pair found(pixels, numbers.U16(std::uint64_t{numbers.U32(entry + 12)} + 14));
+        if (found > most) {
+            most = found;
+            largest = i;
+        }
+    }
+    return largest;
+}
+
+bool HasMoreFrames(const std::filesystem::path& file, unsigned count) {
+    constexpr std::uint32_t png = 0x89504E47;
+    constexpr std::uint32_t animationControl = 0x6163544C;
+    constexpr std::uint32_t imageData = 0x49444154;
+    FileNumbers numbers(file);
+    numbers.SetBigEndian(true);
+    if (numbers.U32(0) == png) {
+        std::uint64_t at = 8;
+        for (int i = 0; i < mostParts && numbers.U32(at + 4) != imageData; ++i) {
+            if (numbers.U32(at + 4) == animationControl)
+                return numbers.U32(at + 8) > count;
+            at += 12 + std::uint64_t{numbers.U32(at)};
+        }
+        return false;
+    }
+
+    return FindDirectories(numbers, std::size_t{count} + 1).size() > count;
+}
+
+} // namespace vantrel::tools
