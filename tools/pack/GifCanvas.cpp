@@ -56,25 +56,15 @@ void GifCanvas::Draw(const WicFrame& frame) {
         beneath_.reserve(std::size_t{columns} * rows);
     }
 
-    constexpr std::size_t chunkPixels = 1U << 18;
-    const auto chunkRows = static_cast<UINT>(std::max(chunkPixels / columns, std::size_t{1}));
-    std::vector<Color> chunk;
-    for (UINT first = 0; first < rows; first += chunkRows) {
-        const UINT count = std::min(chunkRows, rows - first);
-        chunk.resize(std::size_t{columns} * count);
-        frame.CopyPixels({0, static_cast<INT>(first), static_cast<INT>(columns), static_cast<INT>(count)},
-                         chunk);
-        auto pixel = chunk.begin();
-        for (UINT row = first; row < first + count; ++row) {
-            const std::span<Color> target = CoveredRow(row);
-            if (disposal_ == restoreWhatWasBeneath)
-                beneath_.insert(beneath_.end(), target.begin(), target.end());
-            for (Color& color : target) {
-                if (pixel->alpha != 0)
-                    color = *pixel;
-                ++pixel;
-            }
-        }
+    std::vector<Color> drawn(columns);
+    for (UINT row = 0; row < rows; ++row) {
+        frame.CopyPixels({0, static_cast<INT>(row), static_cast<INT>(columns), 1}, drawn);
+        const std::span<Color> target = CoveredRow(row);
+        if (disposal_ == restoreWhatWasBeneath)
+            beneath_.insert(beneath_.end(), target.begin(), target.end());
+        for (UINT i = 0; i < columns; ++i)
+            if (drawn[i].alpha != 0)
+                target[i] = drawn[i];
     }
 }
 

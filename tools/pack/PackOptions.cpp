@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cwctype>
+#include <cwchar>
 #include <utility>
 
 namespace vantrel::tools {
@@ -27,16 +27,10 @@ PixelMode ParseMode(const std::wstring& text) {
 
 Color ParseColor(const std::wstring& text) {
     const std::wstring_view digits = text.starts_with(L'#') ? std::wstring_view(text).substr(1) : text;
-    std::uint32_t value = 0;
-    bool valid = digits.size() == 6;
-    for (const wchar_t digit : digits) {
-        const auto place = std::wstring_view(L"0123456789abcdef").find(static_cast<wchar_t>(towlower(digit)));
-        valid = valid && place != std::wstring_view::npos;
-        value = value << 4 | static_cast<std::uint32_t>(place & 15);
-    }
-    if (!valid)
+    if (digits.size() != 6 || digits.find_first_not_of(L"0123456789abcdefABCDEF") != std::wstring_view::npos)
         throw UsageError(L"--transparent needs a colour as RRGGBB, for example ff00ff, not \"" + text +
                          L"\"");
+    const unsigned long value = std::wcstoul(digits.data(), nullptr, 16);
     return {.blue = static_cast<std::uint8_t>(value),
             .green = static_cast<std::uint8_t>(value >> 8),
             .red = static_cast<std::uint8_t>(value >> 16),

@@ -1,7 +1,7 @@
-// One frame of a picture as displayed: upright, composed, in 32bppBGRA, row by row.
+// One frame of a picture as displayed: upright, composed, in 32bppBGRA.
 #pragma once
 
-#include "tools/pack/Orientation.h"
+#include "tools/pack/FrameSource.h"
 #include "tools/picture/Rgb565.h"
 
 #include <windows.h>
@@ -12,9 +12,17 @@
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace vantrel::tools {
+
+// How the stored picture becomes the one displayed: mirrored first, then rows and columns are swapped.
+struct Orientation {
+    bool mirroredX = false;
+    bool mirroredY = false;
+    bool transposed = false;
+
+    bool operator==(const Orientation&) const = default;
+};
 
 // Turned upright by hand, since WIC's own rotator answers E_NOTIMPL under Wine 8.
 class PictureFrame {
@@ -31,20 +39,13 @@ public:
     std::uint16_t Width() const { return width_; }
     std::uint16_t Height() const { return height_; }
 
-    // Fills rows with whole rows, starting at the given one, top to bottom. Fast if called with the same
-    // number of rows each time, in order.
-    void ReadRows(unsigned firstRow, std::span<Color> rows);
+    void ReadRows(const RowsTaker& take) const;
 
 private:
-    void FillStrip(unsigned firstRow, unsigned count);
-
     CopyArea copyArea_;
     Orientation orientation_;
     std::uint16_t width_ = 0;
     std::uint16_t height_ = 0;
-    // Upright rows of a picture that is stored rotated or mirrored.
-    std::vector<Color> strip_;
-    unsigned stripFirst_ = 0;
 };
 
 } // namespace vantrel::tools

@@ -35,17 +35,7 @@ SourceFrame PictureReader::Frame(unsigned index) {
 }
 
 void PictureReader::ReadRows(unsigned index, const RowsTaker& take) {
-    PictureFrame frame = Displayed(index);
-    const std::size_t width = frame.Width();
-    const unsigned height = frame.Height();
-    const auto bandRows =
-        static_cast<unsigned>(std::max(bandBytes / (width * sizeof(Color)), std::size_t{1}));
-    std::vector<Color> band;
-    for (unsigned y = 0; y < height; y += bandRows) {
-        band.resize(width * std::min(bandRows, height - y));
-        frame.ReadRows(y, band);
-        take(band);
-    }
+    Displayed(index).ReadRows(take);
 }
 
 PictureFrame PictureReader::Displayed(unsigned index) {
@@ -62,8 +52,7 @@ PictureFrame PictureReader::Displayed(unsigned index) {
     const WicFrame frame = picture_.Frame(icon_.value_or(index));
     return {[frame](const WICRect& area, std::span<Color> pixels) { frame.CopyPixels(area, pixels); },
             frame.Width(), frame.Height(),
-            index < orientations_.size() ? OrientationFromExif(orientations_[index]) : Orientation{},
-            frame.Name()};
+            index < orientations_.size() ? orientations_[index] : Orientation{}, frame.Name()};
 }
 
 } // namespace vantrel::tools

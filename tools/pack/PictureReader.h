@@ -32,7 +32,7 @@ private:
     std::optional<GifCanvas> canvas_;
     std::optional<unsigned> icon_; // the only frame wanted
     bool lacksFrames_;
-    std::vector<unsigned> orientations_; // of the first frames; the others are upright
+    std::vector<Orientation> orientations_; // of the first frames; the others are upright
 };
 
 } // namespace vantrel::tools

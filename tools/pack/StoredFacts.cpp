@@ -1,16 +1,53 @@
 #include "tools/pack/StoredFacts.h"
 
-#include "tools/pack/FileNumbers.h"
+#include "tools/terminal/LongPath.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
+#include <limits>
 #include <utility>
 #include <vector>
 
 namespace vantrel::tools {
 
 namespace {
+
+// Unsigned numbers at any place in a file; 0 where the file or the part has ended.
+class FileNumbers {
+public:
+    explicit FileNumbers(const std::filesystem::path& file) : stream_(LongPath(file), std::ios::binary) {}
+
+    // From now on, offsets count from `begin`, and there is nothing from `end` on.
+    void EnterPart(std::uint64_t begin, std::uint64_t end) {
+        begin_ = begin;
+        size_ = end - begin;
+    }
+    void SetBigEndian(bool bigEndian) { bigEndian_ = bigEndian; }
+
+    std::uint32_t U16(std::uint64_t at) { return Read(at, 2); }
+    std::uint32_t U32(std::uint64_t at) { return Read(at, 4); }
+
+private:
+    std::uint32_t Read(std::uint64_t at, unsigned count) {
+        std::array<char, 4> bytes{};
+        stream_.clear();
+        if (at + count > size_ || !stream_.seekg(static_cast<std::streamoff>(begin_ + at)) ||
+            !stream_.read(bytes.data(), count))
+            return 0;
+        std::uint32_t number = 0;
+        for (unsigned i = 0; i < count; ++i)
+            number = number << 8 | static_cast<unsigned char>(bytes[bigEndian_ ? i : count - 1 - i]);
+        return number;
+    }
+
+    std::ifstream stream_;
+    std::uint64_t begin_ = 0;
+    std::uint64_t size_ = std::numeric_limits<std::int64_t>::max();
+    bool bigEndian_ = true;
+};
 
 constexpr int mostParts = 64; // what is wanted is among the first; a hostile file may have millions
 constexpr std::uint64_t tiffEntrySize = 12;
@@ -27,14 +64,26 @@ std::vector<std::uint64_t> FindDirectories(FileNumbers& tiff, std::size_t most) 
     return directories;
 }
 
-unsigned FindOrientation(FileNumbers& tiff, std::uint64_t directory) {
+Orientation FindOrientation(FileNumbers& tiff, std::uint64_t directory) {
+    constexpr auto byNumber = std::to_array<Orientation>({
+        {},
+        {.mirroredX = true},
+        {.mirroredX = true, .mirroredY = true},
+        {.mirroredY = true},
+        {.transposed = true},
+        {.mirroredY = true, .transposed = true},
+        {.mirroredX = true, .mirroredY = true, .transposed = true},
+        {.mirroredX = true, .transposed = true},
+    });
     constexpr std::uint32_t orientationTag = 0x0112;
     constexpr std::uint32_t shortType = 3;
     const auto end = directory + 2 + tiffEntrySize * std::min<std::uint32_t>(tiff.U16(directory), mostParts);
     for (std::uint64_t entry = directory + 2; entry < end; entry += tiffEntrySize)
-        if (tiff.U16(entry) == orientationTag)
-            return tiff.U16(entry + 2) == shortType ? tiff.U16(entry + 8) : 1;
-    return 1;
+        if (const std::uint32_t number = tiff.U16(entry + 8); tiff.U16(entry) == orientationTag &&
+                                                              tiff.U16(entry + 2) == shortType &&
+                                                              number >= 1 && number <= byNumber.size())
+            return byNumber[number - 1];
+    return {};
 }
 
 // Leaves the numbers to those of the EXIF block of a JPEG file, if it has one.
@@ -56,12 +105,11 @@ void EnterExif(FileNumbers& jpeg) {
 
 } // namespace
 
-std::vector<unsigned> ReadOrientations(const std::filesystem::path& file, unsigned count) {
+std::vector<Orientation> ReadOrientations(const std::filesystem::path& file, unsigned count) {
     FileNumbers numbers(file);
-    numbers.SetBigEndian(true);
     if (numbers.U16(0) == 0xFFD8)
         EnterExif(numbers);
-    std::vector<unsigned> orientations;
+    std::vector<Orientation> orientations;
     for (const std::uint64_t directory : FindDirectories(numbers, count))
         orientations.push_back(FindOrientation(numbers, directory));
     return orientations;
@@ -69,6 +117,7 @@ std::vector<unsigned> ReadOrientations(const std::filesystem::path& file, unsign
 
 unsigned FindLargestIcon(const std::filesystem::path& file, unsigned count) {
     FileNumbers numbers(file);
+    numbers.SetBigEndian(false);
     std::pair<std::uint32_t, std::uint32_t> most;
     unsigned largest = 0;
     for (unsigned i = 0; i < count; ++i) {
@@ -90,7 +139,6 @@ bool HasMoreFrames(const std::filesystem::path& file, unsigned count) {
     constexpr std::uint32_t animationControl = 0x6163544C;
     constexpr std::uint32_t imageData = 0x49444154;
     FileNumbers numbers(file);
-    numbers.SetBigEndian(true);
     if (numbers.U32(0) == png) {
         std::uint64_t at = 8;
         for (int i = 0; i < mostParts && numbers.U32(at + 4) != imageData; ++i) {

@@ -1,14 +1,16 @@
 // What picture files say about themselves and WIC does not pass on.
 #pragma once
 
+#include "tools/pack/PictureFrame.h"
+
 #include <filesystem>
 #include <vector>
 
 namespace vantrel::tools {
 
-// EXIF's numbers for the orientation of a JPEG file or of the pages of a TIFF file; fewer than this count if
-// there are no more. Wine's JPEG decoder has no metadata, and its TIFF decoder crashes on broken ones.
-std::vector<unsigned> ReadOrientations(const std::filesystem::path& file, unsigned count);
+// The orientation of a JPEG file or of the pages of a TIFF file; fewer than this count if there are no more.
+// Wine's JPEG decoder has no metadata, and its TIFF decoder crashes on broken ones.
+std::vector<Orientation> ReadOrientations(const std::filesystem::path& file, unsigned count);
 
 // The index of the largest of this many pictures in an .ico file; of equals, the first with the most colours.
 unsigned FindLargestIcon(const std::filesystem::path& file, unsigned count);

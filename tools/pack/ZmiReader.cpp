@@ -1,6 +1,5 @@
 #include "tools/pack/ZmiReader.h"
 
-#include "tools/pack/FileNumbers.h"
 #include "tools/pack/ZmiWriter.h"
 #include "tools/picture/PaletteSearch.h"
 #include "tools/terminal/Failure.h"
@@ -71,9 +70,13 @@ SourceFrame ZmiReader::Frame(unsigned index) {
         return facts;
     if (Mode() == PixelMode::Rgb565 && key <= 0xFFFF)
         facts.key = static_cast<std::uint16_t>(key);
-    if (Mode() == PixelMode::Indexed && key < paletteEntries)
-        facts.key = static_cast<std::uint16_t>(
-            FileNumbers(path_).U16(frame.paletteOffset + key * std::uint64_t{sizeof(std::uint16_t)}));
+    if (Mode() == PixelMode::Indexed && key < paletteEntries) {
+        std::uint16_t color = 0;
+        std::ifstream stream(LongPath(path_), std::ios::binary);
+        stream.seekg(frame.paletteOffset + key * std::streamoff{sizeof color});
+        stream.read(reinterpret_cast<char*>(&color), sizeof color);
+        facts.key = color;
+    }
     return facts;
 }
 

@@ -1,6 +1,8 @@
 // The Windows Imaging Component, which reads and writes all picture files but ZMI.
 #pragma once
 
+#include "tools/terminal/Failure.h"
+
 #include <windows.h>
 
 #include <wincodec.h>
@@ -11,6 +13,12 @@ namespace vantrel::tools {
 using Microsoft::WRL::ComPtr;
 
 // COM must be initialised on the thread. Throws Failure.
-ComPtr<IWICImagingFactory> CreateWicFactory();
+inline ComPtr<IWICImagingFactory> CreateWicFactory() {
+    ComPtr<IWICImagingFactory> factory;
+    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                           IID_PPV_ARGS(factory.GetAddressOf())),
+          L"Windows Imaging Component");
+    return factory;
+}
 
 } // namespace vantrel::tools
