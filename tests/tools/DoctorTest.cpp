@@ -85,23 +85,23 @@ const struct {
     {[](auto& f) { f.values[binding].user.text = f.classes[thumbnail].answer.emplace(L"{0}"); },
      {LR"([default value] is "{0}", not "{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}". Fix: run)"}},
     {[](auto& f) { CopyToMachine(f, false), f.isExplorerElevated = true; },
-     {LR"(warn this user's registration (HKCU) hides 27 of the machine's values (HKLM). Fix: run regsvr32 /u "C:\V\)"}},
+     {LR"(warn this user's registration (HKCU) hides 27 of the machine-wide registry values (HKLM). Fix: run regsvr32 /u "C:\V\)"}},
     {[](auto& f) { CopyToMachine(f, false), f.values[threading].user.text = L"Both"; },
-     {LR"(fail this user's registration (HKCU) hides 27 of the machine's values (HKLM); HKCU\Software\Classes\CLSID\{E)"
+     {LR"(fail this user's registration (HKCU) hides 27 of the machine-wide registry values (HKLM); HKCU\Software\Classes\CLSID\{E)"
       LR"(1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32 [ThreadingModel] is "Both", not "Apartment". Fix: run )"
       LR"(regsvr32 /u)"}},
     {[](auto& f) {
          CopyToMachine(f, true), f.values[server].user = {ERROR_SUCCESS, other};
          f.servers.push_back({other});
      },
-     {LR"(fail this user's registration (HKCU) hides 1 of the machine's values (HKLM); HKCU names C:\W\)",
+     {LR"(fail this user's registration (HKCU) hides 1 of the machine-wide registry values (HKLM); HKCU names C:\W\)",
       LR"(come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run regsvr32 /u)"}},
     {[](auto& f) {
          CopyToMachine(f, true), f.values[server].user = {ERROR_SUCCESS, other};
          f.values[threading].user = {ERROR_SUCCESS};
          f.servers.push_back({other, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)});
      },
-     {L"hides 2 of the machine's values (HKLM); HKCU names",
+     {L"hides 2 of the machine-wide registry values (HKLM); HKCU names",
       LR"(fail C:\W\Vantrel64.dll, registered for the thumbnail handler, is not found. Fix: run regsvr32 /u)"}},
     {[](auto& f) { f.values[server].user.text = other, f.servers.push_back({other}); },
      {LR"(fail the five handlers come from two libraries, C:\V\Vantrel64.dll and C:\W\Vantrel64.dll. Fix: run)"}},
@@ -251,6 +251,8 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     for (const auto& [key, name, data, isForMachine] : ExpectedRegistration())
         set(isForMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER, key, name,
             data.empty() ? Beside(L"Vantrel64.dll") : data);
+    set(HKEY_CURRENT_USER, classes + LR"(CLSID\{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}\InProcServer32)",
+        nullptr, Beside(L"VANTREL64.DLL")); // another spelling, not another library
     set(HKEY_CURRENT_USER, classes + L".zmi", L"QuickTip", L"1");
     set(HKEY_LOCAL_MACHINE, classes + L".zmi", L"TileInfo", L"prop:Dimensions;Size");
     set(HKEY_CURRENT_USER, classes + LR"(CLSID\{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32)",
@@ -272,7 +274,7 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     for (const std::wstring& line : Told(facts))
         told += line + L'\n';
     for (const wchar_t* part :
-         {L"[QuickTip] is of the wrong type", L"hides 1 of the machine's values",
+         {L"[QuickTip] is of the wrong type", L"hides 1 of the machine-wide registry values",
           L"fail shell32.dll is registered without its folder for the thumbnail handler",
           L"the program Y has its own icon", L"fail a policy turns thumbnails off (HKLM",
           L"icon handler is blocked", L"empty: the folder contains no .zmi files",
@@ -280,6 +282,7 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
           L"frameless.zmi: the frame table at offset 167 contains no frames", L"300 x 1 pixels is too thin"})
         EXPECT_TRUE(told.find(part) != std::wstring::npos) << testing::PrintToString(part);
 
+    EXPECT_EQ(std::wstring::npos, told.find(L"two libraries"));
     const ToolRun run = Run(Beside(L"zmi-preview.exe"), {L"--doctor", L"none.zmi"});
     run.Ended(1);
     EXPECT_TRUE(Contains(run.out, "[fail] none.zmi: not found\n       Fix: check the name and the folder\n"));

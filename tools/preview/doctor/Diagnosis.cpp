@@ -37,7 +37,7 @@ const std::wstring packageName = L"Vantrel64-" VANTREL_VERSION L"-x64";
 const std::wstring chooseProgram = L"choose another program under \"Open with\"";
 const std::wstring useInstaller = L"install Vantrel64 with its installer, which registers it for the machine";
 const std::wstring replaceLibrary = L"replace it with the one in " + packageName + L".zip";
-// Rewrites all files and all of the machine's values, whatever their versions.
+// Rewrites all files and all machine-wide registry values, whatever the files' versions.
 const std::wstring repairInstallation =
     L"as administrator, in the installer's folder, run msiexec /i " + packageName +
     L".msi REINSTALL=ALL REINSTALLMODE=amus; install it if Apps doesn't list Vantrel64 " VANTREL_VERSION;
@@ -125,7 +125,7 @@ Diagnosis::Diagnosis(const DoctorFacts& facts) : facts_(facts) {
             library = server.path;
     library = Quoted(library);
     registerAgain_ = machineValues_ ? repairInstallation : L"run regsvr32 " + library;
-    unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine's registration stays";
+    unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine-wide registration stays";
 }
 
 std::vector<Finding> Diagnosis::Findings() {
@@ -229,7 +229,8 @@ void Diagnosis::CheckHiding() {
     if (count > 0)
         Add(difference.empty() ? Health::Warn : Health::Fail,
             L"this user's registration (HKCU) hides " + std::to_wstring(count) +
-                L" of the machine's values (HKLM)" + (difference.empty() ? L"" : L"; " + difference),
+                L" of the machine-wide registry values (HKLM)" +
+                (difference.empty() ? L"" : L"; " + difference),
             unhide_);
 }
 
