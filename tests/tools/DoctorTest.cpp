@@ -69,7 +69,7 @@ const struct {
     {[](auto& f) {
          for (ValueFacts& value : f.values)
              value.user = {};
-         f.servers = {};
+         f.servers = {}, f.infoTip = L"";
      },
      {L"fail the library is registered neither for this user (HKCU) nor for the machine (HKLM). Fix: "
       L"install"}},
