@@ -114,13 +114,14 @@ const struct {
      {L"fail Vantrel64.dll is registered without its folder for the thumbnail handler, so what Windows "
       L"finds depends on the program. Fix: run regsvr32"}},
     {[](auto& f) { f.servers[0].created[icon] = f.classes[icon].created.emplace(E_OUTOFMEMORY); },
-     {L"registered for 5 handlers, can't create the icon handler: "}},
+     {L"registered for all five handlers, can't create the icon handler: "}},
     {[](auto& f) { f.ownLibrary.reset(), f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); },
-     {LR"(fail C:\V\Vantrel64.dll, registered for 5 handlers, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
+     {LR"(fail C:\V\Vantrel64.dll, registered for all five handlers, is not found. Fix: run regsvr32 "...\Vantrel64.dll")"}},
     {[](auto& f) { f.servers[0].loaded = HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT); },
-     {L"registered for 5 handlers, is not a 64-bit library. Fix: replace it with the one in Vantrel64-"}},
+     {L"registered for all five handlers, is not a 64-bit library. Fix: replace it with the one in "
+      L"Vantrel64-"}},
     {[](auto& f) { CopyToMachine(f, true), f.servers[0].created[thumbnail] = CLASS_E_CLASSNOTAVAILABLE; },
-     {L"registered for 5 handlers, is another library, not Vantrel64. Fix: as administrator, in the "
+     {L"registered for all five handlers, is another library, not Vantrel64. Fix: as administrator, in the "
       L"installer's folder"}},
     {[](auto& f) { f.ownLibrary = other; },
      {LR"(warn the registered library is C:\V\Vantrel64.dll, not C:\W\Vantrel64.dll. Fix: run regsvr32 "C:\W\)"}},

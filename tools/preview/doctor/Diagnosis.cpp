@@ -269,21 +269,23 @@ void Diagnosis::CheckLibraries() {
         const bool isRegistered = !kinds.empty();
         const bool isHiding = std::any_of(kinds.begin(), kinds.end(),
                                           [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
-        const std::wstring fault = FaultOf(server, isRegistered ? kinds : everyKind);
-        const std::wstring classes =
-            kinds.size() == 1 ? L"the " + NameOf(kinds[0]) : std::to_wstring(kinds.size()) + L" handlers";
+        const std::vector<HandlerKind>& asked = isRegistered ? kinds : everyKind;
+        const std::wstring fault = FaultOf(server, asked);
+        const std::wstring handlers = asked == everyKind  ? L"all five handlers"
+                                      : asked.size() == 1 ? L"the " + NameOf(asked[0])
+                                                          : std::to_wstring(asked.size()) + L" handlers";
         if (isRegistered && !HasFolder(server)) {
             Add(Health::Fail,
-                server.path + L" is registered without its folder for " + classes +
+                server.path + L" is registered without its folder for " + handlers +
                     L", so what Windows finds depends on the program",
                 isHiding ? unhide_ : registerAgain_);
         } else if (fault.empty()) {
-            Add(Health::Ok, server.path + L" creates all five handlers");
+            Add(Health::Ok, server.path + L" creates " + handlers);
             if (isRegistered)
                 registered.push_back(server.path);
         } else if (isRegistered) {
             const bool isOwn = facts_.ownLibrary && IsSame(server.path, *facts_.ownLibrary);
-            Add(Health::Fail, server.path + L", registered for " + classes + L"," + fault,
+            Add(Health::Fail, server.path + L", registered for " + handlers + L"," + fault,
                 isHiding                   ? unhide_
                 : isOwn && !machineValues_ ? replaceLibrary
                                            : registerAgain_);
