@@ -2,10 +2,15 @@
 
 #include <windows.h>
 
-#include <gdiplus/gdiplus.h>
-
 #include <algorithm>
 #include <stdexcept>
+
+// Some SDKs' GDI+ headers call min and max, which NOMINMAX leaves undefined.
+namespace Gdiplus {
+using std::max;
+using std::min;
+} // namespace Gdiplus
+#include <gdiplus.h>
 
 namespace vantrel::bench {
 

@@ -9,7 +9,11 @@ namespace {
 
 constexpr double exponentGoal = 0.1;
 constexpr double peerGoal = 0.97; // a peer may be faster by this factor
-constexpr unsigned libraryKibibytesGoal = __GNUC__ < 14 ? 256 : 288;
+#if defined(__GNUC__) && __GNUC__ >= 14
+constexpr unsigned libraryKibibytesGoal = 288;
+#else
+constexpr unsigned libraryKibibytesGoal = 256;
+#endif
 
 std::vector<double> Times(const Growth& growth, double PairedTimes::*time) {
     std::vector<double> times;

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -13,13 +12,14 @@ namespace vantrel {
 // Starts at a cache line, which makes reading files into it cheaper, and default-initialises what resize()
 // adds: it is overwritten at once, and zeroing it first would cost as much.
 template <class T>
-struct ReadBufferAllocator : std::allocator<T> {
+struct ReadBufferAllocator {
+    using value_type = T;
     static constexpr std::align_val_t alignment{64};
 
+    ReadBufferAllocator() = default;
     template <class U>
-    struct rebind {
-        using other = ReadBufferAllocator<U>;
-    };
+    ReadBufferAllocator(const ReadBufferAllocator<U>&) noexcept {}
+    bool operator==(const ReadBufferAllocator&) const = default;
 
     T* allocate(std::size_t count) { return static_cast<T*>(::operator new(count * sizeof(T), alignment)); }
     void deallocate(T* begin, std::size_t) noexcept { ::operator delete(begin, alignment); }

@@ -8,6 +8,7 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
     if (reason == DLL_PROCESS_ATTACH) {
         vantrel::g_moduleInstance = instance;
+        // Windows refuses this to a module with a TLS directory, which mingw-w64's runtime brings.
         DisableThreadLibraryCalls(instance);
     }
     return TRUE;
