@@ -2,6 +2,7 @@
 
 #include "benchmarks/Measurement.h"
 #include "support/IColumnProvider.h"
+#include "tests/door/ImportHook.h"
 
 #include <oleauto.h>
 #include <propsys.h>
@@ -39,35 +40,6 @@ constexpr PROPERTYKEY bitDepthKey = {imageFormatId, 7};
 void Check(HRESULT result, const char* what) {
     if (result != S_OK)
         throw std::runtime_error(std::string(what) + " failed");
-}
-
-std::uint64_t g_fileBytes;
-
-BOOL WINAPI CountingReadFile(HANDLE file, void* buffer, DWORD count, DWORD* done, OVERLAPPED* overlapped) {
-    const BOOL read = ReadFile(file, buffer, count, done, overlapped);
-    g_fileBytes += *done;
-    return read;
-}
-
-// Where a module keeps the address of a function that it imports.
-void** ImportSlot(HMODULE module, void* function) {
-    auto* const image = reinterpret_cast<std::uint8_t*>(module);
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
-    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(image + dos->e_lfanew);
-    const IMAGE_DATA_DIRECTORY& table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-    auto* const slots = reinterpret_cast<void**>(image + table.VirtualAddress);
-    for (std::size_t i = 0; i < table.Size / sizeof(void*); ++i) {
-        if (slots[i] == function)
-            return slots + i;
-    }
-    throw std::runtime_error("the library imports no ReadFile");
-}
-
-void Redirect(void** slot, void* function) {
-    DWORD protection;
-    VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
-    *slot = function;
-    VirtualProtect(slot, sizeof *slot, protection, &protection);
 }
 
 } // namespace
@@ -156,14 +128,18 @@ void Library::Column(const wchar_t* path) const {
 }
 
 std::uint64_t Library::CountFileBytes(const std::function<void()>& request) const {
-    void* const original =
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "ReadFile"));
-    void** const slot = ImportSlot(module_.get(), original);
-    g_fileBytes = 0;
-    Redirect(slot, reinterpret_cast<void*>(CountingReadFile));
+    std::uint64_t bytes = 0;
+    const tests::ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
+        module_.get(),
+        [&](auto original, HANDLE file, void* buffer, DWORD count, DWORD* done, auto overlapped) {
+            const BOOL read = original(file, buffer, count, done, overlapped);
+            bytes += *done;
+            return read;
+        });
     request();
-    Redirect(slot, original);
-    return g_fileBytes;
+    if (bytes == 0)
+        throw std::runtime_error("the library does not import ReadFile");
+    return bytes;
 }
 
 double Library::LoadTime(const std::filesystem::path& path) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
 
 // Some SDKs' GDI+ headers call min and max, which NOMINMAX leaves undefined.
 namespace Gdiplus {

@@ -141,16 +141,16 @@ private:
     }
 
     void MeasureBigFiles() {
-        const std::wstring small = folder_.Write(L"small.zmi", MakePicture(2, 64, 64).zmi);
+        const std::wstring warmUp = folder_.Write(L"warm-up.zmi", MakePicture(2, 64, 64).zmi);
         if (Wanted("8000x6000")) {
             const Picture big = MakePicture(1, 8000, 6000);
             AddThumbnail("thumbnail of 8000x6000 8-bit", 0.92, big);
-            AddWorkingSet("thumbnail of 8000x6000 8-bit", small, big, {});
+            AddWorkingSet("thumbnail of 8000x6000 8-bit", warmUp, big, {});
         }
         const Picture animation = MakeAnimation(240, 320, 240);
         AddThumbnail("thumbnail of 240 frames 320x240", 0.18, animation);
         if (Wanted("240 frames"))
-            AddWorkingSet("thumbnail of 240 frames 320x240", small, animation, 0.05);
+            AddWorkingSet("thumbnail of 240 frames 320x240", warmUp, animation, 0.05);
 
         AddProperties("three properties of the 240 frames", animation);
         AddColumn("column of the 240 frames", folder_.Write(L"animation.zmi", animation.zmi), animation);

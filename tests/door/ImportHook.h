@@ -12,7 +12,8 @@
 
 namespace vantrel::tests {
 
-// Calls visit(library name, function name, address slot) for every import by name; stops at true.
+// Calls visit(library name, function name, address slot) for every import; stops at true. The name is null
+// for an import by number, as SysAllocString is with Microsoft's linker.
 template <class Visit>
 bool VisitImports(HMODULE module, Visit visit) {
     auto* const base = reinterpret_cast<std::uint8_t*>(module);
@@ -24,16 +25,26 @@ bool VisitImports(HMODULE module, Visit visit) {
         const auto* name = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + library->OriginalFirstThunk);
         auto* slot = reinterpret_cast<void**>(base + library->FirstThunk);
         for (; name->u1.AddressOfData; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL64(name->u1.Ordinal))
-                continue;
-            const auto* const entry =
-                reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-            if (visit(reinterpret_cast<const char*>(base + library->Name),
-                      reinterpret_cast<const char*>(entry->Name), slot))
+            const char* imported = nullptr;
+            if (!IMAGE_SNAP_BY_ORDINAL64(name->u1.Ordinal))
+                imported = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData)->Name;
+            if (visit(reinterpret_cast<const char*>(base + library->Name), imported, slot))
                 return true;
         }
     }
     return false;
+}
+
+// Where a module keeps the address of a function that it imports; null if it does not import it.
+inline void** FindImport(HMODULE module, const char* function) {
+    void** found = nullptr;
+    VisitImports(module, [&](const char* library, const char* imported, void** slot) {
+        const auto address = [&] { return GetProcAddress(GetModuleHandleA(library), function); };
+        if (imported ? std::strcmp(imported, function) == 0 : *slot == reinterpret_cast<void*>(address()))
+            found = slot;
+        return found != nullptr;
+    });
+    return found;
 }
 
 template <std::size_t size>
@@ -59,12 +70,8 @@ public:
     using Function = Result (*)(Arguments...);
     using Replacement = std::function<Result(Function original, Arguments...)>;
 
-    ImportHook(HMODULE module, Replacement replacement) : replacement_(std::move(replacement)) {
-        VisitImports(module, [&](const char*, const char* imported, void** slot) {
-            if (std::strcmp(imported, name.text) == 0)
-                slot_ = slot;
-            return slot_ != nullptr;
-        });
+    ImportHook(HMODULE module, Replacement replacement)
+        : replacement_(std::move(replacement)), slot_(FindImport(module, name.text)) {
         if (!slot_)
             return;
         original_ = reinterpret_cast<Function>(*slot_);
@@ -91,7 +98,7 @@ private:
 
     static inline ImportHook* current_ = nullptr;
     Replacement replacement_;
-    void** slot_ = nullptr;
+    void** slot_;
     Function original_ = nullptr;
 };
 

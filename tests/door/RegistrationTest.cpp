@@ -6,6 +6,7 @@
 
 #include <process.h>
 
+#include <cwchar>
 #include <functional>
 #include <map>
 

@@ -15,6 +15,13 @@
 
 namespace vantrel::tests {
 
+// What the library allocates can be seen if it imports malloc. With a static C runtime, as Visual Studio's is
+// here, it does not.
+inline bool IsMemoryVisible() {
+    return FindImport(TheDll(), "malloc") != nullptr;
+}
+inline constexpr char memoryNotVisible[] = "not measurable here: the library does not import malloc";
+
 enum class Refuse { One, FromThereOn };
 
 // Active during its lifetime, for one thread at a time. Counts what the library itself acquires: memory,

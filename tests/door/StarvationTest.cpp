@@ -8,6 +8,14 @@
 namespace vantrel::tests {
 namespace {
 
+class Starvation : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!IsMemoryVisible())
+            GTEST_SKIP() << memoryNotVisible;
+    }
+};
+
 // How many of the acquired resources belong to the host afterwards.
 std::size_t HandedOut(const Answer& answer) {
     return answer.pictures.size() + (answer.text.starts_with(L"bstr:") ? 1 : 0);
@@ -69,7 +77,7 @@ const ZmiBuilder files[] = {
     {},
 };
 
-TEST(Starvation, OfAnyRequest) {
+TEST_F(Starvation, OfAnyRequest) {
     for (const ZmiBuilder& file : files) {
         TestStream stream(file.Build());
         const ScratchFile scratch(file.Build());
@@ -82,7 +90,7 @@ TEST(Starvation, OfAnyRequest) {
 }
 
 // Making its exception takes memory as well, for the message.
-TEST(Starvation, OfAFileThatRaises) {
+TEST_F(Starvation, OfAFileThatRaises) {
     TestStream stream(raisingFile.Build());
     const ScratchFile scratch(raisingFile.Build());
     for (const Request& request : StreamRequests(stream))
@@ -91,7 +99,7 @@ TEST(Starvation, OfAFileThatRaises) {
         Starve(request, request.failure);
 }
 
-TEST(Starvation, OfManyThreadsAtOnce) {
+TEST_F(Starvation, OfManyThreadsAtOnce) {
     constexpr int threadCount = 40;
     const ScratchFile scratch(files[0].Build());
     std::vector<std::vector<Request>> requests;
@@ -112,7 +120,7 @@ TEST(Starvation, OfManyThreadsAtOnce) {
         thread.join();
 }
 
-TEST(Starvation, OfCreationAndOfTakingAPath) {
+TEST_F(Starvation, OfCreationAndOfTakingAPath) {
     const std::wstring path(200, L'x');
     for (const CLSID& classId : {thumbnailProviderClass, extractImageClass, iconHandlerClass,
                                  columnProviderClass, propertyStoreClass}) {

@@ -4,6 +4,7 @@
 
 #include <psapi.h>
 
+#include <cstdio>
 #include <thread>
 
 namespace vantrel::tests {

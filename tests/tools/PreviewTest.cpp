@@ -32,8 +32,8 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
     const std::size_t payload = single.PayloadAt();
     Bytes longer = good;
     longer.push_back(0);
-    Bytes small = good;
-    small.erase(small.begin() + 112 + 54, small.end() - 4);
+    Bytes cutShort = good;
+    cutShort.erase(cutShort.begin() + 112 + 54, cutShort.end() - 4);
     const std::pair<Bytes, const char*> faults[] = {
         {{}, "the file is empty"},
         {Bytes(good.begin(), good.begin() + 111), "the file has 111 bytes, fewer than its 112-byte header"},
@@ -46,7 +46,7 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
          "the file is cut short: 1,370 of 1,371 bytes (header offsets 18 and 22)"},
         {longer, "the file is too long: 1,372 bytes instead of 1,371 (header offsets 18 and 22)"},
         {With(good, good.size() - 1, {0, 1}, 'X'), "trailer tag at offset 1,367 is not zpix"},
-        {With(small, 0, file_header::dataSize, 54), "54 bytes, fewer than its 55-byte image header"},
+        {With(cutShort, 0, file_header::dataSize, 54), "54 bytes, fewer than its 55-byte image header"},
         {With(good, payload, image_header::pixelOffset, 168),
          "outside the payload (112 to 1,367): the pixels of frame 1, 1,200 bytes at offset 168"},
         {With(good, payload, image_header::flags, 0x18), "frame 1 is in pixel mode 3"},
