@@ -48,7 +48,9 @@ TEST(FrameReader, MarksOnlyPixelsOfTheTransparentKey) {
         for (unsigned x = 0; x < 2; ++x)
             EXPECT_EQ(frames[0][x], made.ExpectedPixel(x, 0) | (isTransparent && x == 0 ? 0 : 0xFF000000))
                 << "mode " << mode << ", key " << key << ", x " << x;
-        FrameRecord record{.transparentKey = key, .flags = static_cast<std::uint8_t>(mode << 3 | 0x20)};
+        FrameRecord record{};
+        record.transparentKey = key;
+        record.flags = static_cast<std::uint8_t>(mode << 3 | 0x20);
         EXPECT_EQ(TransparentKey(record).has_value(), isTransparent) << mode << ", " << key;
     }
 }

@@ -6,6 +6,7 @@
 #include "tools/pack/ZmiReader.h"
 #include "tools/picture/PaletteBuilder.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <optional>
 

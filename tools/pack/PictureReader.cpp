@@ -3,6 +3,7 @@
 #include "tools/inspection/ZmiFile.h"
 #include "tools/pack/StoredFacts.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <utility>

@@ -46,7 +46,7 @@ void ZmiReader::CopyWithTitle(const std::string& title, OutputFile& output) {
     }
     std::array<char, sizeof ImageHeader::text> text{};
     std::ranges::copy(title, text.begin());
-    output.Seek(file_->Frames().File().dataOffset, FILE_BEGIN);
+    output.Seek(file_->Header().dataOffset, FILE_BEGIN);
     output.Write(std::as_bytes(std::span(text)));
 }
 

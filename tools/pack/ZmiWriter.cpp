@@ -2,6 +2,7 @@
 
 #include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <limits>

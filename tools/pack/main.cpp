@@ -4,6 +4,7 @@
 #include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 #include "tools/terminal/RunTool.h"
 
 #include <algorithm>
