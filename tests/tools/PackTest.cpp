@@ -177,13 +177,13 @@ TEST_F(PackTest, JoinsZmiFilesWithoutChangingAPixel) {
         ZmiBuilder two{.mode = mode, .frames = {{8, 2}}, .title = "Two", .rest = 4};
         // Each frame has its own colours and makes the first pixel's transparent, which in the second file is
         // also the opaque second pixel's.
-        one.frames[1].palette = mode == 1 ? std::optional(PatternColours(5)) : std::nullopt;
+        one.frames[1].palette = mode == 1 ? std::optional(PatternColors(5)) : std::nullopt;
         const auto value = [&](const ZmiBuilder& made, std::size_t frame, std::size_t pixel) {
             return mode == 0 ? 0 : GetField(made.Build(), made.PixelsAt(frame) + pixel * mode, {0, mode});
         };
         for (std::size_t i = 0; i < 2; ++i)
             one.frames[i].transparentKey = value(one, i, 0);
-        two.palette = PatternColours(6);
+        two.palette = PatternColors(6);
         two.transparentKey = value(two, 0, 0);
         two.palette[value(two, 0, 1) % 256] = two.palette[*two.transparentKey % 256];
         Write(L"one.zmi", one.Build());
