@@ -1,5 +1,5 @@
 # vantrel_ship(TARGET DESCRIPTION): what a program or library that ships gets beyond the options of all: a version resource,
-# from the project's version, and with mingw-w64 a list of what was linked in and a read-only import table.
+# from the project's version, and with mingw-w64 a read-only import table.
 function(vantrel_ship target description)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "EXECUTABLE")
@@ -12,10 +12,6 @@ function(vantrel_ship target description)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/Version.rc.in ${target}.rc @ONLY)
   target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 
-  if(MINGW)
-    # For ./package, which collects the notices of these libraries.
-    target_link_options(${target} PRIVATE -Wl,-Map=${CMAKE_BINARY_DIR}/${target}.map)
-  endif()
   # Before 2.41, GNU's linker leaves the import table writable, depending on the section's name.
   if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
     # Without --preserve-dates, objcopy writes the time into the header.
