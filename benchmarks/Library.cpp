@@ -2,7 +2,7 @@
 
 #include "benchmarks/Measurement.h"
 #include "support/IColumnProvider.h"
-#include "tests/door/ImportHook.h"
+#include "tests/host/ImportHook.h"
 
 #include <oleauto.h>
 #include <propsys.h>

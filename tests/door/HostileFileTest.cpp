@@ -1,8 +1,8 @@
 #include "tests/builder/ZmiMutator.h"
 #include "tests/builder/ZmiVerdict.h"
-#include "tests/door/Requests.h"
-#include "tests/door/ScratchFile.h"
-#include "tests/door/TestStream.h"
+#include "tests/host/Requests.h"
+#include "tests/host/ScratchFile.h"
+#include "tests/host/TestStream.h"
 
 #include <map>
 

@@ -1,6 +1,6 @@
 #include "support/IColumnProvider.h"
-#include "tests/door/ImportHook.h"
-#include "tests/door/TheDll.h"
+#include "tests/host/ImportHook.h"
+#include "tests/host/TheDll.h"
 
 #include <propsys.h>
 #include <shlguid.h>

@@ -1,6 +1,6 @@
 #include "tests/door/KeptRegistration.h"
-#include "tests/door/Requests.h"
-#include "tests/door/ResourceWatch.h"
+#include "tests/host/Requests.h"
+#include "tests/host/ResourceWatch.h"
 
 #include <shlobj.h>
 

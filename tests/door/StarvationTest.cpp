@@ -1,7 +1,7 @@
-#include "tests/door/Requests.h"
-#include "tests/door/ResourceWatch.h"
-#include "tests/door/ScratchFile.h"
-#include "tests/door/TestStream.h"
+#include "tests/host/Requests.h"
+#include "tests/host/ResourceWatch.h"
+#include "tests/host/ScratchFile.h"
+#include "tests/host/TestStream.h"
 
 #include <thread>
 

@@ -1,5 +1,5 @@
-#include "tests/door/Requests.h"
-#include "tests/door/TestStream.h"
+#include "tests/host/Requests.h"
+#include "tests/host/TestStream.h"
 
 namespace vantrel::tests {
 namespace {

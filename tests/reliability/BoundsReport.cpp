@@ -1,6 +1,6 @@
 // bounds_report: what each kind of request costs for hostile files, compared with the bound on memory.
-#include "tests/door/Requests.h"
-#include "tests/door/ResourceWatch.h"
+#include "tests/host/Requests.h"
+#include "tests/host/ResourceWatch.h"
 #include "tests/reliability/HostileFile.h"
 
 #include <process.h>

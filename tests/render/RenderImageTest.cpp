@@ -1,7 +1,7 @@
 #include "render/RenderImage.h"
 
-#include "tests/door/ScratchFile.h"
-#include "tests/door/TestStream.h"
+#include "tests/host/ScratchFile.h"
+#include "tests/host/TestStream.h"
 
 namespace vantrel::tests {
 

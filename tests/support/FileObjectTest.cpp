@@ -1,7 +1,7 @@
 #include "support/FileObject.h"
 
-#include "tests/door/ImportHook.h"
-#include "tests/door/ScratchFile.h"
+#include "tests/host/ImportHook.h"
+#include "tests/host/ScratchFile.h"
 
 namespace vantrel::tests {
 

@@ -285,7 +285,9 @@ void Diagnosis::CheckLibraries() {
                 registered.push_back(server.path);
         } else if (isRegistered) {
             const bool isOwn = facts_.ownLibrary && IsSame(server.path, *facts_.ownLibrary);
-            Add(Health::Fail, server.path + L", registered for " + handlers + L"," + fault,
+            std::wstring what = server.path + L", registered for ";
+            what.append(handlers).append(L",").append(fault);
+            Add(Health::Fail, std::move(what),
                 isHiding                   ? unhide_
                 : isOwn && !machineValues_ ? replaceLibrary
                                            : registerAgain_);

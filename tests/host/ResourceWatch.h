@@ -2,8 +2,8 @@
 // fail.
 #pragma once
 
-#include "tests/door/ImportHook.h"
-#include "tests/door/TheDll.h"
+#include "tests/host/ImportHook.h"
+#include "tests/host/TheDll.h"
 
 #include <algorithm>
 #include <map>

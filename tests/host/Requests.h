@@ -2,8 +2,8 @@
 #pragma once
 
 #include "support/IColumnProvider.h"
-#include "tests/door/Picture.h"
-#include "tests/door/TheDll.h"
+#include "tests/host/Picture.h"
+#include "tests/host/TheDll.h"
 
 #include <propsys.h>
 #include <shlguid.h>
