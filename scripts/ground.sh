@@ -4,6 +4,7 @@
 
 root=$(cd "$(dirname "$0")" && pwd)
 root=${root%/scripts}
+root=${root%/packaging}
 log=$root/build/setup.log
 export VANTREL_WINEPREFIX="$root/build/wine"
 export TMPDIR="$root/build/tmp" # /tmp may be small
@@ -66,8 +67,12 @@ wine() { "$root/scripts/wine" "$@"; }
 
 # Without the preloader, Debian 12's Wine can't start when its heap lies where Windows keeps a shared page (0x7ffe0000):
 # the kernel puts it there once in some 8,000 starts.
-need_wine() {
+need_wine_packages() {
     need wine wine64 wine64-preloader fonts-dejavu-core
+}
+
+need_wine() {
+    need_wine_packages
     if [ ! -e "$VANTREL_WINEPREFIX/ready" ]; then
         say "Preparing a private Wine prefix"
         rm -rf "$VANTREL_WINEPREFIX"
