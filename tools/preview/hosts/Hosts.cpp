@@ -199,14 +199,11 @@ void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
         Check(extractor->GetDateStamp(&time), L"GetDateStamp");
         SYSTEMTIME parts{};
         FileTimeToSystemTime(&time, &parts);
-        const auto write = [&](const wchar_t* format) {
-            std::array<wchar_t, 40> text{};
-            std::swprintf(text.data(), text.size(), format, parts.wYear, parts.wMonth, parts.wDay,
-                          parts.wHour, parts.wMinute, parts.wSecond);
-            return std::wstring(text.data());
-        };
-        result.text = write(L"%04u-%02u-%02u %02u:%02u:%02u UTC");
-        result.isoTime = write(L"%04u-%02u-%02uT%02u:%02u:%02uZ");
+        std::array<wchar_t, 40> text{};
+        std::swprintf(text.data(), text.size(), L"%04u-%02u-%02uT%02u:%02u:%02uZ", parts.wYear, parts.wMonth,
+                      parts.wDay, parts.wHour, parts.wMinute, parts.wSecond);
+        result.isoTime = text.data();
+        result.text = result.isoTime.substr(0, 10) + L" " + result.isoTime.substr(11, 8) + L" UTC";
     });
 }
 
