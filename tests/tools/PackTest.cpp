@@ -281,10 +281,10 @@ TEST_F(PackTest, LaysGifFramesOverEachOther) {
                              {3, 1, 0, "gg/gg"}, // and the frame sticks out of it
                              {0, 0, 0, "..../.b.."},
                              {4, 1, 0, "gg"}, // and this one is beside it
-                             {1, 1, 3, "gg"}}));
+                             {2, 1, 3, "gg"}}));
     WriteText(L"small.gif", Gif(1, 1, {{1, 0, 0, "r"}})); // more than its canvas
     const char* const seen[] = {"rrr.rrr.", "rgrbrrr.", "b...brr.", "r...rrrg",
-                                "r...rbrg", "r...rbrg", "r...rggg", ".r"};
+                                "r...rbrg", "r...rbrg", "r...rbgg", ".r"};
     for (const Arguments& inputs : {Arguments{L"a.gif", L"small.gif"}, {L"a.gif"}})
         for (const wchar_t* const mode : {L"565", L"8"}) {
             Arguments arguments = {L"--transparent", L"ffffff", L"--mode", mode};
