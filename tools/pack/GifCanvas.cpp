@@ -10,15 +10,15 @@ namespace vantrel::tools {
 namespace {
 
 constexpr std::uint64_t mostPixels = 1U << 26; // held at a time, 256 MiB of them
-constexpr auto left = L"/imgdesc/Left";
-constexpr auto top = L"/imgdesc/Top";
+constexpr auto frameLeft = L"/imgdesc/Left";
+constexpr auto frameTop = L"/imgdesc/Top";
 
 } // namespace
 
 GifCanvas::GifCanvas(const WicPicture& picture) : picture_(picture) {
     const WicFrame first = picture.Frame(0);
-    width_ = std::max(picture.Number(L"/logscrdesc/Width"), first.Number(left) + first.Width());
-    height_ = std::max(picture.Number(L"/logscrdesc/Height"), first.Number(top) + first.Height());
+    width_ = std::max(picture.Number(L"/logscrdesc/Width"), first.Number(frameLeft) + first.Width());
+    height_ = std::max(picture.Number(L"/logscrdesc/Height"), first.Number(frameTop) + first.Height());
 }
 
 std::span<const Color> GifCanvas::Show(unsigned index) {
@@ -42,8 +42,8 @@ void GifCanvas::CheckSize(std::uint64_t beneath) const {
 }
 
 void GifCanvas::Draw(const WicFrame& frame) {
-    const UINT x = std::min(frame.Number(left), width_);
-    const UINT y = std::min(frame.Number(top), height_);
+    const UINT x = std::min(frame.Number(frameLeft), width_);
+    const UINT y = std::min(frame.Number(frameTop), height_);
     const UINT columns = std::min(frame.Width(), width_ - x);
     const UINT rows = std::min(frame.Height(), height_ - y);
     covered_ = {static_cast<INT>(x), static_cast<INT>(y), static_cast<INT>(columns), static_cast<INT>(rows)};

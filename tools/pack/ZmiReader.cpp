@@ -37,12 +37,12 @@ std::optional<std::string> ZmiReader::Title() const {
 void ZmiReader::CopyWithTitle(const std::string& title, OutputFile& output) {
     std::ifstream stream(LongPath(path_), std::ios::binary);
     std::vector<char> bytes(bandBytes);
-    for (std::uint64_t left = file_->Size(); left > 0;) {
-        const std::uint64_t count = std::min<std::uint64_t>(left, bytes.size());
+    for (std::uint64_t rest = file_->Size(); rest > 0;) {
+        const std::uint64_t count = std::min<std::uint64_t>(rest, bytes.size());
         if (!stream.read(bytes.data(), static_cast<std::streamsize>(count)))
             throw Failure(path_.wstring() + L": cannot be read");
         output.Write(std::as_bytes(std::span(bytes).first(count)));
-        left -= count;
+        rest -= count;
     }
     std::array<char, sizeof ImageHeader::text> text{};
     std::ranges::copy(title, text.begin());

@@ -22,7 +22,7 @@ constexpr auto logicalScreen = "\0\0\0\0\x70\0\0"sv; // its size, then: 8 bits a
 constexpr auto loopForever = "!\xFF\x0BNETSCAPE2.0\x03\x01\0\0\0"sv;
 constexpr auto graphicControl = "!\xF9\x04"sv;
 constexpr auto trailer = ";"sv;
-constexpr char extension = 0x21;
+constexpr char extensionBlock = 0x21;
 constexpr char imageDescriptor = 0x2C;
 constexpr std::size_t imageDescriptorSize = 10;
 constexpr unsigned colorTableFlag = 0x80; // the flags' lowest three bits say how large the table is
@@ -85,7 +85,7 @@ std::string_view CompressedPixels(std::string_view file) {
     };
     constexpr std::size_t screenFlags = 10;
     skipColorTable(byte(screenFlags));
-    while (byte(at) == extension) {
+    while (byte(at) == extensionBlock) {
         at += 2;
         skipBlocks();
     }
