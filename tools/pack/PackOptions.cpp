@@ -82,10 +82,10 @@ const std::wstring_view packHelp = LR"(zmi-pack: packs pictures into ZMI files.
   zmi-pack --blank [--title TEXT] [--force] OUTPUT.zmi
 
 INPUT is a picture that Windows reads (PNG, JPEG, GIF, TIFF, ...), a ZMI file, a
-pattern such as step*.png, or a folder of pictures, in the order of their
-numbers. Several pictures, or animated ones, become a file with several frames;
+pattern such as step*.png, or a folder of pictures, in numerical order (2 before
+10). Several pictures, or animated ones, become a file with several frames;
 frames of a ZMI file in the same mode keep their colours and transparency. An
-.ico file gives its largest picture. Only with --title, a single ZMI file is
+.ico file gives its largest picture. With --title alone, a single ZMI file is
 copied as it is, with the new title.
 
   --each                packs each input into its own file, NAME.zmi
@@ -97,10 +97,11 @@ copied as it is, with the new title.
                         the first ZMI file among the inputs
   --truncate-title      cuts off a longer title
   --transparent RRGGBB  this colour is transparent, and transparent parts of an
-                        input get it instead of white; not with --mode 1
+                        input are filled with it instead of white; not with
+                        --mode 1
   --no-dither           uses each pixel's nearest colour, without mixing
   --no-rotate           keeps photos as stored, ignoring their orientation
-  --blank               the blank default picture, which needs no input
+  --blank               the blank picture, which needs no input
   --force               replaces existing files. Without it, OUTPUT.zmi may be
                         replaced if it is a ZMI file, and NAME.zmi of --each
                         only by the same bytes. An input is never replaced.

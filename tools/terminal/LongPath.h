@@ -1,4 +1,5 @@
-// Paths longer than Windows' old limit of 260 characters.
+// Paths longer than Windows' old limit of 260 characters. A manifest lifts it only where the system's
+// administrator has allowed that.
 #pragma once
 
 #include <filesystem>

@@ -118,6 +118,7 @@ void OutputFile::DiscardAll() {
     }
 }
 
+// Not create_directories: GCC's refuses long paths.
 void OutputFile::CreateFolders(const std::filesystem::path& folder) const {
     const DWORD attributes = GetFileAttributesW(folder.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) {
