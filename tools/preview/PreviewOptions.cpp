@@ -30,9 +30,9 @@ const std::wstring_view previewHelp =
   zmi-preview --doctor [--dll FILE] [--json] [FILE|PATTERN|FOLDER...]
 
 A pattern such as step*.zmi stands for the files that match it, a folder for the
-.zmi files in it. Each of the five handlers is looked up in the registry and
-called as its host calls it; pictures become NAME-256.png, NAME-icon-32.png and
-so on.
+.zmi files in it. Each of the five handlers is looked up in the registry, created
+through its library's DllGetClassObject, and asked what its hosts ask; pictures
+become NAME-256.png, NAME-icon-32.png and so on.
 
   --sizes LIST   thumbnail sizes in pixels, 1 to 4096 (default 256,96,32)
   --out FOLDER   where the PNG files go (default: the current folder)
