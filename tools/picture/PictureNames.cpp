@@ -1,13 +1,8 @@
 #include "tools/picture/PictureNames.h"
 
-#include "tools/terminal/FileName.h"
 #include "tools/terminal/LongPath.h"
 
 namespace vantrel::tools {
-
-bool PictureNames::IgnoreCase::operator()(const std::wstring& left, const std::wstring& right) const {
-    return CompareNames(left, right) < 0;
-}
 
 void PictureNames::Reserve(const std::filesystem::path& file) {
     taken_.insert(LongPath(file));

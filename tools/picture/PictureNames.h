@@ -1,6 +1,8 @@
 // The names of the pictures that a run writes into one folder.
 #pragma once
 
+#include "tools/terminal/FileName.h"
+
 #include <filesystem>
 #include <set>
 #include <string>
@@ -21,13 +23,9 @@ public:
     std::filesystem::path Take(const std::wstring& stem);
 
 private:
-    struct IgnoreCase {
-        bool operator()(const std::wstring& left, const std::wstring& right) const;
-    };
-
     std::filesystem::path folder_;
     std::wstring extension_;
-    std::set<std::wstring, IgnoreCase> taken_; // absolute
+    std::set<std::wstring, NameOrder> taken_; // absolute
 };
 
 } // namespace vantrel::tools

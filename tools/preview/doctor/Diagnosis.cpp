@@ -1,6 +1,8 @@
 #include "tools/preview/doctor/Diagnosis.h"
 
+#include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 
 #include <algorithm>
 #include <iterator>
@@ -42,10 +44,6 @@ const std::wstring repairInstallation =
     L"as administrator, in the installer's folder, run msiexec /i " + packageName +
     L".msi REINSTALL=ALL REINSTALLMODE=amus; install it if Apps doesn't list Vantrel64 " VANTREL_VERSION;
 const std::vector<HandlerKind> everyKind(allHandlers.begin(), allHandlers.end());
-
-bool IsSame(const std::wstring& left, const std::wstring& right) {
-    return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_EQUAL;
-}
 
 std::wstring Quoted(const std::wstring& text) {
     return L'"' + text + L'"';
@@ -141,7 +139,7 @@ std::vector<Finding> Diagnosis::Findings() {
 }
 
 const ValueFacts* Diagnosis::Find(HandlerKind kind, std::wstring_view data) const {
-    const auto found = std::find_if(facts_.values.begin(), facts_.values.end(), [&](const ValueFacts& value) {
+    const auto found = std::ranges::find_if(facts_.values, [&](const ValueFacts& value) {
         return value.expected.data == data &&
                (!data.empty() || value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos);
     });
@@ -202,11 +200,10 @@ void Diagnosis::CheckRegistration() {
     if (!wrong.empty())
         Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
     CheckHiding();
-    const bool isSound =
-        std::all_of(facts_.servers.begin(), facts_.servers.end(), [this](const ServerFacts& server) {
-            const std::vector<HandlerKind> kinds = ClassesOf(server);
-            return kinds.empty() || (HasFolder(server) && FaultOf(server, kinds).empty());
-        });
+    const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
+        const std::vector<HandlerKind> kinds = ClassesOf(server);
+        return kinds.empty() || (HasFolder(server) && FaultOf(server, kinds).empty());
+    });
     if (findings_.size() == before && isSound)
         Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
                             L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
@@ -223,7 +220,8 @@ void Diagnosis::CheckHiding() {
         ++count;
         if (difference.empty())
             difference = FaultOf(value);
-        if (difference.empty() && value.expected.data.empty() && !IsSame(value.user.text, value.machine.text))
+        if (difference.empty() && value.expected.data.empty() &&
+            CompareNames(value.user.text, value.machine.text) != 0)
             difference = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
     }
     if (count > 0)
@@ -236,9 +234,9 @@ void Diagnosis::CheckHiding() {
 
 std::vector<HandlerKind> Diagnosis::ClassesOf(const ServerFacts& server) const {
     std::vector<HandlerKind> kinds;
-    std::copy_if(allHandlers.begin(), allHandlers.end(), std::back_inserter(kinds), [&](HandlerKind kind) {
+    std::ranges::copy_if(allHandlers, std::back_inserter(kinds), [&](HandlerKind kind) {
         const ValueFacts* value = Find(kind, {});
-        return value && IsSame(value->Effective().text, server.path);
+        return value && CompareNames(value->Effective().text, server.path) == 0;
     });
     return kinds;
 }
@@ -267,8 +265,8 @@ void Diagnosis::CheckLibraries() {
     for (const ServerFacts& server : facts_.servers) {
         const std::vector<HandlerKind> kinds = ClassesOf(server);
         const bool isRegistered = !kinds.empty();
-        const bool isHiding = std::any_of(kinds.begin(), kinds.end(),
-                                          [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
+        const bool isHiding =
+            std::ranges::any_of(kinds, [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
         const std::vector<HandlerKind>& asked = isRegistered ? kinds : everyKind;
         const std::wstring fault = FaultOf(server, asked);
         const std::wstring handlers = asked == everyKind  ? L"all five handlers"
@@ -284,7 +282,7 @@ void Diagnosis::CheckLibraries() {
             if (isRegistered)
                 registered.push_back(server.path);
         } else if (isRegistered) {
-            const bool isOwn = facts_.ownLibrary && IsSame(server.path, *facts_.ownLibrary);
+            const bool isOwn = facts_.ownLibrary && CompareNames(server.path, *facts_.ownLibrary) == 0;
             std::wstring what = server.path + L", registered for ";
             what.append(handlers).append(L",").append(fault);
             Add(Health::Fail, std::move(what),
@@ -300,15 +298,14 @@ void Diagnosis::CheckLibraries() {
         Add(Health::Fail,
             L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
             userValues_ && machineValues_ ? unhide_ : registerAgain_);
-    else if (registered.size() == 1 && expected && !IsSame(*expected, registered[0]))
+    else if (registered.size() == 1 && expected && CompareNames(*expected, registered[0]) != 0)
         Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
             L"the registered library is " + registered[0] + L", not " + *expected,
             machineValues_ ? L"install the one you want" : L"run regsvr32 " + Quoted(*expected));
 }
 
 void Diagnosis::CheckCom() {
-    const bool isTold = std::any_of(findings_.begin(), findings_.end(),
-                                    [](const Finding& finding) { return finding.health == Health::Fail; });
+    const bool isTold = std::ranges::find(findings_, Health::Fail, &Finding::health) != findings_.end();
     if (comFaults_.empty()) {
         if (isComAsked_)
             Add(Health::Ok, L"Windows can load all five handlers");
@@ -328,13 +325,14 @@ void Diagnosis::CheckHandlers() {
         const HandlerClass& known = ClassOf(kind);
         const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
         const ValueFacts* binding = Find(kind, known.classId); // null for the column handler
-        if (!binding || !FaultOf(*binding).empty() || (answer && IsSame(*answer, known.classId)))
+        if (!binding || !FaultOf(*binding).empty() || (answer && CompareNames(*answer, known.classId) == 0))
             continue; // a wrong binding has already been reported
         std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
         std::wstring fix = registerAgain_;
         for (const ProgramFacts& program : facts_.programs) {
             const std::wstring& claim = program.handlers[static_cast<std::size_t>(kind)];
-            if (claim.empty() || IsSame(claim, known.classId) || (answer && !IsSame(claim, *answer)))
+            if (claim.empty() || CompareNames(claim, known.classId) == 0 ||
+                (answer && CompareNames(claim, *answer) != 0))
                 continue;
             other = L", " + claim + L" of the program " + program.progId;
             fix = chooseProgram;
@@ -355,10 +353,9 @@ void Diagnosis::CheckHandlers() {
             L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
             L"if it does, " + chooseProgram);
     }
-    const auto infoTip =
-        std::find_if(facts_.values.begin(), facts_.values.end(), [](const ValueFacts& value) {
-            return value.expected.name && value.expected.name == std::wstring_view(L"InfoTip");
-        });
+    const auto infoTip = std::ranges::find_if(facts_.values, [](const ValueFacts& value) {
+        return value.expected.name && value.expected.name == std::wstring_view(L"InfoTip");
+    });
     if (facts_.infoTip && *facts_.infoTip != infoTip->expected.data && FaultOf(*infoTip).empty()) {
         isClear = false;
         Add(Health::Warn,
@@ -373,8 +370,7 @@ void Diagnosis::CheckHandlers() {
 
 void Diagnosis::CheckSettings() {
     const std::size_t before = findings_.size();
-    const bool areApproved = std::all_of(facts_.classes.begin(), facts_.classes.end(),
-                                         [](const ClassFacts& one) { return one.isApproved; });
+    const bool areApproved = std::ranges::all_of(facts_.classes, &ClassFacts::isApproved);
     for (const std::wstring& setting : facts_.settings)
         for (const auto& [name, health, effect, fix] : settingEffects)
             if (setting.ends_with(L'\\' + std::wstring(name)) && !(name == approvedOnly && areApproved))
@@ -394,12 +390,10 @@ void Diagnosis::CheckFile(const FileFacts& file) {
             file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
         return;
     }
-    if (!file.shown.ends_with(L".zmi") &&
-        !IsSame(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi"))
+    if (CompareNames(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi") != 0)
         Add(Health::Warn, name + L"the Shell goes by the extension, and this one is not .zmi",
             L"rename the file");
-    const auto [narrow, wide] = std::minmax(file.width, file.height);
-    const unsigned smallest = narrow ? (wide + narrow - 1) / narrow : 0;
+    const unsigned smallest = SmallestThumbnail(file.width, file.height);
     if (file.IsElsewhere())
         Add(Health::Warn,
             name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",

@@ -4,6 +4,7 @@
 #include "support/RegistrationTable.h"
 #include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/InputFile.h"
 
 #include <propsys.h>
@@ -136,19 +137,10 @@ std::optional<std::wstring> AskPropertySystem() {
     return text.data();
 }
 
-std::optional<std::wstring> AskShell(const wchar_t* shellEx) {
-    std::array<wchar_t, 64> text{};
-    auto size = static_cast<DWORD>(text.size());
-    if (AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, L".zmi", shellEx, text.data(), &size) == S_OK)
-        return text.data();
-    // Documented for interface identifiers only, so no answer for "IconHandler" means nothing.
-    return shellEx[0] == L'{' ? std::optional<std::wstring>(L"") : std::nullopt;
-}
-
-std::optional<std::wstring> AskForInfoTip() {
+std::optional<std::wstring> AskShell(ASSOCSTR what, const wchar_t* extra = nullptr) {
     std::array<wchar_t, 1024> text{};
     auto size = static_cast<DWORD>(text.size());
-    if (AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_INFOTIP, L".zmi", nullptr, text.data(), &size) != S_OK)
+    if (AssocQueryStringW(ASSOCF_NONE, what, L".zmi", extra, text.data(), &size) != S_OK)
         return std::nullopt;
     return text.data();
 }
@@ -162,7 +154,10 @@ ClassFacts AskForClass(HandlerKind kind, bool isWine) {
     if (!isWine && kind == HandlerKind::Properties)
         facts.answer = AskPropertySystem();
     else if (!isWine && known.shellEx)
-        facts.answer = AskShell(known.shellEx);
+        facts.answer = AskShell(ASSOCSTR_SHELLEXTENSION, known.shellEx);
+    // Documented for interface identifiers only, so no answer for "IconHandler" means nothing.
+    if (!isWine && !facts.answer && known.shellEx && known.shellEx[0] == L'{')
+        facts.answer = L"";
     const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
     for (const auto& [root, name] : hives) {
         // Only the names of the values count, not their types.
@@ -253,10 +248,7 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
         facts.givenLibrary = givenLibrary->wstring();
     facts.ownLibrary = LibraryBesideThisProgram();
 
-    const auto isBefore = [](const std::wstring& left, const std::wstring& right) {
-        return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
-    };
-    std::set<std::wstring, decltype(isBefore)> paths; // which case does not distinguish
+    std::set<std::wstring, NameOrder> paths;
     if (givenLibrary)
         paths.insert(*facts.givenLibrary);
     for (RegistrationValue& expected : ExpectedRegistration()) {
@@ -273,7 +265,7 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     std::transform(allHandlers.begin(), allHandlers.end(), facts.classes.begin(),
                    [](HandlerKind kind) { return AskForClass(kind, IsWine()); });
     facts.programs = FindPrograms();
-    facts.infoTip = AskForInfoTip();
+    facts.infoTip = AskShell(ASSOCSTR_INFOTIP);
     facts.settings = FindSettings();
     for (const InputFile& file : FindInputFiles(arguments))
         facts.files.push_back(ExamineFile(file));
