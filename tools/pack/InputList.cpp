@@ -1,22 +1,23 @@
 #include "tools/pack/InputList.h"
 
 #include "tools/pack/WicPicture.h"
+#include "tools/terminal/CommandLine.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/FileSearch.h"
 
 #include <algorithm>
-#include <cwctype>
 #include <iterator>
+#include <set>
 #include <string>
 
 namespace vantrel::tools {
 
 namespace {
 
-// ".bmp,.dib,.jpg," in lower case: the extensions of all decoders on this system. Wine separates them by
-// semicolons.
-std::wstring DecodableExtensions(IWICImagingFactory& factory) {
-    std::wstring all;
+// Those of all decoders on this system, each with its dot.
+std::set<std::wstring, NameOrder> DecodableExtensions(IWICImagingFactory& factory) {
+    std::set<std::wstring, NameOrder> all;
     ComPtr<IEnumUnknown> decoders;
     if (FAILED(factory.CreateComponentEnumerator(WICDecoder, WICComponentEnumerateDefault,
                                                  decoders.ReleaseAndGetAddressOf())))
@@ -30,11 +31,10 @@ std::wstring DecodableExtensions(IWICImagingFactory& factory) {
         if (FAILED(codec->GetFileExtensions(size, extensions.data(), &size)))
             continue;
         extensions.resize(size - 1);
-        all += extensions + L',';
+        std::ranges::replace(extensions, L';', L','); // as Wine separates them
+        std::ranges::move(SplitList(extensions), std::inserter(all, all.end()));
     }
-    std::ranges::transform(all, all.begin(), [](wchar_t letter) {
-        return letter == L';' ? L',' : static_cast<wchar_t>(towlower(letter));
-    });
+    all.erase(L"");
     return all;
 }
 
@@ -47,10 +47,7 @@ std::vector<std::filesystem::path> ListInputs(IWICImagingFactory& factory,
         FileSearch found = FindFiles(input);
         if (found.isFolder)
             std::erase_if(found.files, [known = DecodableExtensions(factory)](const auto& file) {
-                std::wstring extension = file.extension().wstring() + L',';
-                std::ranges::transform(extension, extension.begin(),
-                                       [](wchar_t letter) { return static_cast<wchar_t>(towlower(letter)); });
-                return extension == L"," || known.find(extension) == std::wstring::npos;
+                return !known.contains(file.extension().wstring());
             });
         if (found.files.empty())
             throw Failure(input.wstring() +

@@ -1,8 +1,8 @@
 #include "tools/pack/PackOptions.h"
 
-#include "tools/pack/ZmiReader.h"
 #include "tools/pack/ZmiWriter.h"
 #include "tools/terminal/Console.h"
+#include "tools/terminal/FileName.h"
 
 #include <windows.h>
 
@@ -123,7 +123,6 @@ PackOptions ParsePackOptions(CommandLine& line) {
     bool truncateTitle = false;
     bool blank = false;
     std::optional<std::wstring> title;
-    std::optional<std::wstring> out;
     while (const auto argument = line.Next()) {
         if (!line.IsOption()) {
             options.inputs.emplace_back(*argument);
@@ -134,7 +133,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
         } else if (*argument == L"--each") {
             options.each = true;
         } else if (*argument == L"--out") {
-            out = line.Value();
+            options.out = line.Value();
         } else if (*argument == L"--title") {
             title = line.Value();
         } else if (*argument == L"--truncate-title") {
@@ -155,9 +154,8 @@ PackOptions ParsePackOptions(CommandLine& line) {
     }
     if (title)
         options.title = ToTitle(std::move(*title), truncateTitle);
-    options.out = out.value_or(L"");
 
-    if (out && !options.each)
+    if (options.out && !options.each)
         throw UsageError(L"--out needs --each");
     if (options.inputs.empty())
         throw UsageError(blank          ? L"no output given"
@@ -168,7 +166,7 @@ PackOptions ParsePackOptions(CommandLine& line) {
     options.output = std::move(options.inputs.back());
     options.inputs.pop_back();
     // Otherwise, if the user forgets the output, the last input would be overwritten.
-    if (!IsZmiName(options.output))
+    if (!HasExtension(options.output, L".zmi"))
         throw UsageError(L"the output must come last and its name must end in .zmi, not \"" +
                          options.output.wstring() + L"\"");
     if (blank && (!options.inputs.empty() || options.each || options.hasPictureOptions))

@@ -22,9 +22,9 @@ struct PackOptions {
     bool rotate = true;                        // as an input's orientation says
     std::vector<std::filesystem::path> inputs; // as typed; empty: the blank default picture
     std::filesystem::path output;
-    bool each = false;              // one file per input, in the folder `out`
-    std::filesystem::path out;      // empty: the current one
-    bool hasPictureOptions = false; // any that changes what frames look like
+    bool each = false;                        // one file per input, in the folder `out`
+    std::optional<std::filesystem::path> out; // without: the current one
+    bool hasPictureOptions = false;           // any that changes what frames look like
 };
 
 // Throws UsageError.

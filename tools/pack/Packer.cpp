@@ -6,6 +6,7 @@
 #include "tools/pack/ZmiReader.h"
 #include "tools/picture/PaletteBuilder.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/NumberText.h"
 
 #include <optional>
@@ -24,11 +25,11 @@ Packer::Packer(const PackOptions& options)
 
 // Without the option, that of the inputs if all of them are ZMI files of one mode.
 PixelMode Packer::ChooseMode() const {
-    std::optional<PixelMode> common = options_.mode;
+    if (options_.mode)
+        return *options_.mode;
+    std::optional<PixelMode> common;
     for (const auto& input : inputs_) {
-        if (options_.mode)
-            break;
-        if (options_.each || !IsZmiName(input))
+        if (options_.each || !HasExtension(input, L".zmi"))
             return PixelMode::Rgb565;
         const PixelMode mode = ZmiReader(input).Mode();
         if (common.value_or(mode) != mode)
@@ -42,10 +43,9 @@ template <class Visit>
 void Packer::WalkFrames(Inputs inputs, Visit visit) {
     for (const std::filesystem::path& input : inputs) {
         progress_.Step(input.wstring());
-        if (open_ != &input) {
-            open_ = nullptr;
+        if (!source_ || open_ != &input) {
             source_.reset();
-            if (!IsZmiName(input))
+            if (!HasExtension(input, L".zmi"))
                 source_ = std::make_unique<PictureReader>(factory_, input, options_.rotate);
             else
                 source_ = std::make_unique<ZmiReader>(input, options_.transparent ? std::nullopt
@@ -82,7 +82,7 @@ ZmiContent Packer::Pack(Inputs inputs, const std::filesystem::path& output, Name
     ZmiContent content;
     content.mode = mode_;
     std::optional<std::string> title = options_.title;
-    std::optional<std::uint32_t> key;
+    std::optional<std::uint16_t> key;
     if (options_.transparent)
         key = ToRgb565(*options_.transparent);
     std::uint64_t bytes = 0;
@@ -92,9 +92,7 @@ ZmiContent Packer::Pack(Inputs inputs, const std::filesystem::path& output, Name
         if (source.LacksFrames())
             NoteLoss(L"it has more frames, which this system's decoder does not deliver");
         const SourceFrame frame = source.Frame(index);
-        content.frames.push_back({frame.width, frame.height, key});
-        if (frame.key)
-            content.frames.back().transparentKey = frame.key;
+        content.frames.push_back({frame.width, frame.height, frame.key ? frame.key : key});
         bytes += PixelByteCount(mode_, frame.width, frame.height);
         CheckZmiLimits(content.frames.size() + source.FrameCount() - index - 1, bytes);
     });

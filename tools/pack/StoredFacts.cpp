@@ -139,17 +139,15 @@ bool HasMoreFrames(const std::filesystem::path& file, unsigned count) {
     constexpr std::uint32_t animationControl = 0x6163544C;
     constexpr std::uint32_t imageData = 0x49444154;
     FileNumbers numbers(file);
-    if (numbers.U32(0) == png) {
-        std::uint64_t at = 8;
-        for (int i = 0; i < mostParts && numbers.U32(at + 4) != imageData; ++i) {
-            if (numbers.U32(at + 4) == animationControl)
-                return numbers.U32(at + 8) > count;
-            at += 12 + std::uint64_t{numbers.U32(at)};
-        }
-        return false;
+    if (numbers.U32(0) != png)
+        return FindDirectories(numbers, std::size_t{count} + 1).size() > count;
+    std::uint64_t at = 8;
+    for (int i = 0; i < mostParts && numbers.U32(at + 4) != imageData; ++i) {
+        if (numbers.U32(at + 4) == animationControl)
+            return numbers.U32(at + 8) > count;
+        at += 12 + std::uint64_t{numbers.U32(at)};
     }
-
-    return FindDirectories(numbers, std::size_t{count} + 1).size() > count;
+    return false;
 }
 
 } // namespace vantrel::tools

@@ -3,7 +3,6 @@
 #include "tools/pack/ZmiWriter.h"
 #include "tools/picture/PaletteSearch.h"
 #include "tools/terminal/Failure.h"
-#include "tools/terminal/FileName.h"
 #include "tools/terminal/LongPath.h"
 
 #include <algorithm>
@@ -12,10 +11,6 @@
 #include <fstream>
 
 namespace vantrel::tools {
-
-bool IsZmiName(const std::filesystem::path& file) {
-    return HasExtension(file, L".zmi");
-}
 
 ZmiReader::ZmiReader(const std::filesystem::path& path, std::optional<PixelMode> keptMode)
     : path_(path), keptMode_(keptMode) {

@@ -12,8 +12,6 @@
 
 namespace vantrel::tools {
 
-bool IsZmiName(const std::filesystem::path& file);
-
 class ZmiReader final : public FrameSource {
 public:
     // Frames of this mode keep their transparent colour. Throws Failure.

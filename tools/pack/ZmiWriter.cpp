@@ -11,12 +11,13 @@ namespace vantrel::tools {
 
 namespace {
 
-// The file's parts are in this order; an absent part has no length.
+constexpr std::uint32_t frameTableOffset = sizeof(FileHeader) + sizeof(ImageHeader);
+
+// Offsets of what follows the frame table; an absent part has no length.
 struct Layout {
-    std::uint64_t frameTable = sizeof(FileHeader) + sizeof(ImageHeader);
-    std::uint64_t palette = frameTable;
-    std::uint64_t pixels = frameTable;
-    std::uint64_t trailer = frameTable;
+    std::uint64_t palette;
+    std::uint64_t pixels;
+    std::uint64_t trailer;
 };
 
 bool HasFrameTable(const ZmiContent& content) {
@@ -24,16 +25,14 @@ bool HasFrameTable(const ZmiContent& content) {
 }
 
 Layout LayOut(const ZmiContent& content) {
-    Layout layout;
+    std::uint64_t palette = frameTableOffset;
     if (HasFrameTable(content))
-        layout.palette += sizeof(FrameTableHeader) + content.frames.size() * sizeof(FrameRecord);
-    layout.pixels = layout.palette;
-    if (content.palette)
-        layout.pixels += sizeof(Palette);
-    layout.trailer = layout.pixels;
+        palette += sizeof(FrameTableHeader) + content.frames.size() * sizeof(FrameRecord);
+    const std::uint64_t pixels = palette + (content.palette ? sizeof(Palette) : 0);
+    std::uint64_t trailer = pixels;
     for (const ZmiFrame& frame : content.frames)
-        layout.trailer += PixelByteCount(content.mode, frame.width, frame.height);
-    return layout;
+        trailer += PixelByteCount(content.mode, frame.width, frame.height);
+    return {palette, pixels, trailer};
 }
 
 std::uint8_t FrameFlags(const ZmiContent& content, const ZmiFrame& frame) {
@@ -85,7 +84,7 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
     ImageHeader imageHeader = {};
     std::copy_n(content.title.begin(), std::min(content.title.size(), longestTitle), imageHeader.text);
     imageHeader.pixelOffset = static_cast<std::uint32_t>(blank                    ? 0
-                                                         : HasFrameTable(content) ? layout.frameTable
+                                                         : HasFrameTable(content) ? frameTableOffset
                                                                                   : layout.pixels);
     imageHeader.paletteOffset = static_cast<std::uint32_t>(content.palette ? layout.palette : 0);
     imageHeader.transparentKey = first.transparentKey.value_or(0);

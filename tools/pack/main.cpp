@@ -1,9 +1,9 @@
 #include "tools/pack/Packer.h"
-#include "tools/pack/ZmiReader.h"
 #include "tools/picture/PictureNames.h"
 #include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/FileName.h"
 #include "tools/terminal/NumberText.h"
 #include "tools/terminal/RunTool.h"
 
@@ -57,11 +57,11 @@ bool PackEach(Packer& packer, const PackOptions& options) {
     const auto& inputs = packer.AllInputs();
     if (options.title && inputs.size() > 1)
         throw UsageError(L"--title with --each needs a single input; here are " + Grouped(inputs.size()));
-    PictureNames names(options.out, L".zmi");
+    PictureNames names(options.out.value_or(L""), L".zmi");
     bool ok = true;
     for (const auto& input : inputs)
         try {
-            if (IsZmiName(input))
+            if (HasExtension(input, L".zmi"))
                 throw Failure(input.wstring() + L": this is a ZMI file already");
             const auto output = names.Take(input.stem().wstring());
             PrintLine(Describe(output, packer.Pack({&input, 1}, output, NameOrigin::MadeUp)));
@@ -80,7 +80,8 @@ bool Run(CommandLine& arguments, JsonDocument*) {
     bool ok = true;
     if (options.each) {
         ok = PackEach(packer, options);
-    } else if (inputs.size() == 1 && IsZmiName(inputs[0]) && options.title && !options.hasPictureOptions) {
+    } else if (inputs.size() == 1 && HasExtension(inputs[0], L".zmi") && options.title &&
+               !options.hasPictureOptions) {
         packer.ChangeTitle();
         PrintLine(options.output.wstring() + L": " + inputs[0].wstring() + L" with another title");
     } else {

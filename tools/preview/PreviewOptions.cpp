@@ -11,12 +11,10 @@ namespace {
 std::vector<unsigned> ParseSizes(const std::wstring& list) {
     constexpr unsigned largest = 4096;
     std::vector<unsigned> sizes;
-    for (std::size_t begin = 0; begin <= list.size();) {
-        const std::size_t end = std::min(list.find(L',', begin), list.size());
-        const unsigned size = ParseNumber(L"--sizes", list.substr(begin, end - begin), 1, largest);
+    for (const std::wstring& item : SplitList(list)) {
+        const unsigned size = ParseNumber(L"--sizes", item, 1, largest);
         if (std::ranges::find(sizes, size) == sizes.end())
             sizes.push_back(size);
-        begin = end + 1;
     }
     return sizes;
 }

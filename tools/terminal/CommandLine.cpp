@@ -77,4 +77,14 @@ unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned 
     return static_cast<unsigned>(number);
 }
 
+std::vector<std::wstring> SplitList(std::wstring_view list) {
+    std::vector<std::wstring> items(1);
+    for (const wchar_t character : list)
+        if (character == L',')
+            items.emplace_back();
+        else
+            items.back() += character;
+    return items;
+}
+
 } // namespace vantrel::tools

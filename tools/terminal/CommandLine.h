@@ -40,4 +40,7 @@ private:
 // An integer within [low, high]. Throws a UsageError that names the option.
 unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high);
 
+// The items between a list's commas; an empty text is one empty item.
+std::vector<std::wstring> SplitList(std::wstring_view list);
+
 } // namespace vantrel::tools

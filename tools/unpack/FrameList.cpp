@@ -8,17 +8,14 @@ namespace vantrel::tools {
 
 FrameList::FrameList(std::wstring_view text) {
     constexpr unsigned most = 65535;
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find(L',', begin), text.size());
-        const std::wstring_view item = text.substr(begin, end - begin);
+    for (const std::wstring& item : SplitList(text)) {
         const std::size_t dash = std::min(item.find(L'-'), item.size());
         const unsigned first = ParseNumber(L"--frames", item.substr(0, dash), 1, most);
         const unsigned last =
             dash == item.size() ? first : ParseNumber(L"--frames", item.substr(dash + 1), 1, most);
         if (last < first)
-            throw UsageError(L"--frames " + std::wstring(item) + L" is backwards");
+            throw UsageError(L"--frames " + item + L" is backwards");
         ranges_.emplace_back(first, last);
-        begin = end + 1;
     }
 }
 
