@@ -137,13 +137,13 @@ std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const
         return itsMode + L" needs more bytes than the " + Grouped(frame.pixelByteCount) +
                L" that the file's mode provides";
     case FrameFault::Empty:
-        return name + L" is " + std::to_wstring(frame.record.width) + L" x " +
-               std::to_wstring(frame.record.height) + L" pixels, which leaves nothing to show";
+        return name + L" is " + SizeText(frame.record.width, frame.record.height) +
+               L" pixels, which leaves nothing to show";
     }
     return {};
 }
 
-std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width, unsigned* height) {
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned& width, unsigned& height) {
     try {
         ZmiFile file(path);
         if (const std::wstring fault = file.Fault(); !fault.empty())
@@ -157,9 +157,9 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
             if (i == 0 || PreventsLoading(frame->fault))
                 if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
                     return fault;
-            if (i == 0 && width && height) {
-                *width = frame->record.width;
-                *height = frame->record.height;
+            if (i == 0) {
+                width = frame->record.width;
+                height = frame->record.height;
             }
         }
         return std::nullopt;

@@ -49,8 +49,7 @@ private:
 
 // Why the Shell shows no picture of the file; nothing if it shows one, unless it is too thin. The first
 // frame's size in pixels is then stored.
-std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned* width = nullptr,
-                                      unsigned* height = nullptr);
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned& width, unsigned& height);
 
 // The smallest thumbnail, by its longer side in pixels, in which such a picture is not too thin to be seen.
 unsigned SmallestThumbnail(unsigned width, unsigned height);

@@ -1,6 +1,7 @@
 #include "tools/pack/GifCanvas.h"
 
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -37,8 +38,8 @@ std::span<const Color> GifCanvas::Show(unsigned index) {
 
 void GifCanvas::CheckSize(std::uint64_t beneath) const {
     if (std::uint64_t{width_} * height_ + beneath > mostPixels)
-        throw Failure(picture_.Name() + L": its canvas of " + std::to_wstring(width_) + L" x " +
-                      std::to_wstring(height_) + L" pixels is too large to compose its frames");
+        throw Failure(picture_.Name() + L": its canvas of " + SizeText(width_, height_) +
+                      L" pixels is too large to compose its frames");
 }
 
 void GifCanvas::Draw(const WicFrame& frame) {

@@ -1,6 +1,7 @@
 #include "tools/pack/PictureFrame.h"
 
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -27,10 +28,10 @@ PictureFrame::PictureFrame(CopyArea copyArea, UINT width, UINT height, Orientati
                            const std::wstring& name)
     : copyArea_(std::move(copyArea)), orientation_(orientation) {
     if (width == 0 || height == 0 || width > largestSide || height > largestSide)
-        throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
+        throw Failure(name + L": " + SizeText(width, height) +
                       L" pixels; a ZMI frame must have 1 to 65535 in each direction");
     if (orientation != Orientation{} && std::uint64_t{width} * height > mostTurnedPixels)
-        throw Failure(name + L": " + std::to_wstring(width) + L" x " + std::to_wstring(height) +
+        throw Failure(name + L": " + SizeText(width, height) +
                       L" pixels are too many to turn upright; --no-rotate packs them as stored");
     width_ = static_cast<std::uint16_t>(orientation.transposed ? height : width);
     height_ = static_cast<std::uint16_t>(orientation.transposed ? width : height);

@@ -25,7 +25,7 @@ std::wstring DescribeFrames(const std::vector<ZmiFrame>& frames) {
     std::vector<std::pair<std::wstring, std::size_t>> sizes;
     sizes.reserve(counts.size());
     for (const auto& [size, count] : counts)
-        sizes.emplace_back(std::to_wstring(size.first) + L" x " + std::to_wstring(size.second), count);
+        sizes.emplace_back(SizeText(size.first, size.second), count);
     std::wstring text = Grouped(frames.size()) + (frames.size() == 1 ? L" frame" : L" frames");
     if (sizes.size() == 1)
         return text + L", " + sizes.front().first;

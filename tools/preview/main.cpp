@@ -57,10 +57,11 @@ FileReport Ask(HandlerRegistry& registry, const InputFile& file, const Sizes& si
         return report;
     }
     if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        AskForThumbnails(registry, file, sizes.edges, report.results);
+        for (const unsigned edge : sizes.edges)
+            AskForThumbnail(registry, file, edge, report.results);
         if (sizes.forSheetAlone) {
-            AskForThumbnails(registry, file, {&*sizes.forSheetAlone, 1}, report.results);
-            report.results.back().isForSheetAlone = true;
+            AskForThumbnail(registry, file, *sizes.forSheetAlone, report.results);
+            report.results.back().pngSuffix.clear();
         }
         AskForProperties(registry, file, report.results);
         AskForExtractedImage(registry, file, report.results);
@@ -70,7 +71,7 @@ FileReport Ask(HandlerRegistry& registry, const InputFile& file, const Sizes& si
     if (report.results.empty() || !report.Ok()) {
         unsigned width = 0;
         unsigned height = 0;
-        report.fault = FindFault(file.path, &width, &height);
+        report.fault = FindFault(file.path, width, height);
         if (!report.fault)
             ExplainFailures(report, SmallestThumbnail(width, height));
     }
@@ -136,7 +137,7 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
         if (sheet)
             sheet->Add(report);
         for (HandlerResult& result : report.results)
-            if ((!sheet || options.out) && !result.pngSuffix.empty() && !result.isForSheetAlone)
+            if ((!sheet || options.out) && !result.pngSuffix.empty())
                 WritePicture(file, names, guard, result);
         ok = ok && report.Ok();
         Print(report, nameColumns, json);

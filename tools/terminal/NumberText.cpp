@@ -12,6 +12,10 @@ std::wstring Grouped(std::uint64_t number) {
     return digits;
 }
 
+std::wstring SizeText(std::int64_t width, std::int64_t height) {
+    return std::to_wstring(width) + L" x " + std::to_wstring(height);
+}
+
 std::wstring Hexadecimal(std::uint32_t number, int digits) {
     std::array<wchar_t, 12> text{};
     std::swprintf(text.data(), text.size(), L"%0*X", digits, static_cast<unsigned>(number));

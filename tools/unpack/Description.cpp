@@ -6,38 +6,25 @@
 
 namespace vantrel::tools {
 
-namespace {
-
-std::wstring Size(std::uint16_t width, std::uint16_t height) {
-    return std::to_wstring(width) + L" x " + std::to_wstring(height);
-}
-
-std::wstring DescribeMode(std::uint8_t flags, std::uint32_t transparentKey) {
+std::wstring DescribeColors(const FrameRecord& frame) {
     constexpr std::array<const wchar_t*, 4> names = {L"1 bit", L"256 colours", L"16-bit colour",
                                                      L"the reserved mode 3"};
-    const PixelMode mode = ModeOf(flags);
+    const PixelMode mode = ModeOf(frame.flags);
     std::wstring name = names[static_cast<std::size_t>(mode)];
-    if ((flags & transparencyFlag) == 0)
+    if ((frame.flags & transparencyFlag) == 0)
         return name;
-    switch (mode) {
-    case PixelMode::Indexed:
-        return name + L", index " + std::to_wstring(transparentKey) + L" is transparent";
-    case PixelMode::Rgb565:
-        return name + L", colour 0x" + Hexadecimal(transparentKey, 4) + L" is transparent";
-    default:
+    const auto key = TransparentKey(frame);
+    if (!key)
         return name + L" with a transparent colour, which has no meaning here";
-    }
-}
-
-} // namespace
-
-std::wstring DescribeColors(const FrameRecord& frame) {
-    return DescribeMode(frame.flags, frame.transparentKey);
+    return name +
+           (mode == PixelMode::Indexed ? L", index " + std::to_wstring(*key)
+                                       : L", colour 0x" + Hexadecimal(*key, 4)) +
+           L" is transparent";
 }
 
 std::wstring DescribeFrame(const FileFrame& frame) {
     const FrameRecord& record = frame.record;
-    std::wstring text = Size(record.width, record.height) + L", " + DescribeColors(record);
+    std::wstring text = SizeText(record.width, record.height) + L", " + DescribeColors(record);
     if (record.frameDataOffset != 0)
         text +=
             L", " + Grouped(frame.pixelByteCount) + L" bytes at offset " + Grouped(record.frameDataOffset);
@@ -63,9 +50,8 @@ std::vector<std::wstring> DescribeFile(const ZmiFile& file) {
         lines.push_back(L"no pixels: the blank picture");
         return lines;
     }
-    lines.push_back(L"picture " + Size(image.width, image.height) + L", " +
-                    DescribeMode(image.flags, image.transparentKey) + L", flags 0x" +
-                    Hexadecimal(image.flags, 2));
+    lines.push_back(L"picture " + SizeText(image.width, image.height) + L", " +
+                    DescribeColors(SingleFrame(image)) + L", flags 0x" + Hexadecimal(image.flags, 2));
     if ((image.flags & frameTableFlag) != 0 && frames.Fault() != FileFault::FrameTable)
         lines.push_back(Grouped(frames.Table().frameCount) + L" frames, table at offset " +
                         Grouped(image.pixelOffset));

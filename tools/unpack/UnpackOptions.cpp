@@ -38,13 +38,11 @@ output that may not be replaced, 130 ended by Ctrl+C.)";
 
 UnpackOptions ParseUnpackOptions(CommandLine& line) {
     UnpackOptions options;
-    bool hasDelay = false;
     while (const auto argument = line.Next()) {
         if (!line.IsOption()) {
             options.inputs.push_back(*argument);
         } else if (*argument == L"--delay") {
             options.delay = ParseNumber(*argument, line.Value(), 10, 60000);
-            hasDelay = true;
         } else if (*argument == L"--out") {
             options.out = line.Value();
         } else if (*argument == L"--frames") {
@@ -63,7 +61,7 @@ UnpackOptions ParseUnpackOptions(CommandLine& line) {
         throw UsageError(L"no file given");
     if (options.info && (options.out || options.gif))
         throw UsageError(L"--info writes no pictures");
-    if (hasDelay && !options.gif)
+    if (options.delay && !options.gif)
         throw UsageError(L"--delay needs --gif");
     return options;
 }

@@ -17,7 +17,7 @@ struct UnpackOptions {
     FrameList frames;
     std::optional<std::filesystem::path> out;
     std::optional<std::filesystem::path> gif;
-    unsigned delay = 100; // of the GIF's frames, in milliseconds
+    std::optional<unsigned> delay; // of the GIF's frames, in milliseconds
     bool info = false;
     bool force = false;
 };

@@ -31,7 +31,7 @@ Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
         guard_.Protect(input.path);
     if (options.gif) {
         animationFile_.emplace(*options.gif, FileKind::Gif, guard_);
-        animation_.emplace(*animationFile_, options.delay);
+        animation_.emplace(*animationFile_, options.delay.value_or(100));
     }
 }
 
@@ -87,8 +87,8 @@ bool Unpacker::UnpackFile(const InputFile& input) {
             object.Add("fault", fault);
         object.Add("frames", results.frames);
         json_->Append(object);
-    } else if (results.pictures > 0) {
-        const std::wstring last = results.pictures > 1 ? L" ... " + results.last.wstring() : L"";
+    } else if (!results.first.empty()) {
+        const std::wstring last = results.last != results.first ? L" ... " + results.last.wstring() : L"";
         PrintLine(input.shown + L" -> " + results.first.wstring() + last);
     }
     return results.faults == 0;
@@ -137,7 +137,7 @@ void Unpacker::UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t 
                 input.path.stem().wstring() + NumberSuffix(index + 1U, file.Frames().FrameCount()));
             if (attempt([&] { return WritePicture(file, index, *frame, path); })) {
                 entry.Add("png", path.wstring());
-                if (results.pictures++ == 0)
+                if (results.first.empty())
                     results.first = path;
                 results.last = path;
             }

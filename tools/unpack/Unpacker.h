@@ -31,8 +31,7 @@ public:
 private:
     struct Results {
         std::size_t faults = 0;
-        std::size_t pictures = 0;
-        std::filesystem::path first;
+        std::filesystem::path first; // picture
         std::filesystem::path last;
         std::vector<JsonObject> frames;
     };

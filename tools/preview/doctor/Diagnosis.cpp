@@ -3,6 +3,7 @@
 #include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/FileName.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -402,8 +403,8 @@ void Diagnosis::CheckFile(const FileFacts& file) {
         Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
     else if (smallest > smallestThumbnail)
         Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
-            name + std::to_wstring(file.width) + L" x " + std::to_wstring(file.height) +
-                L" pixels is too thin for thumbnails smaller than " + std::to_wstring(smallest) + L" pixels",
+            name + SizeText(file.width, file.height) + L" pixels is too thin for thumbnails smaller than " +
+                std::to_wstring(smallest) + L" pixels",
             L"crop the picture, or put it on a squarer canvas");
     else
         Add(Health::Ok, name + L"header, trailer and frames are valid");

@@ -216,7 +216,7 @@ FileFacts ExamineFile(const InputFile& file) {
         facts.unread =
             file.shown + L": " + (isAbsent ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error)));
     } else if (!facts.IsElsewhere()) {
-        facts.fault = FindFault(file.path, &facts.width, &facts.height);
+        facts.fault = FindFault(file.path, facts.width, facts.height);
     }
     return facts;
 }

@@ -3,6 +3,7 @@
 #include "support/IColumnProvider.h"
 #include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <propsys.h>
 #include <shlobj.h>
@@ -103,7 +104,7 @@ void TakeValue(PROPVARIANT& value, HandlerResult& result) {
 }
 
 void TakeResult(Picture picture, std::wstring pngSuffix, HandlerResult& result) {
-    result.text = std::to_wstring(picture.width) + L" x " + std::to_wstring(picture.height);
+    result.text = SizeText(picture.width, picture.height);
     result.size = {picture.width, picture.height};
     result.picture = std::move(picture);
     result.pngSuffix = std::move(pngSuffix);
@@ -130,31 +131,29 @@ bool Store(const std::wstring& path, wchar_t (&target)[MAX_PATH]) {
 
 } // namespace
 
-void AskForThumbnails(HandlerRegistry& registry, const InputFile& file, std::span<const unsigned> edges,
-                      std::vector<HandlerResult>& results) {
-    for (const unsigned edge : edges)
-        Attempt(results, HandlerKind::Thumbnail, std::to_wstring(edge), [&](HandlerResult& result) {
-            ComPtr<IThumbnailProvider> provider;
-            Check(CreateOverStream(registry, HandlerKind::Thumbnail, file).As(&provider),
-                  L"IThumbnailProvider");
-            HBITMAP bitmap = nullptr;
-            WTS_ALPHATYPE alpha = WTSAT_UNKNOWN;
-            Check(provider->GetThumbnail(edge, &bitmap, &alpha), L"GetThumbnail");
-            TakeResult(TakePicture(UniqueBitmap(bitmap)), std::to_wstring(edge), result);
-            result.picture.isOpaque = alpha != WTSAT_ARGB;
-        });
+void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned edge,
+                     std::vector<HandlerResult>& results) {
+    Attempt(results, HandlerKind::Thumbnail, std::to_wstring(edge), [&](HandlerResult& result) {
+        ComPtr<IThumbnailProvider> provider;
+        Check(CreateOverStream(registry, HandlerKind::Thumbnail, file).As(&provider), L"IThumbnailProvider");
+        HBITMAP bitmap = nullptr;
+        WTS_ALPHATYPE alpha = WTSAT_UNKNOWN;
+        Check(provider->GetThumbnail(edge, &bitmap, &alpha), L"GetThumbnail");
+        TakeResult(TakePicture(UniqueBitmap(bitmap)), std::to_wstring(edge), result);
+        result.picture.isOpaque = alpha != WTSAT_ARGB;
+    });
 }
 
 void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
     ComPtr<IPropertyStore> store;
     DWORD count = 0;
-    try {
+    Attempt(results, HandlerKind::Properties, L"all", [&](HandlerResult&) {
         Check(CreateOverStream(registry, HandlerKind::Properties, file).As(&store), L"IPropertyStore");
         Check(store->GetCount(&count), L"GetCount");
-    } catch (const Failure& failure) {
-        Attempt(results, HandlerKind::Properties, L"all", [&](HandlerResult&) { throw failure; });
+    });
+    if (!results.back().ok)
         return;
-    }
+    results.pop_back();
     for (DWORD i = 0; i < count; ++i) {
         PROPERTYKEY key{};
         const HRESULT named = store->GetAt(i, &key);
@@ -173,8 +172,7 @@ void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
     // Not square, so that the bars around the picture are visible.
     constexpr SIZE box = {160, 120};
     ComPtr<IExtractImage2> extractor;
-    const std::wstring size = std::to_wstring(box.cx) + L" x " + std::to_wstring(box.cy);
-    Attempt(results, HandlerKind::ExtractImage, size, [&](HandlerResult& result) {
+    Attempt(results, HandlerKind::ExtractImage, SizeText(box.cx, box.cy), [&](HandlerResult& result) {
         extractor = CreateOverPath<IExtractImage2>(registry, HandlerKind::ExtractImage, file);
         std::array<wchar_t, MAX_PATH> location{};
         DWORD priority = 0;

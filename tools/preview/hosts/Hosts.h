@@ -6,7 +6,6 @@
 #include "tools/terminal/InputFile.h"
 
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -26,18 +25,17 @@ struct HandlerResult {
     HRESULT code = S_OK;
     std::optional<PixelSize> size{}; // of the picture, or as the value says
     Picture picture{};
-    bool isForSheetAlone = false; // and gets no PNG file
     std::optional<unsigned> number{};
     std::wstring isoTime{};
-    std::wstring pngSuffix{};
-    std::wstring png{}; // where the picture was written; empty if it was not
+    std::wstring pngSuffix{}; // empty: it gets no PNG file
+    std::wstring png{};       // where the picture was written; empty if it was not
 };
 
 // Each appends one result per request, also for failed requests.
 
-// Explorer's thumbnails: a stream in, a bitmap of at most the given edge in pixels out.
-void AskForThumbnails(HandlerRegistry& registry, const InputFile& file, std::span<const unsigned> edges,
-                      std::vector<HandlerResult>& results);
+// Explorer's thumbnail: a stream in, a bitmap of at most the given edge in pixels out.
+void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned edge,
+                     std::vector<HandlerResult>& results);
 // The property system: a stream in, every property of the store out.
 void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results);
 // Older hosts: a path in, a bitmap from a second thread and the file's date out.

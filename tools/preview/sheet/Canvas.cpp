@@ -2,6 +2,7 @@
 
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
+#include "tools/terminal/NumberText.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -52,9 +53,7 @@ Canvas::Canvas(unsigned width, unsigned height, COLORREF background) : width_(wi
     void* bits = nullptr;
     bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!bitmap_)
-        throw Failure(L"no memory for a sheet of " + std::to_wstring(width) + L" x " +
-                          std::to_wstring(height) + L" pixels",
-                      E_OUTOFMEMORY);
+        throw Failure(L"no memory for a sheet of " + SizeText(width, height) + L" pixels", E_OUTOFMEMORY);
     pixels_ = static_cast<std::uint32_t*>(bits);
     context_.reset(CreateCompatibleDC(nullptr));
     SelectObject(context_.get(), bitmap_.get());
