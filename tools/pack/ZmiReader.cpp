@@ -1,7 +1,6 @@
 #include "tools/pack/ZmiReader.h"
 
 #include "tools/pack/ZmiWriter.h"
-#include "tools/picture/PaletteSearch.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
 
@@ -60,18 +59,16 @@ FileFrame ZmiReader::SoundFrame(unsigned index) {
 SourceFrame ZmiReader::Frame(unsigned index) {
     const FileFrame frame = SoundFrame(index);
     SourceFrame facts = {.width = frame.record.width, .height = frame.record.height};
-    const std::uint32_t key = frame.record.transparentKey;
-    if ((frame.record.flags & transparencyFlag) == 0 || Mode() != keptMode_)
+    const auto key = TransparentKey(frame.record);
+    if (!key || Mode() != keptMode_)
         return facts;
-    if (Mode() == PixelMode::Rgb565 && key <= 0xFFFF)
-        facts.key = static_cast<std::uint16_t>(key);
-    if (Mode() == PixelMode::Indexed && key < paletteEntries) {
-        std::uint16_t color = 0;
+    auto color = static_cast<std::uint16_t>(*key);
+    if (Mode() == PixelMode::Indexed) {
         std::ifstream stream(LongPath(path_), std::ios::binary);
-        stream.seekg(frame.paletteOffset + key * std::streamoff{sizeof color});
+        stream.seekg(frame.paletteOffset + *key * std::streamoff{sizeof color});
         stream.read(reinterpret_cast<char*>(&color), sizeof color);
-        facts.key = color;
     }
+    facts.key = color;
     return facts;
 }
 
