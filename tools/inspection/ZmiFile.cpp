@@ -143,29 +143,33 @@ std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const
     return {};
 }
 
-std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned& width, unsigned& height) {
+std::wstring OpenZmiFile(const std::filesystem::path& path, std::optional<ZmiFile>& file) {
     try {
-        ZmiFile file(path);
-        if (const std::wstring fault = file.Fault(); !fault.empty())
-            return fault;
-        FrameReader& frames = file.Frames();
-        for (std::uint16_t i = 0; i < frames.FrameCount(); ++i) {
-            const auto frame = frames.Frame(i);
-            if (!frame)
-                return L"the record at offset " + Grouped(file.RecordOffset(i)) + L" cannot be read";
-            // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
-            if (i == 0 || PreventsLoading(frame->fault))
-                if (const std::wstring fault = file.FaultOf(i, *frame); !fault.empty())
-                    return fault;
-            if (i == 0) {
-                width = frame->record.width;
-                height = frame->record.height;
-            }
-        }
-        return std::nullopt;
+        return file.emplace(path).Fault();
     } catch (const Failure& failure) {
         return failure.Message();
     }
+}
+
+std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned& width, unsigned& height) {
+    std::optional<ZmiFile> file;
+    if (const std::wstring fault = OpenZmiFile(path, file); !fault.empty())
+        return fault;
+    FrameReader& frames = file->Frames();
+    for (std::uint16_t i = 0; i < frames.FrameCount(); ++i) {
+        const auto frame = frames.Frame(i);
+        if (!frame)
+            return L"the record at offset " + Grouped(file->RecordOffset(i)) + L" cannot be read";
+        // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
+        if (i == 0 || PreventsLoading(frame->fault))
+            if (const std::wstring fault = file->FaultOf(i, *frame); !fault.empty())
+                return fault;
+        if (i == 0) {
+            width = frame->record.width;
+            height = frame->record.height;
+        }
+    }
+    return std::nullopt;
 }
 
 unsigned SmallestThumbnail(unsigned width, unsigned height) {

@@ -47,6 +47,10 @@ private:
     FrameReader frames_;
 };
 
+// Opens a file. Returns what is wrong with it as a whole, or why it can't be opened and stays absent; empty
+// if nothing is wrong.
+std::wstring OpenZmiFile(const std::filesystem::path& path, std::optional<ZmiFile>& file);
+
 // Why the Shell shows no picture of the file; nothing if it shows one, unless it is too thin. The first
 // frame's size in pixels is then stored.
 std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigned& width, unsigned& height);

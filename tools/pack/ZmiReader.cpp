@@ -13,13 +13,7 @@ namespace vantrel::tools {
 
 ZmiReader::ZmiReader(const std::filesystem::path& path, std::optional<PixelMode> keptMode)
     : path_(path), keptMode_(keptMode) {
-    std::wstring fault;
-    try {
-        fault = file_.emplace(path).Fault();
-    } catch (const Failure& failure) {
-        fault = failure.Message();
-    }
-    if (!fault.empty())
+    if (const std::wstring fault = OpenZmiFile(path, file_); !fault.empty())
         throw Failure(path.wstring() + L": " + fault);
 }
 

@@ -52,12 +52,8 @@ bool Unpacker::UnpackFile(const InputFile& input) {
     Results results;
     std::optional<ZmiFile> file;
     std::wstring fault = input.fault;
-    try {
-        if (fault.empty())
-            fault = file.emplace(input.path).Fault();
-    } catch (const Failure& failure) {
-        fault = failure.Message();
-    }
+    if (fault.empty())
+        fault = OpenZmiFile(input.path, file);
     unsigned count = file ? file->Frames().FrameCount() : 0;
     if (fault.empty() && options_.frames.Last() > count) {
         fault = L"there is no frame " + Grouped(options_.frames.Last()) + L"; the file has " + Grouped(count);

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t mostFiles = 500;
 constexpr std::size_t mostLargeCards = 48;
-constexpr unsigned largeEdge = 256;
-constexpr unsigned compactEdge = 160;
+constexpr LONG largeEdge = 256;
+constexpr LONG compactEdge = 160;
 
 constexpr LONG margin = 32;
 constexpr LONG gap = 24;
@@ -33,18 +33,17 @@ constexpr COLORREF inkColor = RGB(28, 33, 40);
 constexpr COLORREF greyColor = RGB(98, 108, 120);
 constexpr COLORREF alarmColor = RGB(176, 42, 30);
 
-LONG CardWidth(unsigned edge) {
-    return static_cast<LONG>(edge) + 2 * padding;
+LONG CardWidth(LONG edge) {
+    return edge + 2 * padding;
 }
 
-LONG CardHeight(unsigned edge) {
-    return 2 * padding + static_cast<LONG>(edge) + belowThumbnail + titleHeight + 3 * lineHeight +
-           aboveIcons + iconRowHeight;
+LONG CardHeight(LONG edge) {
+    return 2 * padding + edge + belowThumbnail + titleHeight + 3 * lineHeight + aboveIcons + iconRowHeight;
 }
 
 // Somewhat wider than high, like screens and pages, but not too wide; of the two column counts closest to
 // that shape, the one that leaves fewer places empty.
-LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
+LONG ColumnsFor(std::size_t fileCount, LONG edge) {
     constexpr double widthToHeight = 1.3;
     constexpr LONG mostColumns = 12;
     const auto files = static_cast<LONG>(fileCount);
@@ -55,7 +54,7 @@ LONG ColumnsFor(std::size_t fileCount, unsigned edge) {
     return emptyPlaces(more) < emptyPlaces(fewer) ? more : fewer;
 }
 
-Canvas MakePage(std::size_t fileCount, unsigned edge, LONG columns) {
+Canvas MakePage(std::size_t fileCount, LONG edge, LONG columns) {
     if (fileCount > mostFiles)
         throw Failure(L"a sheet holds at most " + std::to_wstring(mostFiles) + L" files, not " +
                       std::to_wstring(fileCount));
@@ -83,10 +82,6 @@ std::wstring SizeAndDepth(const FileReport& report) {
 ContactSheet::ContactSheet(std::size_t fileCount)
     : edge_(fileCount > mostLargeCards ? compactEdge : largeEdge), columns_(ColumnsFor(fileCount, edge_)),
       canvas_(MakePage(fileCount, edge_, columns_)) {
-    DrawHeading(fileCount);
-}
-
-void ContactSheet::DrawHeading(std::size_t fileCount) {
     const LONG right = static_cast<LONG>(canvas_.Width()) - margin;
     canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColor,
                  DT_SINGLELINE | DT_VCENTER);
@@ -104,8 +99,7 @@ void ContactSheet::Add(const FileReport& report) {
     canvas_.Fill({card.left - 1, card.top - 1, card.right + 1, card.bottom + 2}, edgeColor);
     canvas_.Fill(card, cardColor);
 
-    const LONG edge = static_cast<LONG>(edge_);
-    const RECT well{left + padding, top + padding, left + padding + edge, top + padding + edge};
+    const RECT well{left + padding, top + padding, left + padding + edge_, top + padding + edge_};
     const HandlerResult* thumbnail = report.Find(HandlerKind::Thumbnail, std::to_wstring(edge_));
     canvas_.Fill(well, thumbnail ? wellColor : failedColor);
     if (thumbnail) {
@@ -142,10 +136,10 @@ void ContactSheet::Add(const FileReport& report) {
                      greyColor, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
 }
 
-void ContactSheet::DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle) {
+void ContactSheet::DrawIcon(const FileReport& report, LONG edge, LONG& x, LONG middle) {
     constexpr LONG border = 6;
     constexpr LONG labelWidth = 34;
-    const LONG half = static_cast<LONG>(edge) / 2 + border;
+    const LONG half = edge / 2 + border;
     const RECT tile{x, middle - half, x + 2 * half, middle + half};
     canvas_.Fill({tile.left - 1, tile.top - 1, tile.right + 1, tile.bottom + 1}, edgeColor);
     const HandlerResult* icon = report.Find(HandlerKind::Icon, std::to_wstring(edge));

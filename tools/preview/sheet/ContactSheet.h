@@ -15,7 +15,7 @@ public:
     explicit ContactSheet(std::size_t fileCount);
 
     // The thumbnail size on the cards, in pixels: smaller for many files.
-    unsigned ThumbnailEdge() const { return edge_; }
+    unsigned ThumbnailEdge() const { return static_cast<unsigned>(edge_); }
 
     // Draws the next card. The report's pictures are needed only during the call.
     void Add(const FileReport& report);
@@ -24,10 +24,9 @@ public:
     void Save(const std::filesystem::path& file, const OutputGuard& guard) const;
 
 private:
-    void DrawHeading(std::size_t fileCount);
-    void DrawIcon(const FileReport& report, unsigned edge, LONG& x, LONG middle);
+    void DrawIcon(const FileReport& report, LONG edge, LONG& x, LONG middle);
 
-    unsigned edge_;
+    LONG edge_; // of thumbnails
     LONG columns_;
     LONG added_ = 0;
     Canvas canvas_;
