@@ -20,7 +20,7 @@ struct PackOptions {
     bool force = false;
     bool dither = true;
     bool rotate = true;                        // as an input's orientation says
-    std::vector<std::filesystem::path> inputs; // as typed; empty: the blank default picture
+    std::vector<std::filesystem::path> inputs; // as typed; empty: the blank picture
     std::filesystem::path output;
     bool each = false;                        // one file per input, in the folder `out`
     std::optional<std::filesystem::path> out; // without: the current one

@@ -28,7 +28,7 @@ public:
 
     const std::vector<std::filesystem::path>& AllInputs() const { return inputs_; }
 
-    // Packs some of the inputs, or the blank default picture when there are none. Returns what the file
+    // Packs some of the inputs, or the blank picture when there are none. Returns what the file
     // contains. Throws Failure; the output is then unchanged.
     ZmiContent Pack(Inputs inputs, const std::filesystem::path& output, NameOrigin origin);
     // Copies the first input, a ZMI file, with another title. Throws as Pack does.

@@ -26,7 +26,7 @@ struct ZmiFrame {
 struct ZmiContent {
     std::string title; // in the ANSI code page, at most longestTitle bytes
     PixelMode mode = PixelMode::Rgb565;
-    std::vector<ZmiFrame> frames;   // empty: the blank default picture
+    std::vector<ZmiFrame> frames;   // empty: the blank picture
     std::optional<Palette> palette; // for indexed mode
 };
 

@@ -44,7 +44,7 @@ std::wstring DescribeFrames(const std::vector<ZmiFrame>& frames) {
 std::wstring Describe(const std::filesystem::path& output, const ZmiContent& content) {
     std::wstring text = output.wstring() + L": ";
     if (content.frames.empty())
-        text += L"the blank default picture";
+        text += L"the blank picture";
     else
         text +=
             DescribeFrames(content.frames) + (content.mode == PixelMode::Monochrome ? L", 1 bit per pixel"
