@@ -1,10 +1,8 @@
-#include "tests/door/KeptRegistration.h"
 #include "tests/host/Requests.h"
 #include "tests/host/ResourceWatch.h"
+#include "tests/host/ScratchRegistry.h"
 
 #include <shlobj.h>
-
-#include <process.h>
 
 #include <cwchar>
 #include <functional>
@@ -102,39 +100,12 @@ void List(HKEY key, const Line& path, std::set<Line>& lines) {
     }
 }
 
-// The current user's and the machine's registry, redirected to keys that are deleted with the test.
-class ScratchRegistry {
-public:
-    ScratchRegistry() {
-        RegCreateKeyW(HKEY_CURRENT_USER, name_.c_str(), &base_);
-        RegCreateKeyW(base_, L"User", &user_);
-        RegCreateKeyW(base_, L"Machine", &machine_);
-        EXPECT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CURRENT_USER, user_));
-        EXPECT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine_));
-    }
-    ScratchRegistry(const ScratchRegistry&) = delete;
-    ScratchRegistry& operator=(const ScratchRegistry&) = delete;
-    ~ScratchRegistry() {
-        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        for (const HKEY key : {user_, machine_, base_})
-            RegCloseKey(key);
-        EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str()));
-    }
-
-    std::set<Line> Content() const {
-        std::set<Line> lines;
-        List(user_, L"User", lines);
-        List(machine_, L"Machine", lines);
-        return lines;
-    }
-
-private:
-    std::wstring name_ = L"Software\\Vantrel64-door-" + std::to_wstring(GetCurrentProcessId());
-    HKEY base_ = nullptr;
-    HKEY user_ = nullptr;
-    HKEY machine_ = nullptr;
-};
+std::set<Line> Content() {
+    std::set<Line> lines;
+    List(HKEY_CURRENT_USER, L"User", lines);
+    List(HKEY_LOCAL_MACHINE, L"Machine", lines);
+    return lines;
+}
 
 // The listing of a scratch registry with only these values and keys.
 std::set<Line> Listing(const Lines& lines) {
@@ -210,7 +181,7 @@ TEST(Registration, WritesTwentyEightValuesInOrder) {
         RegistryWatch watch;
         EXPECT_EQ(S_OK, Register());
         watch.ExpectOutcome(ExpectedLines(), 1);
-        EXPECT_EQ(Listing(ExpectedLines()), registry.Content()) << "twice is once";
+        EXPECT_EQ(Listing(ExpectedLines()), Content()) << "twice is once";
     }
 }
 
@@ -227,7 +198,7 @@ TEST(Registration, StopsAtTheFirstRowThatFails) {
             EXPECT_EQ(static_cast<HRESULT>(0x80070005), Register());
             const Lines rows(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(row));
             watch.ExpectOutcome(rows, 0);
-            EXPECT_TRUE(refuseSet || Listing(rows) == registry.Content());
+            EXPECT_TRUE(refuseSet || Listing(rows) == Content());
         }
     }
 }
@@ -248,7 +219,7 @@ TEST(Registration, NeedsTheModulesPath) {
             });
         EXPECT_EQ(HRESULT_FROM_WIN32(error), Register());
         if (length == 0)
-            EXPECT_EQ(Listing({}), registry.Content());
+            EXPECT_EQ(Listing({}), Content());
         else
             EXPECT_TRUE(watch.written.at(1).ends_with(L"||" + std::wstring(259, L'x')));
     }
@@ -280,7 +251,7 @@ TEST(Unregistration, TakesAwayOursAndNothingElse) {
         RegistryWatch watch;
         watch.create = [=] { return status; };
         EXPECT_EQ(S_OK, Unregister());
-        EXPECT_EQ(Listing(left), registry.Content());
+        EXPECT_EQ(Listing(left), Content());
         watch.ExpectOutcome({}, 1);
     }
 }
@@ -291,7 +262,7 @@ TEST(Unregistration, LeavesTheKeysAroundOurs) {
     EXPECT_EQ(Listing({LR"(User\Software\Classes\CLSID)", LR"(User\Software\Classes\.zmi\ShellEx)",
                        LR"(User\Software\Classes\Folder\ShellEx\ColumnHandlers)",
                        LR"(Machine\Software\Microsoft\Windows\CurrentVersion\PropertySystem)"}),
-              registry.Content());
+              Content());
 }
 
 TEST(Registration, SurvivesAStarvingMachine) {
@@ -302,7 +273,7 @@ TEST(Registration, SurvivesAStarvingMachine) {
             ResourceWatch watch(number, mode);
             EXPECT_EQ(S_OK, Register());
             EXPECT_EQ(S_OK, Unregister());
-            const std::set<Line> left = registry.Content();
+            const std::set<Line> left = Content();
             EXPECT_EQ(1, std::ranges::count_if(
                              left, [](const Line& line) { return line.find(L'|') != Line::npos; }))
                 << "taking " << number;
@@ -310,31 +281,6 @@ TEST(Registration, SurvivesAStarvingMachine) {
             refused = !watch.RefusedName().empty();
         }
     }
-}
-
-// In the real registry, since a child process can't be redirected.
-TEST(Registration, WorksThroughRegsvr32) {
-    if (!IsAdministrator())
-        GTEST_SKIP() << "registering needs administrator rights";
-    const KeptRegistration kept;
-    const auto regsvr32 = [](const wchar_t* option) {
-        wchar_t folder[MAX_PATH];
-        GetSystemDirectoryW(folder, MAX_PATH);
-        const std::wstring program = folder + Line(L"\\regsvr32.exe"), path = L'"' + DllPath() + L'"';
-        return _wspawnl(_P_WAIT, program.c_str(), L"regsvr32", L"/s", option, path.c_str(), nullptr);
-    };
-    const auto server = [] {
-        wchar_t path[MAX_PATH] = L"";
-        DWORD size = sizeof path;
-        RegGetValueW(HKEY_CURRENT_USER,
-                     LR"(Software\Classes\CLSID\{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32)",
-                     nullptr, RRF_RT_REG_SZ, nullptr, path, &size);
-        return std::wstring(path);
-    };
-    EXPECT_EQ(0, regsvr32(L"/s"));
-    EXPECT_EQ(DllPath(), server());
-    EXPECT_EQ(0, regsvr32(L"/u"));
-    EXPECT_EQ(L"", server());
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "tests/host/ScratchRegistry.h"
 #include "tests/tools/ToolTest.h"
 #include "tools/preview/doctor/Diagnosis.h"
 
@@ -234,15 +235,7 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     Write(L"thin.zmi", ZmiBuilder{.frames = {{300, 1}}}.Build());
     std::filesystem::create_directory(folder_ / L"empty");
 
-    // In this process the two hives are keys that are deleted with the test; COM and the Shell see the real
-    // ones.
-    constexpr wchar_t scratch[] = LR"(Software\Vantrel doctor test)";
-    HKEY user = nullptr;
-    HKEY machine = nullptr;
-    RegCreateKeyW(HKEY_CURRENT_USER, (scratch + std::wstring(LR"(\User)")).c_str(), &user);
-    RegCreateKeyW(HKEY_CURRENT_USER, (scratch + std::wstring(LR"(\Machine)")).c_str(), &machine);
-    RegOverridePredefKey(HKEY_CURRENT_USER, user);
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine);
+    const ScratchRegistry registry;
     const auto set = [](HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
         const auto size = static_cast<DWORD>(text.size() * 2 + 2);
         RegSetKeyValueW(root, key.c_str(), name, text == L"1" ? REG_DWORD : REG_SZ, text.c_str(), size);
@@ -265,12 +258,6 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
         L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}", L"");
     const DoctorFacts facts = GatherFacts(
         {}, {folder_ / L"empty", folder_ / L"mode3.zmi", folder_ / L"frameless.zmi", folder_ / L"thin.zmi"});
-    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-    RegCloseKey(user);
-    RegCloseKey(machine);
-    RegDeleteTreeW(HKEY_CURRENT_USER, scratch);
-
     std::wstring told;
     for (const std::wstring& line : Told(facts))
         told += line + L'\n';
