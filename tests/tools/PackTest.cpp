@@ -7,21 +7,17 @@ namespace {
 
 using namespace std::literals;
 
-// The pixel values of a frame, row by row; in black and white its bytes.
-struct Frame {
-    Frame(const Bytes& file, std::size_t index) {
-        const FileFacts facts(file);
-        width = facts.Width(index);
-        height = facts.Height(index);
-        const std::size_t bytes = facts.mode == 2 ? 2 : 1;
-        for (std::size_t i = 0; i < facts.FrameBytes(index); i += bytes)
-            values.push_back(GetField(file, facts.PixelsAt(index) + i, {0, bytes}));
-    }
+constexpr const wchar_t* modeNames[] = {L"1", L"8", L"565"}; // 0 to 2 in a file
 
-    std::size_t width;
-    std::size_t height;
+// The pixel values of a frame, row by row; in black and white its bytes.
+std::vector<std::uint32_t> Values(const Bytes& file, std::size_t index) {
+    const FileFacts facts(file);
+    const std::size_t bytes = facts.mode == 2 ? 2 : 1;
     std::vector<std::uint32_t> values;
-};
+    for (std::size_t i = 0; i < facts.FrameBytes(index); i += bytes)
+        values.push_back(GetField(file, facts.PixelsAt(index) + i, {0, bytes}));
+    return values;
+}
 
 // The same as 16-bit colours, with one more bit for transparent pixels.
 std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t index) {
@@ -31,7 +27,7 @@ std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t index) {
         facts.hasTable ? facts.Record(index, frame_record::flags) : facts.Header(image_header::flags);
     const std::uint32_t key = facts.hasTable ? facts.Record(index, frame_record::transparentKey)
                                              : facts.Header(image_header::transparentKey);
-    std::vector<std::uint32_t> shown = Frame(file, index).values;
+    std::vector<std::uint32_t> shown = Values(file, index);
     for (std::uint32_t& value : shown) {
         const std::uint32_t transparent =
             facts.mode != 0 && flags / 32 % 2 == 1 && value == key ? 0x10000 : 0;
@@ -45,28 +41,40 @@ std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t index) {
 // A sequence of numbers in one byte order.
 struct Numbers {
     bool bigEndian = false;
-    std::string text;
+    std::string text{};
 
-    Numbers& Add(std::uint32_t value, std::size_t width) {
+    Numbers& Add(std::uint64_t value, std::size_t width) {
         for (std::size_t i = 0; i < width; ++i)
             text += static_cast<char>(value >> 8 * (bigEndian ? width - 1 - i : i));
         return *this;
     }
 };
 
-// Every number takes two bytes.
-std::string Tiff(bool bigEndian, const std::vector<std::pair<std::uint32_t, std::uint32_t>>& entries) {
+// Tags and their values; every number takes two bytes.
+using TiffEntries = std::vector<std::pair<std::uint32_t, std::uint32_t>>;
+
+std::string Tiff(bool bigEndian, const TiffEntries& entries) {
     Numbers tiff{bigEndian, bigEndian ? "MM" : "II"};
-    tiff.Add(42, 2).Add(8, 4).Add(static_cast<std::uint32_t>(entries.size()), 2);
+    tiff.Add(42, 2).Add(8, 4).Add(entries.size(), 2);
     for (const auto& [tag, value] : entries)
         tiff.Add(tag, 2).Add(3, 2).Add(1, 4).Add(value, 2).Add(0, 2);
     return tiff.Add(0, 4).text;
 }
 
+constexpr std::uint32_t orientationTag = 0x0112;
+
+// A square in shades of gray, of which 2 x 2 pixels are there: a b over c d.
+std::string GrayTiff(std::uint32_t edge, std::uint32_t orientation) {
+    const TiffEntries entries = {
+        {256, edge}, {257, edge}, {258, 8}, {259, 1}, {262, 1}, {273, 134}, {orientationTag, orientation},
+        {277, 1},    {278, edge}, {279, 4}};
+    return Tiff(true, entries) + "\0\x50\xA0\xF0"s;
+}
+
 // 24 x 16 pixels, dark to light: a b b over c d d, 8 x 8 each.
 std::string Jpeg(const std::string& exif) {
-    return "\xFF\xD8"s + Numbers{true, "\xFF\xE1"}.Add(static_cast<std::uint32_t>(exif.size() + 8), 2).text +
-           "Exif\0\0"s + exif + "\xFF\xDB\0\x43\0"s + std::string(64, '\x80') +
+    return "\xFF\xD8"s + Numbers{true, "\xFF\xE1"}.Add(exif.size() + 8, 2).text + "Exif\0\0"s + exif +
+           "\xFF\xDB\0\x43\0"s + std::string(64, '\x80') +
            "\xFF\xC0\0\x0B\x08\0\x10\0\x18\1\1\x11\0"
            "\xFF\xC4\0\x16\0\1\1\1\0\0\0\0\0\0\0\0\0\0\0\0\0\3\4\0"
            "\xFF\xC4\0\x14\x10\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
@@ -81,38 +89,22 @@ struct GifLayer {
 std::string Gif(unsigned width, unsigned height, const std::vector<GifLayer>& layers) {
     Numbers gif{false, "GIF89a"};
     gif.Add(width, 2).Add(height, 2).Add(0x0181, 3).text += "\0\0\0\xFF\0\0\0\xFF\0\0\0\xFF"s;
-    for (const GifLayer& layer : layers) {
-        const auto columns = static_cast<std::uint32_t>(std::min(layer.rows.find('/'), layer.rows.size()));
-        const auto rows =
-            static_cast<std::uint32_t>(std::count(layer.rows.begin(), layer.rows.end(), '/') + 1);
-        gif.Add(0x04F921, 3)
-            .Add(layer.disposal << 2 | 1, 4)
-            .Add(0, 1)
-            .Add(0x2C, 1)
-            .Add(layer.x, 2)
-            .Add(layer.y, 2);
-        gif.Add(columns, 2).Add(rows, 2).Add(0x0200, 2);
-        // Three bits per code: a clear code (4) before every pixel, and the end code (5).
+    for (const auto& [x, y, disposal, pixels] : layers) {
+        const std::size_t rows = static_cast<std::size_t>(std::ranges::count(pixels, '/')) + 1;
+        gif.Add(0x04F921, 3).Add(disposal << 2 | 1, 5).Add(0x2C, 1).Add(x, 2).Add(y, 2);
+        gif.Add((pixels.size() + 1) / rows - 1, 2).Add(rows, 2).Add(0x0700, 2);
+        // A clear code before every pixel keeps all codes at 8 bits.
         std::string codes;
-        for (const char pixel : layer.rows)
+        for (const char pixel : pixels)
             if (pixel != '/')
-                codes += {4, static_cast<char>(".rgb"sv.find(pixel))};
-        codes += 5;
-        Bytes packed((codes.size() * 3 + 7) / 8);
-        for (std::size_t bit = 0; bit < codes.size() * 3; ++bit)
-            packed[bit / 8] |= static_cast<std::uint8_t>((codes[bit / 3] >> bit % 3 & 1) << bit % 8);
-        gif.Add(static_cast<std::uint32_t>(packed.size()), 1).text.append(packed.begin(), packed.end());
-        gif.Add(0, 1);
+                codes += {'\x80', static_cast<char>(".rgb"sv.find(pixel))};
+        gif.Add(codes.size() + 1, 1).text += codes + "\x81\0"s;
     }
     return gif.text + ";";
 }
 
 class PackTest : public ToolTest {
 protected:
-    void WriteText(const std::wstring& name, const std::string& text) const {
-        Write(name, Bytes(text.begin(), text.end()));
-    }
-
     // A bitmap file of 0xRRGGBB colours from the top left: one for each pixel, or a pseudo-random mix of
     // them.
     void WriteBitmap(const std::wstring& name, std::uint32_t width, std::uint32_t height,
@@ -149,20 +141,28 @@ TEST_F(PackTest, WritesTheDocumentedBytes) {
 TEST_F(PackTest, GivesWhatPacksToTheSameBytesAgain) {
     WriteBitmap(L"0.bmp", 13, 9, {0x000000, 0xFFFFFF});
     WriteBitmap(L"1.bmp", 5, 7, {0xFF0000, 0x08F8FF, 0xFFFFFF, 0x1020A0, 0x000000});
-    const std::pair<const wchar_t*, Arguments> modes[] = {
-        {L"1", {}}, {L"8", {L"--transparent", L"08f8ff"}}, {L"565", {L"--transparent", L"08f8ff"}}};
-    for (const auto& [mode, options] : modes) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(mode)));
-        const auto pack = [&](Arguments inputs, const wchar_t* output) {
-            inputs.insert(inputs.begin(), options.begin(), options.end());
-            inputs.insert(inputs.end(), {L"--mode", mode, output});
-            Pack(inputs).Ended(0);
-            return Read(output);
+    for (const std::wstring mode : modeNames) {
+        SCOPED_TRACE(testing::PrintToString(mode));
+        const auto pack = [&](Arguments arguments) {
+            if (mode != modeNames[0])
+                arguments.insert(arguments.end(), {L"--transparent", L"08f8ff"});
+            arguments.insert(arguments.end(), {L"--mode", mode, L"b.zmi"});
+            Pack(arguments).Ended(0);
+            return Read(L"b.zmi");
         };
-        const Bytes packed = pack({L"0.bmp", L"1.bmp"}, L"a.zmi");
+        const Bytes single = pack({L"1.bmp"});
+        Unpack({L"--gif", L"b.gif", L"b.zmi"}).Ended(0);
+        EXPECT_EQ(single, pack({L"b.gif"}));
+
+        const Bytes packed = pack({L"0.bmp", L"1.bmp"});
+        ASSERT_EQ(Verdict::Loads, Judge(packed));
+        EXPECT_EQ(5u, FileFacts(packed).Width(1));
+        EXPECT_EQ(7u, FileFacts(packed).Height(1));
+        EXPECT_EQ(Shown(single, 0), Shown(packed, 1));
+        Write(L"a.zmi", packed);
         Unpack({L"--force", L"a.zmi"}).Ended(0);
-        EXPECT_EQ(packed, pack({L"a-001.png", L"a-002.png"}, L"b.zmi"));
-        EXPECT_EQ(packed, pack({L"a.zmi"}, L"b.zmi"));
+        EXPECT_EQ(packed, pack({L"a-001.png", L"a-002.png"}));
+        EXPECT_EQ(packed, pack({L"a.zmi"}));
         // Without options the frames keep all that they are.
         Pack({L"a.zmi", L"b.zmi"}).Ended(0);
         EXPECT_EQ(packed, Read(L"b.zmi"));
@@ -205,12 +205,7 @@ TEST_F(PackTest, JoinsZmiFilesWithoutChangingAPixel) {
         // With too many colours for one table, the transparent pixels stay the same.
         two.frames = {{64, 64}};
         Write(L"two.zmi", two.Build());
-        Pack({L"--mode",
-              mode == 0   ? L"1"
-              : mode == 1 ? L"8"
-                          : L"565",
-              L"red.bmp", L"one.zmi", L"two.zmi", L"joined.zmi"})
-            .Ended(0);
+        Pack({L"--mode", modeNames[mode], L"red.bmp", L"one.zmi", L"two.zmi", L"joined.zmi"}).Ended(0);
         const std::vector<std::uint32_t> many = Shown(two.Build(), 0),
                                          reduced = Shown(Read(L"joined.zmi"), 3);
         ASSERT_EQ(many.size(), reduced.size());
@@ -236,41 +231,18 @@ TEST_F(PackTest, PacksEachInputIntoItsOwnFile) {
     WriteText(L"in/two.gif", Gif(1, 1, {{0, 0, 0, "r"}, {0, 0, 0, "g"}}));
     Write(L"in/z.zmi", ZmiBuilder{}.Build());
     for (int i = 0; i < 2; ++i) { // the same bytes may be there already
-        const ToolRun run = Pack({L"--each", L"--out", L"out", L"in/*.*"});
-        run.Ended(1, "broken.bmp: cannot be read");
-        EXPECT_TRUE(Contains(run.err, "z.zmi: this is a ZMI file already")) << run.err;
-        EXPECT_EQ(3, std::distance(std::filesystem::directory_iterator(folder_ / L"out"), {}));
+        Pack({L"--each", L"--out", L"out", L"in/*.*"})
+            .Ended(1, "broken.bmp: cannot be read", "z.zmi: this is a ZMI file already");
+        EXPECT_EQ(3, FileCount(L"out"));
     }
-    EXPECT_EQ(2u, Frame(Read(LR"(out\pic.zmi)"), 0).width);
-    EXPECT_EQ(3u, Frame(Read(LR"(out\pic (2).zmi)"), 0).width);
+    EXPECT_EQ(2u, FileFacts(Read(LR"(out\pic.zmi)")).Width(0));
+    EXPECT_EQ(3u, FileFacts(Read(LR"(out\pic (2).zmi)")).Width(0));
     EXPECT_EQ(2u, FileFacts(Read(LR"(out\two.zmi)")).FrameCount());
     Pack({L"--each", L"--title", L"T", L"in"}).Ended(2, "--title with --each needs a single input");
     Pack({L"--each", L"--out=out", L"--mode=1", L"in/pic.bmp"})
         .Ended(1, "already exists with other contents");
     Pack({L"--each", L"--force", L"--out=out", L"--title=T", L"in/pic.bmp"}).Ended(0);
     EXPECT_EQ('T', Read(LR"(out\pic.zmi)")[file_header::size]);
-}
-
-TEST_F(PackTest, KeepsEveryFrameItsOwnSizeAndPixels) {
-    const std::pair<std::uint32_t, std::uint32_t> sizes[] = {{3, 5}, {17, 2}, {8, 9}};
-    const Arguments names = {L"0.bmp", L"1.bmp", L"2.bmp"};
-    for (std::size_t i = 0; i < names.size(); ++i)
-        WriteBitmap(names[i], sizes[i].first, sizes[i].second, {0xFFFFFF, 0x000000});
-    for (const std::wstring mode : {L"1", L"8", L"565"}) {
-        Pack({L"--mode", mode, names[0], names[1], names[2], L"all.zmi"}).Ended(0);
-        const Bytes all = Read(L"all.zmi");
-        ASSERT_EQ(Verdict::Loads, Judge(all));
-        const FileFacts facts(all);
-        EXPECT_EQ(names.size(), facts.FrameCount());
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            Pack({L"--mode", mode, names[i], L"one.zmi"}).Ended(0);
-            const Bytes one = Read(L"one.zmi");
-            const FileFacts expected(one);
-            EXPECT_EQ(sizes[i], std::pair(facts.Width(i), facts.Height(i)));
-            EXPECT_EQ(expected.Header(image_header::flags), facts.Record(i, frame_record::flags));
-            EXPECT_EQ(Frame(one, 0).values, Frame(all, i).values);
-        }
-    }
 }
 
 TEST_F(PackTest, LaysGifFramesOverEachOther) {
@@ -301,50 +273,32 @@ TEST_F(PackTest, LaysGifFramesOverEachOther) {
 }
 
 TEST_F(PackTest, TurnsPhotosUpright) {
-    constexpr std::uint32_t orientation = 0x0112;
     const char* const corners[] = {"abcd", "abcd", "badc", "dcba", "cdab",
                                    "acbd", "cadb", "dbca", "bdac", "abcd"};
-    struct Case {
-        std::string file;
-        std::string corners; // top left, top right, bottom left, bottom right
-    };
-    std::vector<Case> cases;
+    // A file, and its corners: top left, top right, bottom left, bottom right.
+    std::vector<std::pair<std::string, std::string>> cases = {{GrayTiff(2, 6), "cadb"}};
     for (std::uint32_t i = 0; i < std::size(corners); ++i)
         for (const bool bigEndian : {false, true})
-            cases.push_back({Jpeg(Tiff(bigEndian, {{0x10F, 7}, {orientation, i}})), corners[i]});
-    const std::string sound = Tiff(false, {{orientation, 3}});
-    for (const auto& [at, bytes] : {std::pair(4, "\xFF\xFF\xFF\xFF"s), {8, "\xFF\xFF\0\0"s}, {12, "\4"s}}) {
-        std::string broken = sound;
-        cases.push_back({Jpeg(broken.replace(static_cast<std::size_t>(at), bytes.size(), bytes)), "abcd"});
-    }
-    cases.push_back({Jpeg(sound.substr(0, 17)), "abcd"});
-    cases.push_back({Tiff(false, {{256, 2},
-                                  {257, 2},
-                                  {258, 8},
-                                  {259, 1},
-                                  {262, 1},
-                                  {273, 134},
-                                  {orientation, 6},
-                                  {277, 1},
-                                  {278, 2},
-                                  {279, 4}}) +
-                         "\0\x50\xA0\xF0"s,
-                     "cadb"});
+            cases.emplace_back(Jpeg(Tiff(bigEndian, {{0x10F, 7}, {orientationTag, i}})), corners[i]);
+    const std::string sound = Tiff(false, {{orientationTag, 3}});
+    cases.emplace_back(Jpeg(sound.substr(0, 17)), "abcd");
+    for (const auto& [at, bytes] : {std::pair(4u, "\xFF\xFF\xFF\xFF"s), {8, "\xFF\xFF\0\0"s}, {12, "\4"s}})
+        cases.emplace_back(Jpeg(std::string(sound).replace(at, bytes.size(), bytes)), "abcd");
 
     Arguments arguments;
-    for (const Case& c : cases)
-        WriteText(arguments.emplace_back(std::to_wstring(arguments.size())), c.file);
+    for (const auto& [file, shown] : cases)
+        WriteText(arguments.emplace_back(std::to_wstring(arguments.size())), file);
     arguments.push_back(L"a.zmi");
     for (const bool rotate : {true, false}) {
         Pack(arguments).Ended(0);
         const Bytes file = Read(L"a.zmi");
         for (std::size_t i = 0; i < cases.size(); ++i) {
-            const Frame frame(file, i);
+            const std::vector<std::uint32_t> values = Values(file, i);
+            const std::size_t width = FileFacts(file).Width(i), count = values.size();
             std::string shown;
-            for (const std::size_t at : {std::size_t{0}, frame.width - 1, frame.values.size() - frame.width,
-                                         frame.values.size() - 1})
-                shown += static_cast<char>('a' + (frame.values[at] >> 5 & 63) / 20);
-            EXPECT_EQ(rotate ? cases[i].corners : "abcd", shown) << i;
+            for (const std::size_t at : {std::size_t{0}, width - 1, count - width, count - 1})
+                shown += static_cast<char>('a' + (values[at] >> 5 & 63) / 20);
+            EXPECT_EQ(rotate ? cases[i].second : "abcd", shown) << i;
         }
         arguments.insert(arguments.begin(), L"--no-rotate");
     }
@@ -368,7 +322,7 @@ TEST_F(PackTest, MarksAndFillsTheTransparentColor) {
     Pack({L"a-icon-32.png", L"a-icon-32.png", L"a-icon-16.png", L"white.zmi"})
         .Ended(0, "a-icon-32.png and 1 more: transparent parts are filled with white; --transparent keeps");
     for (const auto& [name, corner] : {std::pair(L"green.zmi", 0x07E0u), std::pair(L"white.zmi", 0xFFFFu)})
-        EXPECT_EQ(corner, Frame(Read(name), 0).values[0]);
+        EXPECT_EQ(corner, Values(Read(name), 0)[0]);
 }
 
 TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
@@ -401,36 +355,37 @@ TEST_F(PackTest, TakesPatternsAndFoldersInTheOrderOfTheirNumbers) {
         WriteBitmap(L"f\\b" + std::to_wstring(i) + L".BMP", i, 1, {0});
     WriteText(L"f\\b2.txt", "no picture");
     for (const wchar_t* const inputs : {L"f", L"f\\b*.bmp", L"f/b?*.bmp"}) {
-        const ToolRun run = Pack({inputs, L"f\\b9.BMP", L"a.zmi"});
-        run.Ended(0);
-        EXPECT_TRUE(Contains(run.out, "4 frames (2 of 9 x 1, 1 of 1 x 1, 1 of 10 x 1), 16 bits")) << run.out;
-        const std::size_t widths[] = {1, 9, 10, 9};
-        for (std::size_t i = 0; i < std::size(widths); ++i)
-            EXPECT_EQ(widths[i], Frame(Read(L"a.zmi"), i).width);
+        Pack({inputs, L"f\\b9.BMP", L"a.zmi"})
+            .Ended(0)
+            .Told("4 frames (2 of 9 x 1, 1 of 1 x 1, 1 of 10 x 1), 16 bits");
+        const Bytes file = Read(L"a.zmi");
+        std::vector<std::uint32_t> widths;
+        for (std::size_t i = 0; i < 4; ++i)
+            widths.push_back(FileFacts(file).Width(i));
+        EXPECT_EQ((std::vector<std::uint32_t>{1, 9, 10, 9}), widths);
     }
 }
 
 TEST_F(PackTest, TakesTheLargestIconAndSaysWhichFramesAreLacking) {
-    // 2 x 2 in 24 bits, 3 x 3 in 4 bits, 3 x 3 in 32 bits, 1 x 1.
-    const std::pair<std::uint32_t, std::uint32_t> pictures[] = {{2, 24}, {3, 4}, {3, 32}, {1, 32}};
-    const auto ico = [&](std::uint32_t count) {
-        Numbers file{false, ""}, data{false, ""};
-        file.Add(0x10000, 4).Add(count, 2);
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const auto [edge, bits] = pictures[std::min(i, 3u)];
-            const std::uint32_t rows = (edge * bits + 31) / 32 * 4 * edge;
-            file.Add(edge | edge << 8, 4).Add(1, 4).Add(40 + 64 + rows + 4 * edge, 4);
-            file.Add(static_cast<std::uint32_t>(6 + 16 * count + data.text.size()), 4);
-            data.Add(40, 4).Add(edge, 4).Add(2 * edge, 4).Add(bits << 16 | 1, 4).Add(0, 24);
-            data.text += std::string(bits == 4 ? 64 : 0, '\0') + std::string(rows, '\xFF');
-            data.text += std::string(4 * edge + (bits == 4 ? 0 : 64), '\0');
+    const auto ico = [](const std::vector<std::pair<std::uint32_t, std::uint32_t>>& pictures) {
+        Numbers file, data;
+        file.Add(0x10000, 4).Add(pictures.size(), 2);
+        for (const auto& [edge, bits] : pictures) {
+            Numbers picture; // white, without a mask
+            picture.Add(40, 4).Add(edge, 4).Add(2 * edge, 4).Add(bits << 16 | 1, 4);
+            picture.text += std::string(bits == 4 ? 24 + 64 : 24, '\0');
+            picture.text += std::string((edge * bits + 31) / 32 * 4 * edge, '\xFF');
+            picture.text += std::string(4 * edge, '\0');
+            file.Add(edge | edge << 8, 4).Add(1, 4).Add(picture.text.size(), 4);
+            file.Add(6 + 16 * pictures.size() + data.text.size(), 4);
+            data.text += picture.text;
         }
         return file.text + data.text;
     };
-    WriteText(L"a.ico", ico(4));
-    WriteText(L"many.ico", ico(1001));
+    WriteText(L"a.ico", ico({{2, 24}, {3, 4}, {3, 32}, {1, 32}}));
+    WriteText(L"many.ico", ico({1001, {1, 32}}));
     Pack({L"a.ico", L"a.zmi"}).Ended(0);
-    EXPECT_EQ(std::vector<std::uint32_t>(9, 0xFFFF), Frame(Read(L"a.zmi"), 0).values);
+    EXPECT_EQ(std::vector<std::uint32_t>(9, 0xFFFF), Values(Read(L"a.zmi"), 0));
     Pack({L"many.ico", L"b.zmi"})
         .Ended(1, "many.ico: an .ico file of 1,001 pictures; at most 1,000 are read");
 
@@ -440,9 +395,8 @@ TEST_F(PackTest, TakesTheLargestIconAndSaysWhichFramesAreLacking) {
                                "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70"sv; // of two frames
     png.insert(png.begin() + 33, animation.begin(), animation.end());
     Write(L"b.png", png);
-    std::string tiff =
-        Tiff(true, {{256, 1}, {257, 1}, {258, 8}, {259, 1}, {262, 1}, {273, 8}, {278, 1}, {279, 1}});
-    tiff.back() = '\xFF'; // where the second page should be
+    std::string tiff = GrayTiff(2, 1);
+    tiff.at(tiff.size() - 5) = '\xFF'; // where the second page should be
     WriteText(L"c.tif", tiff);
     for (const wchar_t* const name : {L"b.png", L"c.tif"})
         Pack({name, L"b.zmi"}).Ended(0, "it has more frames, which this system's decoder does not deliver");
@@ -452,16 +406,7 @@ TEST_F(PackTest, TakesTheLargestIconAndSaysWhichFramesAreLacking) {
 TEST_F(PackTest, RefusesInputsThatAreTooLarge) {
     WriteText(L"canvas.gif", Gif(8193, 8192, {{0, 0, 0, "r"}}));
     WriteText(L"beneath.gif", Gif(8192, 8192, {{0, 0, 3, "r"}, {0, 0, 0, "r"}}));
-    WriteText(L"turned.tif", Tiff(true, {{256, 20000},
-                                         {257, 20000},
-                                         {258, 8},
-                                         {259, 1},
-                                         {262, 1},
-                                         {273, 8},
-                                         {0x112, 6},
-                                         {277, 1},
-                                         {278, 20000},
-                                         {279, 1}}));
+    WriteText(L"turned.tif", GrayTiff(20000, 6));
     WriteBitmap(L"large.bmp", 1, 1, {0});
     Bytes large = Read(L"large.bmp");
     SetField(large, 18, {0, 4}, 30000);

@@ -27,10 +27,24 @@ struct ToolRun {
     std::string out;
     std::string err;
 
-    // Fails the running test unless the program exited with this code and printed these words on stderr.
-    void Ended(DWORD expected, const std::string& words = "") const {
+    // Fail the running test unless the program exited with this code, and printed all of these words on
+    // stderr or stdout.
+    template <class... Words>
+    const ToolRun& Ended(DWORD expected, const Words&... words) const {
         EXPECT_EQ(expected, exitCode) << out << err;
-        EXPECT_TRUE(Contains(err, words)) << words << "\n not in \n" << err;
+        ExpectParts(err, {words...});
+        return *this;
+    }
+    template <class... Words>
+    const ToolRun& Told(const Words&... words) const {
+        ExpectParts(out, {words...});
+        return *this;
+    }
+
+private:
+    static void ExpectParts(const std::string& text, const std::vector<std::string>& parts) {
+        for (const std::string& part : parts)
+            EXPECT_TRUE(Contains(text, part)) << part << "\n not in \n" << text;
     }
 };
 
@@ -110,6 +124,10 @@ protected:
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
 
+    void WriteText(const std::wstring& name, const std::string& text) const {
+        Write(name, Bytes(text.begin(), text.end()));
+    }
+
     // In a form that allows more than 260 characters.
     std::filesystem::path LongPath(const std::wstring& name) const {
         return LR"(\\?\)" + (folder_ / name).wstring();
@@ -121,9 +139,8 @@ protected:
         return Bytes(std::istreambuf_iterator<char>(file), {});
     }
 
-    auto FileCount() const {
-        return std::distance(std::filesystem::directory_iterator(folder_),
-                             std::filesystem::directory_iterator());
+    auto FileCount(const std::filesystem::path& below = {}) const {
+        return std::distance(std::filesystem::directory_iterator(folder_ / below), {});
     }
 
     bool isReaderGone_ = false; // nobody reads the tool's stdout
