@@ -5,6 +5,7 @@
 #include <psapi.h>
 
 #include <cstdio>
+#include <iterator>
 #include <thread>
 
 namespace vantrel::tests {
@@ -140,8 +141,8 @@ private:
 
 // A picture and a file that makes the library throw, on this thread and on one that ends before the library
 // is unloaded.
-void UseAndUnload(const std::wstring& path) {
-    const HMODULE module = LoadLibraryW(path.c_str());
+void UseAndUnload(const wchar_t* path) {
+    const HMODULE module = LoadLibraryW(path);
     const auto use = [=](const ZmiBuilder& file, HRESULT expected) {
         const auto getClassObject = reinterpret_cast<LPFNGETCLASSOBJECT>(
             reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
@@ -161,28 +162,17 @@ void UseAndUnload(const std::wstring& path) {
     useBoth();
     std::thread(useBoth).join();
     EXPECT_TRUE(FreeLibrary(module));
-    EXPECT_EQ(nullptr, GetModuleHandleW(path.c_str())) << "the library does not unload";
+    EXPECT_EQ(nullptr, GetModuleHandleW(path)) << "the library does not unload";
 }
 
 // A separate copy, since the rest of this program keeps the library loaded.
-class CopyOfTheDll {
-public:
-    CopyOfTheDll() {
-        wchar_t folder[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        path_ = folder + (L"soak-" + std::to_wstring(GetCurrentProcessId()) + L".dll");
-        EXPECT_TRUE(CopyFileW(DllPath().c_str(), path_.c_str(), FALSE));
-    }
-    ~CopyOfTheDll() { EXPECT_TRUE(DeleteFileW(path_.c_str())); }
-
-    const std::wstring& Path() const { return path_; }
-
-private:
-    std::wstring path_;
-};
+Bytes TheDllsBytes() {
+    std::ifstream file(DllPath().c_str(), std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
 
 TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
-    const CopyOfTheDll copy;
+    const ScratchFile copy(TheDllsBytes(), L".dll");
     for (int cycle = 0; cycle < 10; ++cycle)
         UseAndUnload(copy.Path());
     const std::size_t slots = TakenSlots().Count();
@@ -194,7 +184,7 @@ TEST(Soak, TwoHundredLoadsAndUnloadsLeaveNothingBehind) {
 }
 
 TEST(Soak, AHostWithoutAFreeSlotIsServed) {
-    const CopyOfTheDll copy;
+    const ScratchFile copy(TheDllsBytes(), L".dll");
     std::thread([] {}).join(); // takes what the test's own runtime needs
     const TakenSlots slots;
     EXPECT_EQ(0u, TakenSlots().Count());
