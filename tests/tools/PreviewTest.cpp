@@ -58,13 +58,13 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
          "the pixels of frame 2, 9 bytes at offset 99,999"},
     };
     Write(L"good.zmi", good);
-    Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi"};
+    Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi", L"none*"};
     for (std::size_t i = 0; i < std::size(faults); ++i)
         Write(arguments.emplace_back(std::to_wstring(i) + L".zmi"), faults[i].first);
     const ToolRun run = Preview(arguments);
-    run.Ended(1, "none.zmi: file not found\n");
+    run.Ended(1, "none.zmi: file not found\n", "none*: file not found\n");
     EXPECT_TRUE(Contains(run.out, "32 x 21 -> out\\good-32.png"));
-    EXPECT_EQ(std::ssize(faults) + 1, std::count(run.err.begin(), run.err.end(), '\n'));
+    EXPECT_EQ(std::ssize(faults) + 2, std::count(run.err.begin(), run.err.end(), '\n'));
     for (std::size_t i = 0; i < std::size(faults); ++i) {
         const std::size_t at = run.err.find(": " + std::to_string(i) + ".zmi: ");
         ASSERT_NE(std::string::npos, at) << faults[i].second;
@@ -109,7 +109,7 @@ TEST_F(PreviewTest, WritesJsonThatParsesInEveryCase) {
 
 TEST_F(PreviewTest, KeepsItsPicturesApartAndGoesOnWhenOneFails) {
     std::filesystem::create_directories(folder_ / L"out" / L"a-icon-32.png");
-    for (const wchar_t* name : {L"a.zmi", L"a-icon.zmi", L"out\\A.zmi"})
+    for (const wchar_t* name : {L"a.zmi", L"a-icon.zmi", L"out\\A.ZMI", L"out\\no.txt"})
         Write(name, single.Build());
     const ToolRun run =
         Preview({L"--sizes", L"32", L"--out", L"out", L"--sheet", L"out\\a-icon-16.png", L"a*.zmi", L"out"});

@@ -72,19 +72,6 @@ TEST_F(UnpackTest, WritesTheFramesThatWereAskedFor) {
     EXPECT_EQ(6, FileCount());
 }
 
-TEST_F(UnpackTest, TakesPatternsAndFoldersAndGoesOnAfterFaults) {
-    std::filesystem::create_directory(folder_ / L"f");
-    std::filesystem::create_directory(folder_ / L"empty");
-    const Bytes one = ZmiBuilder{.frames = {{2, 2}}}.Build();
-    for (const wchar_t* name : {L"f/P.ZMI", L"f/no.txt", L"s2.zmi", L"s10.zmi"})
-        Write(name, one);
-    Write(L"f/cut.zmi", Bytes(one.begin(), one.end() - 1));
-    const ToolRun run = Unpack({L"empty", L"f", L"none*", L"s*.zmi"});
-    run.Ended(1, "empty: the folder contains no .zmi files\n", "cut.zmi: the file is cut short",
-              "none*: file not found");
-    EXPECT_EQ("f\\P.ZMI -> P.png\ns2.zmi -> s2.png\ns10.zmi -> s10.png\n", run.out);
-}
-
 TEST_F(UnpackTest, BoundsWhatAFileCanMakeOfItself) {
     ZmiBuilder shared{.frames = std::vector<ZmiFrame>(1040, {1024, 512}), .sharePixels = true};
     Write(L"a.zmi", shared.Build());
