@@ -48,8 +48,9 @@ TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
         int call = 0;
         const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
             GetModuleHandleW(nullptr),
-            [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
-                OVERLAPPED* overlapped) -> BOOL {
+            [&call, brokenCall = brokenCall, isShort = isShort](auto original, HANDLE handle, void* buffer,
+                                                                DWORD count, DWORD* done,
+                                                                OVERLAPPED* overlapped) -> BOOL {
                 const bool isBroken = ++call == brokenCall;
                 if ((!isBroken || isShort) && count <= 1024 * 1024)
                     return original(handle, buffer, isBroken ? count / 2 : count, done, overlapped);

@@ -37,7 +37,7 @@ TEST_F(RegistryKeyTest, DeletesAValueThatIsThere) {
 }
 
 TEST_F(RegistryKeyTest, DeletesValuesByPathsBelowTheLimit) {
-    for (const std::size_t length : {MAX_PATH - 1, MAX_PATH}) {
+    for (const std::size_t length : {std::size_t{MAX_PATH} - 1, std::size_t{MAX_PATH}}) {
         const std::wstring name(length - base.size() - 1, L'x');
         WriteValue(name);
         EXPECT_EQ(DeleteValue(name), length < MAX_PATH) << length;
@@ -83,15 +83,15 @@ TEST(RegistryKey, DeletesFiveHundredLevels) {
         }
         keys.clear();
         if (status != ERROR_SUCCESS)
-            return FALSE;
-        return RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str());
+            return 0;
+        return RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()) ? 1 : 0;
     };
     const UniqueKernelHandle thread(CreateThread(nullptr, 256 * 1024, deleteDeepTree, nullptr,
                                                  STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
-    DWORD deleted = FALSE;
+    DWORD deleted = 0;
     ASSERT_EQ(WaitForSingleObject(thread.get(), 60'000), WAIT_OBJECT_0);
     EXPECT_TRUE(GetExitCodeThread(thread.get(), &deleted));
-    EXPECT_EQ(deleted, DWORD{TRUE});
+    EXPECT_EQ(deleted, 1u);
 }
 
 // A link back to the tree that is being deleted.
