@@ -42,15 +42,16 @@ TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
     for (std::size_t i = 0; i < content.size(); ++i)
         content[i] = static_cast<std::uint8_t>(i * 7 + i / 4096);
     const ScratchFile scratch(content, L".txt");
-    for (const auto& [brokenCall, isShort] : {std::pair{0, false}, {2, false}, {4, false}, {3, true}}) {
+    for (const auto& each : {std::pair{0, false}, {2, false}, {4, false}, {3, true}}) {
+        const int brokenCall = each.first;
+        const bool isShort = each.second;
         FileObject file;
         ASSERT_TRUE(file.open(scratch.Path(), 0, 0, shareAll));
         int call = 0;
         const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
             GetModuleHandleW(nullptr),
-            [&call, brokenCall = brokenCall, isShort = isShort](auto original, HANDLE handle, void* buffer,
-                                                                DWORD count, DWORD* done,
-                                                                OVERLAPPED* overlapped) -> BOOL {
+            [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
+                OVERLAPPED* overlapped) -> BOOL {
                 const bool isBroken = ++call == brokenCall;
                 if ((!isBroken || isShort) && count <= 1024 * 1024)
                     return original(handle, buffer, isBroken ? count / 2 : count, done, overlapped);
