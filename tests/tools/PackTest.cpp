@@ -438,7 +438,7 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
         {{L"none ü図.bmp"}, 1, "none ü図.bmp: "},
         {{L"old.zmi"}, 2, "old.zmi: this is one of the input files"},
         {{L"folder.zmi"}, 1, "folder.zmi: the folder contains no pictures"},
-        {{L"*.png"}, 1, "*.png: no such file"},
+        {{L"*.png"}, 1, "*.png: file not found"},
         {{L"p.bmp", L"cut.bmp"}, 1, "pack: cut.bmp: cannot be read: the picture is damaged or cut short"},
         {{L"p.bmp"}, 1, "folder.zmi: ", L"folder.zmi"},
         {{L"p.bmp"}, 1, "p.bmp/new.zmi: ", L"p.bmp/new.zmi"},

@@ -19,8 +19,8 @@ namespace {
 std::uint64_t SizeOf(const std::filesystem::path& path) {
     FileObject file;
     if (!file.open(path.c_str(), 0, 0, FILE_SHARE_READ | FILE_SHARE_WRITE)) {
-        if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)
-            throw Failure(L"file not found", HRESULT_FROM_WIN32(GetLastError()));
+        if (const DWORD error = GetLastError(); IsAbsence(error))
+            throw Failure(L"file not found", HRESULT_FROM_WIN32(error));
         FailWithLastError(L"it cannot be opened");
     }
     return file.size();
@@ -115,29 +115,31 @@ std::wstring ZmiFile::Fault() const {
     return {};
 }
 
-std::wstring ZmiFile::FaultOf(std::uint16_t index, const FileFrame& frame) const {
+std::wstring ZmiFile::FaultOf(std::uint16_t index, const std::optional<FileFrame>& frame) const {
+    if (!frame)
+        return L"the record at offset " + Grouped(RecordOffset(index)) + L" cannot be read";
     const bool hasTable = (frames_.Image().flags & frameTableFlag) != 0;
     const std::uint64_t flagsOffset =
         RecordOffset(index) + (hasTable ? offsetof(FrameRecord, flags) : offsetof(ImageHeader, flags));
     const std::wstring name = L"frame " + std::to_wstring(index + 1);
     const std::wstring itsMode = name + L"'s own pixel mode, at offset " + Grouped(flagsOffset) + L",";
-    switch (frame.fault) {
+    switch (frame->fault) {
     case FrameFault::None:
         return {};
     case FrameFault::Palette:
-        return Outside(L"the colour table of " + name, frame.paletteOffset, sizeof(Palette));
+        return Outside(L"the colour table of " + name, frame->paletteOffset, sizeof(Palette));
     case FrameFault::Pixels:
-        return Outside(L"the pixels of " + name, frame.record.frameDataOffset, frame.pixelByteCount);
+        return Outside(L"the pixels of " + name, frame->record.frameDataOffset, frame->pixelByteCount);
     case FrameFault::ReservedMode:
         return name + L" is in pixel mode 3, by its flags at offset " + Grouped(flagsOffset) +
                L", which can't be displayed";
     case FrameFault::NoPalette:
         return itsMode + L" needs a colour table, but the file's mode has none";
     case FrameFault::TooFewPixels:
-        return itsMode + L" needs more bytes than the " + Grouped(frame.pixelByteCount) +
+        return itsMode + L" needs more bytes than the " + Grouped(frame->pixelByteCount) +
                L" that the file's mode provides";
     case FrameFault::Empty:
-        return name + L" is " + SizeText(frame.record.width, frame.record.height) +
+        return name + L" is " + SizeText(frame->record.width, frame->record.height) +
                L" pixels, which leaves nothing to show";
     }
     return {};
@@ -158,11 +160,9 @@ std::optional<std::wstring> FindFault(const std::filesystem::path& path, unsigne
     FrameReader& frames = file->Frames();
     for (std::uint16_t i = 0; i < frames.FrameCount(); ++i) {
         const auto frame = frames.Frame(i);
-        if (!frame)
-            return L"the record at offset " + Grouped(file->RecordOffset(i)) + L" cannot be read";
         // A fault that prevents loading counts in any frame, one that prevents showing only in the first.
-        if (i == 0 || PreventsLoading(frame->fault))
-            if (const std::wstring fault = file->FaultOf(i, *frame); !fault.empty())
+        if (i == 0 || !frame || PreventsLoading(frame->fault))
+            if (const std::wstring fault = file->FaultOf(i, frame); !fault.empty())
                 return fault;
         if (i == 0) {
             width = frame->record.width;

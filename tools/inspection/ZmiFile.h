@@ -32,7 +32,7 @@ public:
     // What is wrong with the file as a whole, or with one frame, and at which offset; empty if nothing is.
     // Messages count frames from 1.
     std::wstring Fault() const;
-    std::wstring FaultOf(std::uint16_t index, const FileFrame& frame) const;
+    std::wstring FaultOf(std::uint16_t index, const std::optional<FileFrame>& frame) const;
 
 private:
     std::wstring HeaderFault() const;

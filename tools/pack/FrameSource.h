@@ -1,9 +1,9 @@
 // The frames of one input file.
 #pragma once
 
+#include "tools/pack/ZmiWriter.h"
 #include "tools/picture/Rgb565.h"
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
@@ -17,13 +17,6 @@ inline constexpr std::size_t bandBytes = 1U << 20;
 // Receives whole rows, top to bottom, several at a time, and may change them.
 using RowsTaker = std::function<void(std::span<Color> rows)>;
 
-struct SourceFrame {
-    std::uint16_t width = 0; // pixels
-    std::uint16_t height = 0;
-    // The 16-bit colour of transparent pixels, if they are to keep it: all others are then opaque.
-    std::optional<std::uint16_t> key{};
-};
-
 // All operations throw Failure.
 class FrameSource {
 public:
@@ -34,7 +27,8 @@ public:
     virtual bool LacksFrames() const { return false; }
     // As in the file, in the ANSI code page; nothing if this kind of file has none.
     virtual std::optional<std::string> Title() const { return std::nullopt; }
-    virtual SourceFrame Frame(unsigned index) = 0;
+    // With the 16-bit colour of transparent pixels if they are to keep it: all others are then opaque.
+    virtual ZmiFrame Frame(unsigned index) = 0;
     virtual void ReadRows(unsigned index, const RowsTaker& take) = 0;
 };
 

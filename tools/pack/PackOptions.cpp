@@ -1,6 +1,5 @@
 #include "tools/pack/PackOptions.h"
 
-#include "tools/pack/ZmiWriter.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/FileName.h"
 
@@ -14,6 +13,9 @@
 namespace vantrel::tools {
 
 namespace {
+
+// Bytes. Readers may take one more, but this leaves room for a zero byte at the end.
+constexpr std::size_t longestTitle = sizeof(ImageHeader::text) - 1;
 
 PixelMode ParseMode(const std::wstring& text) {
     if (text == L"1")
@@ -118,40 +120,23 @@ pixels of an animated GIF's canvas; 268 million of a photo to be turned upright;
 Exit code: 0 done, 1 an input or an output failed, 2 wrong usage or an output
 that may not be replaced, 130 ended by Ctrl+C.)";
 
-PackOptions ParsePackOptions(CommandLine& line) {
+PackOptions ParsePackOptions(const Arguments& arguments) {
     PackOptions options;
     bool truncateTitle = false;
     bool blank = false;
     std::optional<std::wstring> title;
-    while (const auto argument = line.Next()) {
-        if (!line.IsOption()) {
-            options.inputs.emplace_back(*argument);
-        } else if (*argument == L"--force") {
-            options.force = true;
-        } else if (*argument == L"--blank") {
-            blank = true;
-        } else if (*argument == L"--each") {
-            options.each = true;
-        } else if (*argument == L"--out") {
-            options.out = line.Value();
-        } else if (*argument == L"--title") {
-            title = line.Value();
-        } else if (*argument == L"--truncate-title") {
-            truncateTitle = true;
-        } else {
-            options.hasPictureOptions = true;
-            if (*argument == L"--mode")
-                options.mode = ParseMode(line.Value());
-            else if (*argument == L"--transparent")
-                options.transparent = ParseColor(line.Value());
-            else if (*argument == L"--no-dither")
-                options.dither = false;
-            else if (*argument == L"--no-rotate")
-                options.rotate = false;
-            else
-                line.RejectOption();
-        }
-    }
+    options.inputs = TakeOptions(
+        arguments,
+        {{L"--each", &options.each},
+         {L"--out", &options.out},
+         {L"--mode", [&](const std::wstring& text) { options.mode = ParseMode(text); }},
+         {L"--title", [&](const std::wstring& text) { title = text; }},
+         {L"--truncate-title", &truncateTitle},
+         {L"--transparent", [&](const std::wstring& text) { options.transparent = ParseColor(text); }},
+         {L"--no-dither", &options.noDither},
+         {L"--no-rotate", &options.noRotate},
+         {L"--blank", &blank},
+         {L"--force", &options.force}});
     if (title)
         options.title = ToTitle(std::move(*title), truncateTitle);
 
@@ -163,13 +148,13 @@ PackOptions ParsePackOptions(CommandLine& line) {
                                         : L"no input and no output given");
     if (options.each && !blank)
         return options;
-    options.output = std::move(options.inputs.back());
+    options.output = options.inputs.back();
     options.inputs.pop_back();
     // Otherwise, if the user forgets the output, the last input would be overwritten.
     if (!HasExtension(options.output, L".zmi"))
         throw UsageError(L"the output must come last and its name must end in .zmi, not \"" +
                          options.output.wstring() + L"\"");
-    if (blank && (!options.inputs.empty() || options.each || options.hasPictureOptions))
+    if (blank && (!options.inputs.empty() || options.each || options.ChangesPictures()))
         throw UsageError(L"--blank takes no input, and no option other than --title and --force");
     if (!blank && options.inputs.empty())
         throw UsageError(L"no input given for " + options.output.wstring());

@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vantrel::tools {
 
@@ -17,18 +16,20 @@ struct PackOptions {
     std::optional<PixelMode> mode;
     std::optional<std::string> title; // in the ANSI code page
     std::optional<Color> transparent;
-    bool force = false;
-    bool dither = true;
-    bool rotate = true;                        // as an input's orientation says
-    std::vector<std::filesystem::path> inputs; // as typed; empty: the blank picture
+    bool noDither = false;
+    bool noRotate = false; // as an input's orientation says
+    Arguments inputs;      // as typed; empty: the blank picture
     std::filesystem::path output;
     bool each = false;                        // one file per input, in the folder `out`
     std::optional<std::filesystem::path> out; // without: the current one
-    bool hasPictureOptions = false;           // any that changes what frames look like
+    bool force = false;
+
+    // True if frames are not to be kept as they are.
+    bool ChangesPictures() const { return mode || transparent || noDither || noRotate; }
 };
 
 // Throws UsageError.
-PackOptions ParsePackOptions(CommandLine& line);
+PackOptions ParsePackOptions(const Arguments& arguments);
 
 extern const std::wstring_view packHelp;
 

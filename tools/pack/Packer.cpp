@@ -1,6 +1,5 @@
 #include "tools/pack/Packer.h"
 
-#include "tools/pack/InputList.h"
 #include "tools/pack/PictureReader.h"
 #include "tools/pack/RowEncoder.h"
 #include "tools/pack/ZmiReader.h"
@@ -13,12 +12,30 @@
 
 namespace vantrel::tools {
 
+namespace {
+
+std::vector<InputFile> FindInputs(IWICImagingFactory& factory, const Arguments& typed) {
+    std::set<std::wstring, NameOrder> known;
+    const auto isPicture = [&](const std::filesystem::path& file) {
+        if (known.empty())
+            known = DecodableExtensions(factory);
+        return known.contains(file.extension().wstring());
+    };
+    std::vector<InputFile> inputs = FindInputFiles(typed, {L"pictures", isPicture});
+    for (const InputFile& input : inputs)
+        if (!input.fault.empty())
+            throw Failure(input.shown + L": " + input.fault);
+    return inputs;
+}
+
+} // namespace
+
 Packer::Packer(const PackOptions& options)
-    : options_(options), factory_(CreateWicFactory()), inputs_(ListInputs(*factory_.Get(), options.inputs)),
+    : options_(options), factory_(CreateWicFactory()), inputs_(FindInputs(*factory_.Get(), options.inputs)),
       guard_(options.force), mode_(ChooseMode()),
       progress_(inputs_.size() * (mode_ == PixelMode::Indexed ? 3 : 2)) {
-    for (const auto& input : inputs_)
-        guard_.Protect(input);
+    for (const InputFile& input : inputs_)
+        guard_.Protect(input.path);
     if (options.transparent && mode_ == PixelMode::Monochrome)
         throw UsageError(L"--transparent has no meaning with --mode 1");
 }
@@ -28,10 +45,10 @@ PixelMode Packer::ChooseMode() const {
     if (options_.mode)
         return *options_.mode;
     std::optional<PixelMode> common;
-    for (const auto& input : inputs_) {
-        if (options_.each || !HasExtension(input, L".zmi"))
+    for (const InputFile& input : inputs_) {
+        if (options_.each || !HasExtension(input.path, L".zmi"))
             return PixelMode::Rgb565;
-        const PixelMode mode = ZmiReader(input).Mode();
+        const PixelMode mode = ZmiReader(input.shown).Mode();
         if (common.value_or(mode) != mode)
             return PixelMode::Rgb565;
         common = mode;
@@ -41,15 +58,15 @@ PixelMode Packer::ChooseMode() const {
 
 template <class Visit>
 void Packer::WalkFrames(Inputs inputs, Visit visit) {
-    for (const std::filesystem::path& input : inputs) {
-        progress_.Step(input.wstring());
+    for (const InputFile& input : inputs) {
+        progress_.Step(input.shown);
         if (!source_ || open_ != &input) {
             source_.reset();
-            if (!HasExtension(input, L".zmi"))
-                source_ = std::make_unique<PictureReader>(factory_, input, options_.rotate);
+            if (!HasExtension(input.path, L".zmi"))
+                source_ = std::make_unique<PictureReader>(factory_, input.shown, !options_.noRotate);
             else
-                source_ = std::make_unique<ZmiReader>(input, options_.transparent ? std::nullopt
-                                                                                  : std::optional(mode_));
+                source_ = std::make_unique<ZmiReader>(
+                    input.shown, options_.transparent ? std::nullopt : std::optional(mode_));
             open_ = &input;
         }
         for (unsigned i = 0; i < source_->FrameCount(); ++i)
@@ -82,23 +99,21 @@ ZmiContent Packer::Pack(Inputs inputs, const std::filesystem::path& output, Name
     ZmiContent content;
     content.mode = mode_;
     std::optional<std::string> title = options_.title;
-    std::optional<std::uint16_t> key;
-    if (options_.transparent)
-        key = ToRgb565(*options_.transparent);
     std::uint64_t bytes = 0;
     WalkFrames(inputs, [&](FrameSource& source, unsigned index) {
         if (!title)
             title = source.Title();
         if (source.LacksFrames())
             NoteLoss(L"it has more frames, which this system's decoder does not deliver");
-        const SourceFrame frame = source.Frame(index);
-        content.frames.push_back({frame.width, frame.height, frame.key ? frame.key : key});
+        ZmiFrame& frame = content.frames.emplace_back(source.Frame(index));
+        if (options_.transparent)
+            frame.transparentKey = ToRgb565(*options_.transparent);
         bytes += PixelByteCount(mode_, frame.width, frame.height);
         CheckZmiLimits(content.frames.size() + source.FrameCount() - index - 1, bytes);
     });
     content.title = title.value_or("");
 
-    bool dither = options_.dither;
+    bool dither = !options_.noDither;
     std::optional<PaletteSearch> palette;
     if (mode_ == PixelMode::Indexed) {
         PaletteBuilder builder;
@@ -137,14 +152,14 @@ ZmiContent Packer::Pack(Inputs inputs, const std::filesystem::path& output, Name
 
 void Packer::ChangeTitle() {
     OutputFile file(options_.output, FileKind::Zmi, guard_);
-    ZmiReader(inputs_.front()).CopyWithTitle(*options_.title, file);
+    ZmiReader(inputs_.front().shown).CopyWithTitle(*options_.title, file);
     file.Commit();
 }
 
 void Packer::NoteLoss(const wchar_t* what) {
     std::vector<std::wstring>& inputs = losses_[what];
-    if (inputs.empty() || inputs.back() != open_->wstring())
-        inputs.push_back(open_->wstring());
+    if (inputs.empty() || inputs.back() != open_->shown)
+        inputs.push_back(open_->shown);
 }
 
 void Packer::PrintLosses() const {

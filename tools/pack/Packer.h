@@ -6,6 +6,7 @@
 #include "tools/pack/ZmiWriter.h"
 #include "tools/picture/WicFactory.h"
 #include "tools/terminal/Console.h"
+#include "tools/terminal/InputFile.h"
 
 #include <filesystem>
 #include <map>
@@ -18,7 +19,7 @@ namespace vantrel::tools {
 
 class Packer {
 public:
-    using Inputs = std::span<const std::filesystem::path>;
+    using Inputs = std::span<const InputFile>;
 
     // Lists the inputs and protects them from being overwritten. Needs COM on this thread, and the options as
     // long as the packer. Throws Failure.
@@ -26,7 +27,7 @@ public:
     Packer(const Packer&) = delete;
     Packer& operator=(const Packer&) = delete;
 
-    const std::vector<std::filesystem::path>& AllInputs() const { return inputs_; }
+    const std::vector<InputFile>& AllInputs() const { return inputs_; }
 
     // Packs some of the inputs, or the blank picture when there are none. Returns what the file
     // contains. Throws Failure; the output is then unchanged.
@@ -50,12 +51,12 @@ private:
 
     const PackOptions& options_;
     ComPtr<IWICImagingFactory> factory_;
-    std::vector<std::filesystem::path> inputs_;
+    std::vector<InputFile> inputs_;
     OutputGuard guard_;
     PixelMode mode_;
     Progress progress_;
     std::unique_ptr<FrameSource> source_;
-    const std::filesystem::path* open_ = nullptr; // the input that it reads
+    const InputFile* open_ = nullptr; // the input that it reads
     std::map<std::wstring, std::vector<std::wstring>> losses_;
 };
 

@@ -1,9 +1,9 @@
-// Pictures of every kind that WIC reads, frame by frame, as displayed.
+// Pictures of every kind that WIC reads, frame by frame, as displayed: upright and composed.
 #pragma once
 
 #include "tools/pack/FrameSource.h"
 #include "tools/pack/GifCanvas.h"
-#include "tools/pack/PictureFrame.h"
+#include "tools/pack/StoredFacts.h"
 #include "tools/pack/WicPicture.h"
 
 #include <filesystem>
@@ -12,9 +12,10 @@
 
 namespace vantrel::tools {
 
+// Turns pictures upright by hand, since WIC's own rotator answers E_NOTIMPL under Wine 8.
 class PictureReader final : public FrameSource {
 public:
-    // Turns pictures upright if asked to. Throws Failure.
+    // Throws Failure.
     PictureReader(ComPtr<IWICImagingFactory> factory, const std::filesystem::path& path, bool rotate);
 
     PictureReader(const PictureReader&) = delete;
@@ -22,11 +23,15 @@ public:
 
     unsigned FrameCount() const override { return icon_ ? 1 : picture_.FrameCount(); }
     bool LacksFrames() const override { return lacksFrames_; }
-    SourceFrame Frame(unsigned index) override;
+    ZmiFrame Frame(unsigned index) override { return Displayed(index, Stored(index)); }
     void ReadRows(unsigned index, const RowsTaker& take) override;
 
 private:
-    PictureFrame Displayed(unsigned index);
+    // Absent if the canvas shows it.
+    std::optional<WicFrame> Stored(unsigned index) const;
+    Orientation OrientationOf(unsigned index) const;
+    // Throws Failure if a ZMI frame can't have this size.
+    ZmiFrame Displayed(unsigned index, const std::optional<WicFrame>& stored) const;
 
     WicPicture picture_;
     std::optional<GifCanvas> canvas_;

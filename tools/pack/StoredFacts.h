@@ -1,12 +1,19 @@
 // What picture files say about themselves and WIC does not pass on.
 #pragma once
 
-#include "tools/pack/PictureFrame.h"
-
 #include <filesystem>
 #include <vector>
 
 namespace vantrel::tools {
+
+// How the stored picture becomes the one displayed: mirrored first, then rows and columns are swapped.
+struct Orientation {
+    bool mirroredX = false;
+    bool mirroredY = false;
+    bool transposed = false;
+
+    bool operator==(const Orientation&) const = default;
+};
 
 // The orientation of a JPEG file or of the pages of a TIFF file; fewer than this count if there are no more.
 // Wine's JPEG decoder has no metadata, and its TIFF decoder crashes on broken ones.

@@ -1,8 +1,10 @@
 #include "tools/pack/WicPicture.h"
 
-#include "tools/terminal/Failure.h"
+#include "tools/terminal/CommandLine.h"
 #include "tools/terminal/LongPath.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vantrel::tools {
@@ -77,6 +79,28 @@ WicFrame WicPicture::Frame(unsigned index) const {
     ComPtr<IWICBitmapFrameDecode> frame;
     CheckRead(decoder_->GetFrame(index, frame.GetAddressOf()), name);
     return {*factory_.Get(), std::move(frame), name};
+}
+
+std::set<std::wstring, NameOrder> DecodableExtensions(IWICImagingFactory& factory) {
+    std::set<std::wstring, NameOrder> all;
+    ComPtr<IEnumUnknown> decoders;
+    if (FAILED(factory.CreateComponentEnumerator(WICDecoder, WICComponentEnumerateDefault,
+                                                 decoders.ReleaseAndGetAddressOf())))
+        return all;
+    for (ComPtr<IUnknown> decoder; decoders->Next(1, decoder.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
+        ComPtr<IWICBitmapCodecInfo> codec;
+        UINT size = 0;
+        if (FAILED(decoder.As(&codec)) || FAILED(codec->GetFileExtensions(0, nullptr, &size)) || size == 0)
+            continue;
+        std::wstring extensions(size, L'\0');
+        if (FAILED(codec->GetFileExtensions(size, extensions.data(), &size)))
+            continue;
+        extensions.resize(size - 1);
+        std::ranges::replace(extensions, L';', L','); // as Wine separates them
+        std::ranges::move(SplitList(extensions), std::inserter(all, all.end()));
+    }
+    all.erase(L"");
+    return all;
 }
 
 } // namespace vantrel::tools

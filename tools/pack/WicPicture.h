@@ -3,8 +3,10 @@
 
 #include "tools/picture/Rgb565.h"
 #include "tools/picture/WicFactory.h"
+#include "tools/terminal/FileName.h"
 
 #include <filesystem>
+#include <set>
 #include <span>
 #include <string>
 
@@ -51,5 +53,8 @@ private:
     std::wstring name_;
     unsigned frameCount_ = 0;
 };
+
+// Those of all decoders on this system, each with its dot.
+std::set<std::wstring, NameOrder> DecodableExtensions(IWICImagingFactory& factory);
 
 } // namespace vantrel::tools

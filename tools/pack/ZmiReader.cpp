@@ -1,6 +1,5 @@
 #include "tools/pack/ZmiReader.h"
 
-#include "tools/pack/ZmiWriter.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/LongPath.h"
 
@@ -19,7 +18,7 @@ ZmiReader::ZmiReader(const std::filesystem::path& path, std::optional<PixelMode>
 
 std::optional<std::string> ZmiReader::Title() const {
     const char* const text = file_->Frames().Image().text;
-    return std::string(text, std::find(text, text + longestTitle, '\0'));
+    return std::string(text, std::find(text, text + sizeof ImageHeader::text, '\0'));
 }
 
 void ZmiReader::CopyWithTitle(const std::string& title, OutputFile& output) {
@@ -41,8 +40,7 @@ void ZmiReader::CopyWithTitle(const std::string& title, OutputFile& output) {
 FileFrame ZmiReader::SoundFrame(unsigned index) {
     const auto number = static_cast<std::uint16_t>(index);
     const std::optional<FileFrame> frame = file_->Frames().Frame(number);
-    std::wstring fault = frame ? file_->FaultOf(number, *frame)
-                               : L"the record of frame " + std::to_wstring(index + 1) + L" cannot be read";
+    std::wstring fault = file_->FaultOf(number, frame);
     if (fault.empty() && ModeOf(frame->record.flags) != Mode())
         fault = L"frame " + std::to_wstring(index + 1) + L" is in another pixel mode than its file";
     if (!fault.empty())
@@ -50,10 +48,10 @@ FileFrame ZmiReader::SoundFrame(unsigned index) {
     return *frame;
 }
 
-SourceFrame ZmiReader::Frame(unsigned index) {
+ZmiFrame ZmiReader::Frame(unsigned index) {
     const FileFrame frame = SoundFrame(index);
-    SourceFrame facts = {.width = frame.record.width, .height = frame.record.height};
     const auto key = TransparentKey(frame.record);
+    ZmiFrame facts{frame.record.width, frame.record.height};
     if (!key || Mode() != keptMode_)
         return facts;
     auto color = static_cast<std::uint16_t>(*key);
@@ -62,7 +60,7 @@ SourceFrame ZmiReader::Frame(unsigned index) {
         stream.seekg(frame.paletteOffset + *key * std::streamoff{sizeof color});
         stream.read(reinterpret_cast<char*>(&color), sizeof color);
     }
-    facts.key = color;
+    facts.transparentKey = color;
     return facts;
 }
 

@@ -23,7 +23,7 @@ public:
 
     unsigned FrameCount() const override { return file_->Frames().FrameCount(); }
     std::optional<std::string> Title() const override;
-    SourceFrame Frame(unsigned index) override;
+    ZmiFrame Frame(unsigned index) override;
     void ReadRows(unsigned index, const RowsTaker& take) override;
 
 private:

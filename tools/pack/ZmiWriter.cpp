@@ -82,7 +82,8 @@ ZmiWriter::ZmiWriter(OutputFile& output, const ZmiContent& content) : output_(ou
     const bool blank = content.frames.empty();
     const ZmiFrame first = blank ? ZmiFrame{blankDefaultWidth, blankDefaultHeight} : content.frames.front();
     ImageHeader imageHeader = {};
-    std::copy_n(content.title.begin(), std::min(content.title.size(), longestTitle), imageHeader.text);
+    std::copy_n(content.title.begin(), std::min(content.title.size(), sizeof imageHeader.text),
+                imageHeader.text);
     imageHeader.pixelOffset = static_cast<std::uint32_t>(blank                    ? 0
                                                          : HasFrameTable(content) ? frameTableOffset
                                                                                   : layout.pixels);

@@ -14,8 +14,6 @@
 
 namespace vantrel::tools {
 
-inline constexpr std::size_t longestTitle = sizeof(ImageHeader::text) - 1; // bytes; a zero byte ends it
-
 struct ZmiFrame {
     std::uint16_t width = 0; // pixels
     std::uint16_t height = 0;
@@ -24,7 +22,7 @@ struct ZmiFrame {
 
 // What a file contains apart from its pixels.
 struct ZmiContent {
-    std::string title; // in the ANSI code page, at most longestTitle bytes
+    std::string title; // in the ANSI code page, at most 34 bytes
     PixelMode mode = PixelMode::Rgb565;
     std::vector<ZmiFrame> frames;   // empty: the blank picture
     std::optional<Palette> palette; // for indexed mode

@@ -1,6 +1,5 @@
 #include "tools/pack/Packer.h"
 #include "tools/picture/PictureNames.h"
-#include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/FileName.h"
@@ -61,9 +60,9 @@ bool PackEach(Packer& packer, const PackOptions& options) {
     bool ok = true;
     for (const auto& input : inputs)
         try {
-            if (HasExtension(input, L".zmi"))
-                throw Failure(input.wstring() + L": this is a ZMI file already");
-            const auto output = names.Take(input.stem().wstring());
+            if (HasExtension(input.path, L".zmi"))
+                throw Failure(input.shown + L": this is a ZMI file already");
+            const auto output = names.Take(input.path.stem().wstring());
             PrintLine(Describe(output, packer.Pack({&input, 1}, output, NameOrigin::MadeUp)));
         } catch (const Failure& failure) {
             PrintError(L"zmi-pack: " + failure.Message());
@@ -72,18 +71,17 @@ bool PackEach(Packer& packer, const PackOptions& options) {
     return ok;
 }
 
-bool Run(CommandLine& arguments, JsonDocument*) {
+bool Run(const Arguments& arguments, JsonDocument*) {
     const PackOptions options = ParsePackOptions(arguments);
-    const ComApartment apartment(COINIT_MULTITHREADED);
     Packer packer(options);
     const auto& inputs = packer.AllInputs();
     bool ok = true;
     if (options.each) {
         ok = PackEach(packer, options);
-    } else if (inputs.size() == 1 && HasExtension(inputs[0], L".zmi") && options.title &&
-               !options.hasPictureOptions) {
+    } else if (inputs.size() == 1 && HasExtension(inputs[0].path, L".zmi") && options.title &&
+               !options.ChangesPictures()) {
         packer.ChangeTitle();
-        PrintLine(options.output.wstring() + L": " + inputs[0].wstring() + L" with another title");
+        PrintLine(options.output.wstring() + L": " + inputs[0].shown + L" with another title");
     } else {
         PrintLine(Describe(options.output, packer.Pack(inputs, options.output, NameOrigin::Typed)));
     }

@@ -52,26 +52,16 @@ Exit code: 0 done, 1 a file has no picture, an output failed or the doctor found
 a failure, 2 wrong usage or an output that may not be replaced, 130 ended by
 Ctrl+C.)";
 
-PreviewOptions ParsePreviewOptions(CommandLine& line) {
+PreviewOptions ParsePreviewOptions(const Arguments& arguments) {
     PreviewOptions options;
-    while (const auto argument = line.Next()) {
-        if (!line.IsOption())
-            options.inputs.push_back(*argument);
-        else if (*argument == L"--sizes")
-            options.sizes = ParseSizes(line.Value());
-        else if (*argument == L"--out")
-            options.out = line.Value();
-        else if (*argument == L"--sheet")
-            options.sheet = line.Value();
-        else if (*argument == L"--dll")
-            options.dll = LongPath(line.Value());
-        else if (*argument == L"--force")
-            options.force = true;
-        else if (*argument == L"--doctor")
-            options.doctor = true;
-        else if (*argument != L"--json")
-            line.RejectOption();
-    }
+    options.inputs = TakeOptions(
+        arguments, {{L"--sizes", [&](const std::wstring& list) { options.sizes = ParseSizes(list); }},
+                    {L"--out", &options.out},
+                    {L"--sheet", &options.sheet},
+                    {L"--force", &options.force},
+                    {L"--dll", [&](const std::wstring& file) { options.dll = LongPath(file); }},
+                    {L"--json"},
+                    {L"--doctor", &options.doctor}});
     if (options.doctor && (options.sheet || options.out || options.sizes || options.force))
         throw UsageError(L"--doctor writes no pictures");
     if (options.inputs.empty() && !options.doctor)

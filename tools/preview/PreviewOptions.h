@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,11 +17,11 @@ struct PreviewOptions {
     std::optional<std::filesystem::path> dll; // absolute
     bool force = false;
     bool doctor = false;
-    std::vector<std::wstring> inputs;
+    Arguments inputs;
 };
 
 // Throws UsageError.
-PreviewOptions ParsePreviewOptions(CommandLine& line);
+PreviewOptions ParsePreviewOptions(const Arguments& arguments);
 
 extern const std::wstring_view previewHelp;
 

@@ -5,7 +5,6 @@
 #include "tools/preview/FileReport.h"
 #include "tools/preview/PreviewOptions.h"
 #include "tools/preview/sheet/ContactSheet.h"
-#include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/InputFile.h"
@@ -152,9 +151,8 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
     return ok;
 }
 
-bool Run(CommandLine& arguments, JsonDocument* json) {
+bool Run(const Arguments& arguments, JsonDocument* json) {
     const PreviewOptions options = ParsePreviewOptions(arguments);
-    const ComApartment apartment(COINIT_APARTMENTTHREADED);
     return options.doctor ? RunDoctor(options.dll, options.inputs, json) : Preview(options, json);
 }
 
@@ -164,6 +162,10 @@ bool Run(CommandLine& arguments, JsonDocument* json) {
 
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tools;
-    return RunTool({.name = L"zmi-preview", .help = previewHelp, .run = Run, .takesJson = true}, count,
-                   arguments);
+    return RunTool({.name = L"zmi-preview",
+                    .help = previewHelp,
+                    .run = Run,
+                    .takesJson = true,
+                    .apartment = COINIT_APARTMENTTHREADED},
+                   count, arguments);
 }

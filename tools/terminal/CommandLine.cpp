@@ -1,7 +1,6 @@
 #include "tools/terminal/CommandLine.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vantrel::tools {
 
@@ -11,56 +10,57 @@ bool LooksLikeOption(std::wstring_view argument) {
     return argument.size() > 1 && argument.front() == L'-';
 }
 
+// The value that follows an option, if there is one. Throws UsageError.
+const std::wstring& ValueOf(const std::wstring& option, Arguments::const_iterator value,
+                            Arguments::const_iterator end) {
+    if (value == end)
+        throw UsageError(option + L" needs a value");
+    // Far more likely a forgotten value than a value.
+    if (LooksLikeOption(*value))
+        throw UsageError(option + L" needs a value; write one that starts with a dash as " + option +
+                         L"=VALUE");
+    return *value;
+}
+
 } // namespace
 
-CommandLine::CommandLine(int count, wchar_t** arguments) {
-    for (int i = 1; i < count; ++i)
-        arguments_.emplace_back(arguments[i]);
+bool HasOption(const Arguments& arguments, std::wstring_view name) {
+    const auto end = std::ranges::find(arguments, L"--");
+    return std::find(arguments.begin(), end, name) != end;
 }
 
-bool CommandLine::Has(std::wstring_view option) const {
-    const auto end = std::find(arguments_.begin(), arguments_.end(), L"--");
-    return std::find(arguments_.begin(), end, option) != end;
-}
-
-std::optional<std::wstring> CommandLine::Next() {
-    if (attachedValue_)
-        throw UsageError(option_ + L" takes no value");
-    if (position_ == arguments_.size())
-        return std::nullopt;
-
-    std::wstring argument = arguments_[position_++];
-    if (!optionsEnded_ && argument == L"--") {
-        optionsEnded_ = true;
-        return Next();
+Arguments TakeOptions(const Arguments& arguments, std::initializer_list<Option> known) {
+    Arguments others;
+    for (auto at = arguments.begin(); at != arguments.end(); ++at) {
+        if (*at == L"--") {
+            others.insert(others.end(), at + 1, arguments.end());
+            break;
+        }
+        if (!LooksLikeOption(*at)) {
+            others.push_back(*at);
+            continue;
+        }
+        const std::size_t equals = at->find(L'=');
+        const bool hasValue = equals != std::wstring::npos;
+        const std::wstring name = at->substr(0, equals);
+        const auto option = std::ranges::find(known, name, &Option::name);
+        if (option == known.end())
+            throw UsageError(L"unknown option " + name +
+                             L"; write -- before a file whose name starts with a dash");
+        if (bool* const* flag = std::get_if<bool*>(&option->target)) {
+            if (hasValue)
+                throw UsageError(name + L" takes no value");
+            if (*flag)
+                **flag = true;
+            continue;
+        }
+        const std::wstring value = hasValue ? at->substr(equals + 1) : ValueOf(name, ++at, arguments.end());
+        if (const auto* path = std::get_if<std::optional<std::filesystem::path>*>(&option->target))
+            **path = value;
+        else
+            std::get<std::function<void(const std::wstring&)>>(option->target)(value);
     }
-    isOption_ = !optionsEnded_ && LooksLikeOption(argument);
-    if (!isOption_)
-        return argument;
-
-    if (const auto equals = argument.find(L'='); equals != std::wstring::npos) {
-        attachedValue_ = argument.substr(equals + 1);
-        argument.resize(equals);
-    }
-    option_ = argument;
-    return argument;
-}
-
-std::wstring CommandLine::Value() {
-    if (attachedValue_)
-        return *std::exchange(attachedValue_, std::nullopt);
-    if (position_ == arguments_.size())
-        throw UsageError(option_ + L" needs a value");
-    // Far more likely a forgotten value than a value.
-    if (LooksLikeOption(arguments_[position_]))
-        throw UsageError(option_ + L" needs a value; write one that starts with a dash as " + option_ +
-                         L"=VALUE");
-    return arguments_[position_++];
-}
-
-void CommandLine::RejectOption() const {
-    throw UsageError(L"unknown option " + option_ +
-                     L"; write -- before a file whose name starts with a dash");
+    return others;
 }
 
 unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high) {

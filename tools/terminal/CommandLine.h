@@ -1,41 +1,35 @@
-// The arguments of a tool, parsed one by one.
+// The arguments of a tool.
 #pragma once
 
 #include "tools/terminal/Failure.h"
 
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace vantrel::tools {
 
-// Walks over "--name value", "--name=value" and plain arguments in the order given; "--" ends the options.
-class CommandLine {
-public:
-    CommandLine(int count, wchar_t** arguments);
+using Arguments = std::vector<std::wstring>;
 
-    // True if this option, which takes no value, is anywhere among the arguments.
-    bool Has(std::wstring_view option) const;
-
-    // The next argument: an option's name with its dashes, or a plain argument. Nothing at the end.
-    std::optional<std::wstring> Next();
-    // True if the current argument is an option ("--" was not seen before it).
-    bool IsOption() const { return isOption_; }
-    // The value of the current option. Throws UsageError if it is missing; a value that starts with a dash
-    // must follow "=".
-    std::wstring Value();
-    // Throws a UsageError for the current option.
-    [[noreturn]] void RejectOption() const;
-
-private:
-    std::vector<std::wstring> arguments_;
-    std::size_t position_ = 0;
-    std::wstring option_;
-    std::optional<std::wstring> attachedValue_;
-    bool isOption_ = false;
-    bool optionsEnded_ = false;
+struct Option {
+    std::wstring_view name; // with its dashes
+    // A flag to set, if any; a path to store its value in; or what to do with the value.
+    std::variant<bool*, std::optional<std::filesystem::path>*, std::function<void(const std::wstring&)>>
+        target{};
 };
+
+// True if this option, which takes no value, is anywhere among the arguments.
+bool HasOption(const Arguments& arguments, std::wstring_view name);
+
+// Carries out "--name" and "--name=value" or "--name value" in the order given, and returns all other
+// arguments; "--" ends the options. Throws UsageError for an option that is not among these, and for a value
+// that is missing or not taken; one that starts with a dash must follow "=".
+Arguments TakeOptions(const Arguments& arguments, std::initializer_list<Option> known);
 
 // An integer within [low, high]. Throws a UsageError that names the option.
 unsigned ParseNumber(std::wstring_view option, std::wstring_view text, unsigned low, unsigned high);

@@ -27,8 +27,6 @@ constexpr auto wicWords = std::to_array<std::pair<std::uint32_t, const wchar_t*>
 
 } // namespace
 
-Failure::Failure(std::wstring message, HRESULT result) : message_(std::move(message)), result_(result) {}
-
 void Check(HRESULT result, std::wstring_view what) {
     if (result == S_OK)
         return;

@@ -14,7 +14,8 @@ class Failure : public std::exception {
 public:
     // The message names what failed, as the user typed it, and the reason. The result is the underlying
     // HRESULT.
-    explicit Failure(std::wstring message, HRESULT result = E_FAIL);
+    explicit Failure(std::wstring message, HRESULT result = E_FAIL)
+        : message_(std::move(message)), result_(result) {}
 
     const char* what() const noexcept override { return "a tool failed"; }
     const std::wstring& Message() const { return message_; }
@@ -42,6 +43,11 @@ public:
 void Check(HRESULT result, std::wstring_view what);
 // The same for functions that set GetLastError.
 [[noreturn]] void FailWithLastError(std::wstring_view what);
+
+// Whether an error of GetLastError means that there is no such file.
+inline bool IsAbsence(DWORD error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
 
 // "the system's message (0x80070002)", without the system's trailing line break.
 std::wstring DescribeHresult(HRESULT result);

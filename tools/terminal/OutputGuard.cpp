@@ -68,7 +68,7 @@ void OutputGuard::Check(const std::filesystem::path& target, FileKind kind, Name
         throw Failure(name + L": this is a folder and can't be replaced by a file");
     const UniqueKernelHandle file = Open(target, GENERIC_READ);
     if (!file) {
-        if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)
+        if (IsAbsence(GetLastError()))
             return;
         FailWithLastError(name);
     }

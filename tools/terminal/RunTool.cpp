@@ -1,11 +1,10 @@
 #include "tools/terminal/RunTool.h"
 
+#include "tools/terminal/ComApartment.h"
 #include "tools/terminal/Console.h"
-#include "tools/terminal/Failure.h"
 #include "tools/terminal/OutputFile.h"
 
-#include <windows.h>
-
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -26,24 +25,25 @@ BOOL WINAPI EndNow(DWORD) {
 
 } // namespace
 
-int RunTool(const Tool& tool, int count, wchar_t** arguments) {
+int RunTool(const Tool& tool, int count, wchar_t** texts) {
     SetConsoleCtrlHandler(EndNow, TRUE);
     std::optional<JsonDocument> json;
     ExitCode exitCode = failed;
     std::wstring words;
     try {
-        CommandLine line(count, arguments);
-        if (line.Has(L"--help") || line.Has(L"-h")) {
+        const Arguments arguments(texts + std::min(count, 1), texts + count);
+        if (HasOption(arguments, L"--help") || HasOption(arguments, L"-h")) {
             PrintText(std::wstring(tool.help) + L'\n');
             return done;
         }
-        if (line.Has(L"--version")) {
+        if (HasOption(arguments, L"--version")) {
             PrintLine(std::wstring(tool.name) + L" " VANTREL_VERSION);
             return done;
         }
-        if (tool.takesJson && line.Has(L"--json"))
+        if (tool.takesJson && HasOption(arguments, L"--json"))
             json.emplace();
-        const bool ok = tool.run(line, json ? &*json : nullptr);
+        const ComApartment apartment(tool.apartment);
+        const bool ok = tool.run(arguments, json ? &*json : nullptr);
         if (json)
             json->Close(ok);
         return ok ? done : failed;

@@ -26,10 +26,7 @@ bool FrameList::Contains(unsigned number) const {
 }
 
 unsigned FrameList::Last() const {
-    unsigned last = 0;
-    for (const auto& range : ranges_)
-        last = std::max(last, range.second);
-    return last;
+    return ranges_.empty() ? 0 : std::ranges::max(ranges_, {}, &Range::second).second;
 }
 
 } // namespace vantrel::tools

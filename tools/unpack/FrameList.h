@@ -19,7 +19,9 @@ public:
     unsigned Last() const;
 
 private:
-    std::vector<std::pair<unsigned, unsigned>> ranges_;
+    using Range = std::pair<unsigned, unsigned>; // first and last
+
+    std::vector<Range> ranges_;
 };
 
 } // namespace vantrel::tools

@@ -36,27 +36,18 @@ than 1 GiB and 16 times the file, --frames must say which ones are wanted.
 Exit code: 0 done, 1 a file, a frame or an output failed, 2 wrong usage or an
 output that may not be replaced, 130 ended by Ctrl+C.)";
 
-UnpackOptions ParseUnpackOptions(CommandLine& line) {
+UnpackOptions ParseUnpackOptions(const Arguments& arguments) {
     UnpackOptions options;
-    while (const auto argument = line.Next()) {
-        if (!line.IsOption()) {
-            options.inputs.push_back(*argument);
-        } else if (*argument == L"--delay") {
-            options.delay = ParseNumber(*argument, line.Value(), 10, 60000);
-        } else if (*argument == L"--out") {
-            options.out = line.Value();
-        } else if (*argument == L"--frames") {
-            options.frames = FrameList(line.Value());
-        } else if (*argument == L"--gif") {
-            options.gif = line.Value();
-        } else if (*argument == L"--info") {
-            options.info = true;
-        } else if (*argument == L"--force") {
-            options.force = true;
-        } else if (*argument != L"--json") {
-            line.RejectOption();
-        }
-    }
+    options.inputs = TakeOptions(
+        arguments,
+        {{L"--out", &options.out},
+         {L"--frames", [&](const std::wstring& list) { options.frames = FrameList(list); }},
+         {L"--gif", &options.gif},
+         {L"--delay",
+          [&](const std::wstring& text) { options.delay = ParseNumber(L"--delay", text, 10, 60000); }},
+         {L"--info", &options.info},
+         {L"--json"},
+         {L"--force", &options.force}});
     if (options.inputs.empty())
         throw UsageError(L"no file given");
     if (options.info && (options.out || options.gif))

@@ -6,14 +6,12 @@
 
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace vantrel::tools {
 
 struct UnpackOptions {
-    std::vector<std::wstring> inputs; // as typed: files, patterns and folders
+    Arguments inputs; // as typed: files, patterns and folders
     FrameList frames;
     std::optional<std::filesystem::path> out;
     std::optional<std::filesystem::path> gif;
@@ -25,6 +23,6 @@ struct UnpackOptions {
 extern const std::wstring_view unpackHelp;
 
 // Throws UsageError.
-UnpackOptions ParseUnpackOptions(CommandLine& line);
+UnpackOptions ParseUnpackOptions(const Arguments& arguments);
 
 } // namespace vantrel::tools

@@ -24,14 +24,14 @@ std::wstring NumberSuffix(unsigned number, unsigned count) {
 
 } // namespace
 
-Unpacker::Unpacker(const UnpackOptions& options, JsonDocument* json)
-    : options_(options), json_(json), inputs_(FindInputFiles(options.inputs)), guard_(options.force),
-      names_(options.out.value_or(L"")), progress_(inputs_.size()) {
+Unpacker::Unpacker(UnpackOptions options, JsonDocument* json)
+    : options_(std::move(options)), json_(json), inputs_(FindInputFiles(options_.inputs)),
+      guard_(options_.force), names_(options_.out.value_or(L"")), progress_(inputs_.size()) {
     for (const InputFile& input : inputs_)
         guard_.Protect(input.path);
-    if (options.gif) {
-        animationFile_.emplace(*options.gif, FileKind::Gif, guard_);
-        animation_.emplace(*animationFile_, options.delay.value_or(100));
+    if (options_.gif) {
+        animationFile_.emplace(*options_.gif, FileKind::Gif, guard_);
+        animation_.emplace(*animationFile_, options_.delay.value_or(100));
     }
 }
 
@@ -106,9 +106,7 @@ std::wstring Unpacker::Excess(ZmiFile& file) const {
 
 void Unpacker::UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t index, Results& results) {
     const std::optional<FileFrame> frame = file.Frames().Frame(index);
-    std::wstring fault =
-        frame ? file.FaultOf(index, *frame)
-              : L"the record at offset " + Grouped(file.RecordOffset(index)) + L" cannot be read";
+    std::wstring fault = file.FaultOf(index, frame);
     JsonObject entry;
     entry.Add("frame", index + 1);
     if (frame)
@@ -118,20 +116,19 @@ void Unpacker::UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t 
     if (fault.empty() && !options_.info) {
         const auto attempt = [&](const auto& write) {
             try {
-                if (write())
-                    return true;
-                fault = L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read";
+                write();
+                return true;
             } catch (const Failure& failure) {
                 fault = failure.Message();
+                return false;
             }
-            return false;
         };
         if (animation_)
-            attempt([&] { return AddToAnimation(file, index, *frame); });
+            attempt([&] { AddToAnimation(file, index, *frame); });
         if (!options_.gif || options_.out) {
             const std::filesystem::path path = names_.Take(
                 input.path.stem().wstring() + NumberSuffix(index + 1U, file.Frames().FrameCount()));
-            if (attempt([&] { return WritePicture(file, index, *frame, path); })) {
+            if (attempt([&] { WritePicture(file, index, *frame, path); })) {
                 entry.Add("png", path.wstring());
                 if (results.first.empty())
                     results.first = path;
@@ -147,7 +144,13 @@ void Unpacker::UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t 
         results.frames.push_back(std::move(entry));
 }
 
-bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+void Unpacker::ReadRows(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+                        const RowTaker& takeRow) const {
+    if (!file.Frames().Convert(frame, takeRow))
+        throw Failure(L"the pixels of frame " + std::to_wstring(index + 1) + L" cannot be read");
+}
+
+void Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
                             const std::filesystem::path& path) {
     const FrameRecord& record = frame.record;
     std::vector<PngText> texts;
@@ -161,47 +164,42 @@ bool Unpacker::WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame&
     OutputFile output(path, FileKind::Png, guard_, NameOrigin::MadeUp);
     PngWriter png(output, record.width, record.height, !TransparentKey(record), texts);
     double row = 0;
-    const auto takeRow = [&](const std::uint32_t* words) {
+    ReadRows(file, index, frame, [&](const std::uint32_t* words) {
         png.WriteRow(words);
         ShowProgress(file, index, ++row / record.height);
-    };
-    if (!file.Frames().Convert(frame, takeRow))
-        return false;
+    });
     png.Finish();
     output.Commit();
-    return true;
 }
 
-bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame) {
+void Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame) {
     constexpr std::uint64_t mostPixels = 1U << 26; // all of them are in memory
     const FrameRecord& record = frame.record;
     if (std::uint64_t{record.width} * record.height > mostPixels)
         throw Failure(L"frame " + std::to_wstring(index + 1) + L" is too large for a GIF: more than " +
                       Grouped(mostPixels) + L" pixels");
     const auto forEachPixel = [&](const auto& take) {
-        return file.Frames().Convert(frame, [&](const std::uint32_t* words) {
+        ReadRows(file, index, frame, [&](const std::uint32_t* words) {
             for (const std::uint32_t word : std::span(words, record.width))
                 take(std::bit_cast<Color>(word));
         });
     };
     // Transparent pixels have one colour, with its own entry besides those of opaque pixels.
     std::optional<std::uint16_t> transparent;
-    bool ok = forEachPixel([&](Color pixel) {
+    forEachPixel([&](Color pixel) {
         if (pixel.alpha == 0)
             transparent = ToRgb565(pixel);
     });
     PaletteBuilder builder;
     builder.StartFrame(transparent);
-    ok = ok && forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
+    forEachPixel([&](Color pixel) { builder.Add({&pixel, 1}); });
     PaletteSearch table = builder.Build();
     std::vector<std::uint8_t> indices;
     indices.reserve(std::size_t{record.width} * record.height);
-    ok = ok && forEachPixel([&](Color pixel) {
-             const std::uint16_t color = ToRgb565(pixel);
-             indices.push_back(pixel.alpha == 0 ? table.KeyIndex(color) : table.NearestIndex(color));
-         });
-    if (!ok)
-        return false;
+    forEachPixel([&](Color pixel) {
+        const std::uint16_t color = ToRgb565(pixel);
+        indices.push_back(pixel.alpha == 0 ? table.KeyIndex(color) : table.NearestIndex(color));
+    });
     const auto key = transparent ? std::optional(table.KeyIndex(*transparent)) : std::nullopt;
     try {
         animation_->AddFrame(record.width, record.height, indices, table.Entries(), key);
@@ -211,7 +209,6 @@ bool Unpacker::AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFram
     }
     ++animated_;
     ShowProgress(file, index, 1);
-    return true;
 }
 
 void Unpacker::FinishAnimation() {

@@ -20,9 +20,9 @@ namespace vantrel::tools {
 
 class Unpacker {
 public:
-    // Both must outlive the unpacker; the document is non-null if --json was given. Throws what OutputFile
-    // and FindInputFiles throw.
-    Unpacker(const UnpackOptions& options, JsonDocument* json);
+    // The document is non-null if --json was given, and must then outlive the unpacker. Throws what
+    // OutputFile and FindInputFiles throw.
+    Unpacker(UnpackOptions options, JsonDocument* json);
 
     // False if a file, a frame or its picture failed; this was reported, and all others were unpacked. Throws
     // Failure if the animation can't be completed, or stdout fails.
@@ -40,15 +40,16 @@ private:
     // What speaks against unpacking all frames of a file; empty if nothing does.
     std::wstring Excess(ZmiFile& file) const;
     void UnpackFrame(ZmiFile& file, const InputFile& input, std::uint16_t index, Results& results);
-    // Both are false when the frame's pixels can't be read, and throw Failure.
-    bool WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
+    // All three throw Failure.
+    void ReadRows(ZmiFile& file, std::uint16_t index, const FileFrame& frame, const RowTaker& takeRow) const;
+    void WritePicture(ZmiFile& file, std::uint16_t index, const FileFrame& frame,
                       const std::filesystem::path& path);
-    bool AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame);
+    void AddToAnimation(ZmiFile& file, std::uint16_t index, const FileFrame& frame);
     void FinishAnimation();
     void ShowProgress(const ZmiFile& file, std::uint16_t index, double part);
     void Report(const std::wstring& name, const std::wstring& fault, Results& results) const;
 
-    const UnpackOptions& options_;
+    UnpackOptions options_;
     JsonDocument* json_;
     std::vector<InputFile> inputs_;
     OutputGuard guard_;
