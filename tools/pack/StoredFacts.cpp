@@ -9,7 +9,6 @@
 #include <fstream>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace vantrel::tools {
 

@@ -1,6 +1,5 @@
 #include "tools/pack/ZmiWriter.h"
 
-#include "tools/inspection/ZmiFile.h"
 #include "tools/terminal/Failure.h"
 #include "tools/terminal/NumberText.h"
 
