@@ -17,10 +17,10 @@ enum { thumbnail, extract, icon };
 // Registered for the user, with nothing wrong.
 DoctorFacts SoundFacts() {
     DoctorFacts facts;
-    for (const RegistrationValue& expected : ExpectedRegistration()) {
-        const RegistryText text{ERROR_SUCCESS, expected.data.empty() ? ours : expected.data};
-        facts.values.push_back({expected, expected.isForMachine ? RegistryText{} : text,
-                                expected.isForMachine ? text : RegistryText{}});
+    facts.values = ExpectedValues();
+    for (ValueFacts& value : facts.values) {
+        RegistryText& found = value.isForMachine ? value.machine : value.user;
+        found = {ERROR_SUCCESS, value.wanted.empty() ? ours : value.wanted};
     }
     facts.servers = {{.path = ours}};
     facts.ownLibrary = ours;
@@ -242,9 +242,9 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     };
     const std::wstring windows = LR"(Software\Microsoft\Windows\CurrentVersion\)",
                        classes = LR"(Software\Classes\)";
-    for (const auto& [key, name, data, isForMachine] : ExpectedRegistration())
-        set(isForMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER, key, name,
-            data.empty() ? Beside(L"Vantrel64.dll") : data);
+    for (const ValueFacts& value : ExpectedValues())
+        set(value.isForMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER, value.key, value.name.c_str(),
+            value.wanted.empty() ? Beside(L"Vantrel64.dll") : value.wanted);
     set(HKEY_CURRENT_USER, classes + LR"(CLSID\{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}\InProcServer32)",
         nullptr, Beside(L"VANTREL64.DLL")); // another spelling, not another library
     set(HKEY_CURRENT_USER, classes + L".zmi", L"QuickTip", L"1");

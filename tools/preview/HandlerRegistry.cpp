@@ -16,6 +16,10 @@ namespace vantrel::tools {
 
 namespace {
 
+constexpr wchar_t columnHandlersKey[] = LR"(Software\Classes\Folder\ShellEx\ColumnHandlers\)";
+constexpr wchar_t propertyHandlersKey[] =
+    LR"(Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\)";
+
 // IInitializeWithStream where the handler takes a stream, else the interface that its hosts ask for.
 const std::array<HandlerClass, 5> g_handlerClasses = {{
     {L"thumbnail", thumbnailProviderId, L"{E357FCCD-A995-4576-B01F-234630154E96}",
@@ -29,30 +33,27 @@ const std::array<HandlerClass, 5> g_handlerClasses = {{
 std::wstring FindClass(HandlerKind kind, const std::wstring& extension) {
     const HandlerClass& known = ClassOf(kind);
     std::optional<std::wstring> classId;
-    switch (kind) {
-    case HandlerKind::Column:
-        // Hosts ask every column handler of the folder; only the library's own matters here.
-        for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
-            if (!classId && KeyExists(root, columnHandlersKey + std::wstring(known.classId)))
-                classId = known.classId;
-        break;
-    case HandlerKind::Properties:
+    if (kind == HandlerKind::Properties) {
         classId = ReadText(HKEY_LOCAL_MACHINE, propertyHandlersKey + extension);
-        break;
-    default:
+    } else if (known.shellEx) {
         classId = ReadClassText(extension + LR"(\ShellEx\)" + known.shellEx);
+    } else {
+        // Hosts ask every column handler of the folder; only the library's own matters here.
+        const std::wstring key = columnHandlersKey + std::wstring(known.classId);
+        if (KeyExists(HKEY_CURRENT_USER, key) || KeyExists(HKEY_LOCAL_MACHINE, key))
+            classId = known.classId;
     }
-    if (!classId)
-        throw Failure(std::wstring(L"no ") + known.name + L" handler is registered for " +
-                          (extension.empty() ? L"files without extension" : extension),
-                      REGDB_E_CLASSNOTREG);
-    return *classId;
+    if (classId)
+        return *classId;
+    throw Failure(std::wstring(L"no ") + known.name + L" handler is registered for " +
+                      (extension.empty() ? L"files without extension" : extension),
+                  REGDB_E_CLASSNOTREG);
 }
 
 } // namespace
 
 const HandlerClass& ClassOf(HandlerKind kind) {
-    return g_handlerClasses[static_cast<std::size_t>(kind)];
+    return g_handlerClasses[IndexOf(kind)];
 }
 
 std::optional<std::wstring> ReadClassText(const std::wstring& keyBelowClasses) {
@@ -62,18 +63,22 @@ std::optional<std::wstring> ReadClassText(const std::wstring& keyBelowClasses) {
     return std::nullopt;
 }
 
-std::wstring FindServerPath(const std::wstring& classId) {
-    if (auto path = ReadClassText(LR"(CLSID\)" + classId + LR"(\InProcServer32)"))
-        return *path;
-    throw Failure(L"the class " + classId + L" has no server in the registry", REGDB_E_CLASSNOTREG);
+CLSID ParseClassId(const std::wstring& text) {
+    CLSID classId{};
+    Check(CLSIDFromString(text.c_str(), &classId), L"class identifier " + text);
+    return classId;
 }
 
-void HandlerRegistry::CreateObject(HandlerKind kind, const std::wstring& extension, void** object) {
-    const std::wstring classText = dll_ ? ClassOf(kind).classId : FindClass(kind, extension);
-    CLSID classId{};
-    Check(CLSIDFromString(classText.c_str(), &classId), L"class identifier " + classText);
-    const std::filesystem::path path = dll_ ? *dll_ : std::filesystem::path(FindServerPath(classText));
-    modules_.try_emplace(path, path).first->second.Create(classId, *ClassOf(kind).interfaceId, object);
+void HandlerRegistry::CreateObject(HandlerKind kind, const std::filesystem::path& file, void** object) {
+    const HandlerClass& known = ClassOf(kind);
+    const std::wstring text = dll_ ? known.classId : FindClass(kind, file.extension().wstring());
+    const CLSID classId = ParseClassId(text);
+    std::optional<std::filesystem::path> server = dll_;
+    if (!server)
+        server = ReadClassText(LR"(CLSID\)" + text + LR"(\InProcServer32)");
+    if (!server)
+        throw Failure(L"the class " + text + L" has no server in the registry", REGDB_E_CLASSNOTREG);
+    modules_.try_emplace(*server, *server).first->second.Create(classId, *known.interfaceId, object);
 }
 
 } // namespace vantrel::tools

@@ -24,36 +24,36 @@ struct HandlerClass {
 };
 
 const HandlerClass& ClassOf(HandlerKind kind);
+constexpr std::size_t IndexOf(HandlerKind kind) {
+    return static_cast<std::size_t>(kind);
+}
 inline constexpr std::array allHandlers = {HandlerKind::Thumbnail, HandlerKind::ExtractImage,
                                            HandlerKind::Icon, HandlerKind::Column, HandlerKind::Properties};
 
 inline constexpr const wchar_t* classesKey = LR"(Software\Classes\)";
-inline constexpr const wchar_t* columnHandlersKey = LR"(Software\Classes\Folder\ShellEx\ColumnHandlers\)";
-inline constexpr const wchar_t* propertyHandlersKey =
-    LR"(Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\)";
 
 // The current user's text before the machine's, as the Shell reads HKEY_CLASSES_ROOT.
 std::optional<std::wstring> ReadClassText(const std::wstring& keyBelowClasses);
 
-// The server that is registered for a class. Throws Failure when there is none.
-std::wstring FindServerPath(const std::wstring& classId);
+// Throws Failure for a text that is none.
+CLSID ParseClassId(const std::wstring& text);
 
 class HandlerRegistry {
 public:
     // If a DLL is given, nothing is looked up: the library's classes are taken from it.
     explicit HandlerRegistry(std::optional<std::filesystem::path> dll) : dll_(std::move(dll)) {}
 
-    // Creates the object that a host would get for files with this extension (including the dot). Throws
-    // Failure. The server stays loaded as long as this registry exists.
+    // Creates the object that a host would get for files with this one's extension. Throws Failure. The
+    // server stays loaded as long as this registry exists.
     template <class Interface>
-    Microsoft::WRL::ComPtr<Interface> Create(HandlerKind kind, const std::wstring& extension) {
+    Microsoft::WRL::ComPtr<Interface> Create(HandlerKind kind, const std::filesystem::path& file) {
         Microsoft::WRL::ComPtr<Interface> object;
-        CreateObject(kind, extension, reinterpret_cast<void**>(object.GetAddressOf()));
+        CreateObject(kind, file, reinterpret_cast<void**>(object.GetAddressOf()));
         return object;
     }
 
 private:
-    void CreateObject(HandlerKind kind, const std::wstring& extension, void** object);
+    void CreateObject(HandlerKind kind, const std::filesystem::path& file, void** object);
 
     std::optional<std::filesystem::path> dll_;
     std::map<std::filesystem::path, ServerModule> modules_;

@@ -4,12 +4,12 @@
 
 namespace vantrel::tools {
 
-RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name) {
+RegistryText ReadValue(HKEY root, const std::wstring& key, const std::wstring& name) {
     std::wstring text(MAX_PATH, L'\0');
     for (;;) {
         auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
         const LSTATUS status =
-            RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
+            RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
         if (status == ERROR_MORE_DATA) {
             text.resize(text.size() * 2);
             continue;
@@ -19,7 +19,7 @@ RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name) 
     }
 }
 
-std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name) {
+std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const std::wstring& name) {
     RegistryText value = ReadValue(root, key, name);
     return value.status == ERROR_SUCCESS ? std::optional(std::move(value.text)) : std::nullopt;
 }

@@ -15,11 +15,11 @@ struct RegistryText {
     bool IsMissing() const { return status == ERROR_FILE_NOT_FOUND; }
 };
 
-// A string value with its environment variables expanded. A null name is the key's default value.
-RegistryText ReadValue(HKEY root, const std::wstring& key, const wchar_t* name = nullptr);
+// A string value with its environment variables expanded. An empty name is the key's default value.
+RegistryText ReadValue(HKEY root, const std::wstring& key, const std::wstring& name = {});
 
 // The value's text; empty if it can't be read.
-std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const wchar_t* name = nullptr);
+std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const std::wstring& name = {});
 
 // The value's number, or the default if it is missing or not a REG_DWORD.
 DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD otherwise = 0);

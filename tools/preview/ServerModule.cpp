@@ -14,9 +14,8 @@ ServerModule::ServerModule(const std::filesystem::path& path)
 }
 
 void ServerModule::Create(REFCLSID classId, REFIID interfaceId, void** object) const {
-    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-    const auto getClassObject = reinterpret_cast<GetClassObject>(
-        reinterpret_cast<void*>(GetProcAddress(module_.get(), "DllGetClassObject")));
+    const auto getClassObject =
+        FindFunction<decltype(&DllGetClassObject)>(module_.get(), "DllGetClassObject");
     if (!getClassObject)
         throw Failure(L"the DLL exports no DllGetClassObject", HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
     Microsoft::WRL::ComPtr<IClassFactory> factory;

@@ -7,6 +7,12 @@
 
 namespace vantrel::tools {
 
+// Null if the module exports no such function.
+template <class Function>
+Function FindFunction(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
 // Stays loaded until destroyed, so it must outlive the objects that it created.
 class ServerModule {
 public:

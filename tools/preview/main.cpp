@@ -31,14 +31,8 @@ void ExplainFailures(FileReport& report, unsigned smallestThumbnail) {
         }
 }
 
-// The thumbnails that files are asked for.
-struct Sizes {
-    std::vector<unsigned> edges;           // in pixels; each becomes a PNG file
-    std::optional<unsigned> forSheetAlone; // unless it is among them
-};
-
-Sizes ChooseSizes(const PreviewOptions& options, const std::optional<ContactSheet>& sheet) {
-    Sizes sizes;
+ThumbnailSizes ChooseSizes(const PreviewOptions& options, const std::optional<ContactSheet>& sheet) {
+    ThumbnailSizes sizes;
     if (!sheet || options.out)
         sizes.edges = options.sizes.value_or(std::vector<unsigned>{256, 96, 32});
     else if (options.sizes)
@@ -49,24 +43,14 @@ Sizes ChooseSizes(const PreviewOptions& options, const std::optional<ContactShee
     return sizes;
 }
 
-FileReport Ask(HandlerRegistry& registry, const InputFile& file, const Sizes& sizes) {
+FileReport Ask(HandlerRegistry& registry, const InputFile& file, const ThumbnailSizes& sizes) {
     FileReport report{.file = file};
     if (!file.fault.empty()) {
         report.fault = file.fault;
         return report;
     }
-    if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        for (const unsigned edge : sizes.edges)
-            AskForThumbnail(registry, file, edge, report.results);
-        if (sizes.forSheetAlone) {
-            AskForThumbnail(registry, file, *sizes.forSheetAlone, report.results);
-            report.results.back().pngSuffix.clear();
-        }
-        AskForProperties(registry, file, report.results);
-        AskForExtractedImage(registry, file, report.results);
-        AskForIcons(registry, file, report.results);
-        AskForColumn(registry, file, report.results);
-    }
+    if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES)
+        report.results = AskHosts(registry, file, sizes);
     if (report.results.empty() || !report.Ok()) {
         unsigned width = 0;
         unsigned height = 0;
@@ -122,7 +106,7 @@ bool Preview(const PreviewOptions& options, JsonDocument* json) {
         names.Reserve(*options.sheet);
         sheet.emplace(files.size());
     }
-    const Sizes sizes = ChooseSizes(options, sheet);
+    const ThumbnailSizes sizes = ChooseSizes(options, sheet);
 
     if (json)
         json->BeginList("files");

@@ -40,6 +40,7 @@ const std::wstring packageName = L"Vantrel64-" VANTREL_VERSION L"-x64";
 const std::wstring chooseProgram = L"choose another program under \"Open with\"";
 const std::wstring useInstaller = L"install Vantrel64 with its installer, which registers it for the machine";
 const std::wstring replaceLibrary = L"replace it with the one in " + packageName + L".zip";
+const std::wstring asAdministrator = L" as administrator, since this is a machine-wide registry value";
 // Rewrites all files and all machine-wide registry values, whatever the files' versions.
 const std::wstring repairInstallation =
     L"as administrator, in the installer's folder, run msiexec /i " + packageName +
@@ -58,6 +59,24 @@ bool HasFolder(const ServerFacts& server) {
     return std::filesystem::path(server.path).is_absolute();
 }
 
+// What is wrong with a library, as the end of a sentence; empty if it can create these classes.
+std::wstring LibraryFault(const ServerFacts& server, const std::vector<HandlerKind>& kinds) {
+    if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
+        return L" is not found";
+    if (server.loaded == HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT))
+        return L" is not a 64-bit library";
+    if (FAILED(server.loaded))
+        return L" can't be loaded: " + DescribeHresult(server.loaded);
+    for (const HandlerKind kind : kinds) {
+        const HRESULT created = server.created[IndexOf(kind)];
+        if (created == CLASS_E_CLASSNOTAVAILABLE || created == HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND))
+            return L" is another library, not Vantrel64";
+        if (FAILED(created))
+            return L" can't create the " + NameOf(kind) + L": " + DescribeHresult(created);
+    }
+    return {};
+}
+
 // One fault as is; several as their number and the first.
 std::wstring Counted(const std::vector<std::wstring>& faults, const wchar_t* summary) {
     if (faults.size() == 1)
@@ -67,348 +86,297 @@ std::wstring Counted(const std::vector<std::wstring>& faults, const wchar_t* sum
 
 class Diagnosis {
 public:
-    explicit Diagnosis(const DoctorFacts& facts);
+    explicit Diagnosis(const DoctorFacts& facts) : facts_(facts) {
+        for (const ValueFacts& value : facts.values) {
+            if (value.isForMachine)
+                continue;
+            userValues_ += !value.user.IsMissing();
+            machineValues_ += !value.machine.IsMissing();
+            isUserOnly_ = isUserOnly_ || (value.wanted.empty() && value.machine.IsMissing());
+        }
+        isUserOnly_ = isUserOnly_ && userValues_;
+        for (const HandlerKind kind : allHandlers)
+            if (const auto& created = facts.classes[IndexOf(kind)].created; created && FAILED(*created))
+                comFaults_.push_back(L"Windows can't load the " + NameOf(kind) + L": " +
+                                     DescribeHresult(*created));
+        std::wstring library = facts.ownLibrary.value_or(LR"(...\Vantrel64.dll)");
+        for (const ServerFacts& server : facts.servers)
+            if (server.path == facts.givenLibrary && LibraryFault(server, everyKind).empty())
+                library = server.path;
+        library = Quoted(library);
+        registerAgain_ = machineValues_ ? repairInstallation : L"run regsvr32 " + library;
+        unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine-wide registration stays";
+    }
 
-    std::vector<Finding> Findings();
+    std::vector<Finding> Findings() {
+        CheckMachine();
+        CheckRegistration();
+        CheckLibraries();
+        CheckCom();
+        CheckHandlers();
+        CheckSettings();
+        for (const FileFacts& file : facts_.files)
+            CheckFile(file);
+        return std::move(findings_);
+    }
 
 private:
     void Add(Health health, std::wstring text, std::wstring fix = {}) {
         findings_.push_back({health, std::move(text), std::move(fix)});
     }
-    // The value that has this text for a class; without text, its server's path. Null if there is none.
-    const ValueFacts* Find(HandlerKind kind, std::wstring_view data) const;
+
+    void CheckMachine() {
+        if (facts_.isArm64)
+            Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
+                L"build Vantrel64 on this machine");
+        // Without User Account Control, COM shows this program what it shows Explorer.
+        if (facts_.isExplorerElevated && isUserOnly_ && (!facts_.isUacOff || !comFaults_.empty()))
+            Add(Health::Fail,
+                std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
+                    L" runs as administrator, where COM ignores what is registered for one user only",
+                useInstaller);
+    }
+
+    void CheckRegistration() {
+        if (userValues_ == 0 && machineValues_ == 0) {
+            // The property handler's value survives unregistration, so it does not count here.
+            Add(Health::Fail,
+                L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
+                L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
+            return;
+        }
+        const std::size_t before = findings_.size();
+        std::vector<std::wstring> wrong;
+        for (const ValueFacts& value : facts_.values) {
+            std::wstring fault = FaultOf(value);
+            if (fault.empty() || value.IsHiding())
+                continue; // those have their own check
+            if (value.isForMachine)
+                Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
+                    registerAgain_ + (machineValues_ ? L"" : asAdministrator));
+            else
+                wrong.push_back(std::move(fault));
+        }
+        if (!wrong.empty())
+            Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
+        CheckHiding();
+        const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
+            const std::vector<HandlerKind> kinds = ClassesOf(server);
+            return kinds.empty() || (HasFolder(server) && LibraryFault(server, kinds).empty());
+        });
+        if (findings_.size() == before && isSound)
+            Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
+                                L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
+                                L" for the machine (HKLM)");
+    }
+
     // What is wrong with a value and where it is or should be; empty if nothing is wrong.
-    std::wstring FaultOf(const ValueFacts& value) const;
-    void CheckMachine();
-    void CheckRegistration();
-    void CheckHiding();
-    void CheckLibraries();
+    std::wstring FaultOf(const ValueFacts& value) const {
+        const RegistryText& found = value.Effective();
+        const bool isMachines = value.isForMachine || (value.user.IsMissing() && machineValues_);
+        const std::wstring name = (isMachines ? LR"(HKLM\)" : LR"(HKCU\)") + value.key + L" [" +
+                                  (value.name.empty() ? L"default value" : value.name) + L"]";
+        if (found.IsMissing())
+            return name + L" is missing";
+        if (found.status == ERROR_UNSUPPORTED_TYPE)
+            return name + L" is of the wrong type, not a string";
+        if (found.status != ERROR_SUCCESS)
+            return name + L" can't be read: " + DescribeHresult(HRESULT_FROM_WIN32(found.status));
+        if (!value.wanted.empty() && found.text != value.wanted)
+            return name + L" is " + Quoted(found.text) + L", not " + Quoted(value.wanted);
+        return {};
+    }
+
+    // A registration for this user, such as one left by version 1.0.0, hides the machine's.
+    void CheckHiding() {
+        std::size_t count = 0;
+        std::wstring difference;
+        for (const ValueFacts& value : facts_.values) {
+            if (!value.IsHiding())
+                continue;
+            ++count;
+            if (difference.empty())
+                difference = FaultOf(value);
+            if (difference.empty() && value.wanted.empty() &&
+                CompareNames(value.user.text, value.machine.text) != 0)
+                difference = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
+        }
+        if (count > 0)
+            Add(difference.empty() ? Health::Warn : Health::Fail,
+                L"this user's registration (HKCU) hides " + std::to_wstring(count) +
+                    L" of the machine-wide registry values (HKLM)" +
+                    (difference.empty() ? L"" : L"; " + difference),
+                unhide_);
+    }
+
+    void CheckLibraries() {
+        std::vector<std::wstring> registered;
+        auto expected = facts_.givenLibrary ? facts_.givenLibrary : facts_.ownLibrary;
+        for (const ServerFacts& server : facts_.servers) {
+            const std::vector<HandlerKind> kinds = ClassesOf(server);
+            const bool isRegistered = !kinds.empty();
+            const bool isHiding =
+                std::ranges::any_of(kinds, [this](HandlerKind kind) { return ServerOf(kind).IsHiding(); });
+            const std::wstring& fix = isHiding ? unhide_ : registerAgain_;
+            const std::vector<HandlerKind>& asked = isRegistered ? kinds : everyKind;
+            const std::wstring fault = LibraryFault(server, asked);
+            const std::wstring handlers = asked == everyKind  ? L"all five handlers"
+                                          : asked.size() == 1 ? L"the " + NameOf(asked[0])
+                                                              : std::to_wstring(asked.size()) + L" handlers";
+            if (isRegistered && !HasFolder(server)) {
+                Add(Health::Fail,
+                    server.path + L" is registered without its folder for " + handlers +
+                        L", so what Windows finds depends on the program",
+                    fix);
+            } else if (fault.empty()) {
+                Add(Health::Ok, server.path + L" creates " + handlers);
+                if (isRegistered)
+                    registered.push_back(server.path);
+            } else if (isRegistered) {
+                const bool isOwn = facts_.ownLibrary && CompareNames(server.path, *facts_.ownLibrary) == 0;
+                std::wstring what = server.path + L", registered for ";
+                what.append(handlers).append(L",").append(fault);
+                Add(Health::Fail, what, isOwn && !isHiding && !machineValues_ ? replaceLibrary : fix);
+            } else {
+                Add(Health::Fail, server.path + fault, L"check the path after --dll");
+                expected.reset();
+            }
+        }
+        if (registered.size() > 1)
+            Add(Health::Fail,
+                L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
+                userValues_ && machineValues_ ? unhide_ : registerAgain_);
+        else if (registered.size() == 1 && expected && CompareNames(*expected, registered[0]) != 0)
+            Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
+                L"the registered library is " + registered[0] + L", not " + *expected,
+                machineValues_ ? L"install the one you want" : L"run regsvr32 " + Quoted(*expected));
+    }
+
     // The classes that this server is registered for.
-    std::vector<HandlerKind> ClassesOf(const ServerFacts& server) const;
-    std::wstring FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const;
-    void CheckCom();
-    void CheckHandlers();
-    void CheckSettings();
-    void CheckFile(const FileFacts& file);
+    std::vector<HandlerKind> ClassesOf(const ServerFacts& server) const {
+        std::vector<HandlerKind> kinds;
+        std::ranges::copy_if(allHandlers, std::back_inserter(kinds), [&](HandlerKind kind) {
+            return CompareNames(ServerOf(kind).Effective().text, server.path) == 0;
+        });
+        return kinds;
+    }
+
+    // The value that names a class's server.
+    const ValueFacts& ServerOf(HandlerKind kind) const {
+        return *std::ranges::find_if(facts_.values, [kind](const ValueFacts& value) {
+            return value.wanted.empty() && value.key.find(ClassOf(kind).classId) != std::wstring::npos;
+        });
+    }
+
+    void CheckCom() {
+        if (comFaults_.empty()) {
+            if (std::ranges::all_of(facts_.classes,
+                                    [](const ClassFacts& one) { return one.created.has_value(); }))
+                Add(Health::Ok, L"Windows can load all five handlers");
+        } else if (facts_.isDoctorElevated && !facts_.isExplorerElevated && isUserOnly_) {
+            Add(Health::Warn,
+                L"this program runs as administrator, where COM ignores what is registered for one user "
+                L"only, so what Explorer gets was not checked",
+                L"run the doctor in an ordinary command prompt");
+        } else if (std::ranges::find(findings_, Health::Fail, &Finding::health) == findings_.end()) {
+            Add(Health::Fail, Counted(comFaults_, L"handlers can't be loaded"), registerAgain_);
+        }
+    }
+
+    void CheckHandlers() {
+        const std::size_t before = findings_.size();
+        for (const HandlerKind kind : allHandlers) {
+            const std::wstring ours = ClassOf(kind).classId;
+            const auto& answer = facts_.classes[IndexOf(kind)].answer;
+            const auto binding = std::ranges::find(facts_.values, ours, &ValueFacts::wanted);
+            // The column handler has no such binding. A wrong one has already been reported.
+            if (binding == facts_.values.end() || !FaultOf(*binding).empty() ||
+                (answer && CompareNames(*answer, ours) == 0))
+                continue;
+            std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
+            std::wstring fix = registerAgain_;
+            for (const ProgramFacts& program : facts_.programs) {
+                const std::wstring& claim = program.handlers[IndexOf(kind)];
+                if (claim.empty() || CompareNames(claim, ours) == 0 ||
+                    (answer && CompareNames(claim, *answer) != 0))
+                    continue;
+                other = L", " + claim + L" of the program " + program.progId;
+                fix = chooseProgram;
+            }
+            if (answer || !other.empty())
+                Add(Health::Fail,
+                    (other.empty() ? L"the system finds no " : L"the system uses another ") +
+                        (NameOf(kind) + L" for .zmi" + other),
+                    fix);
+        }
+        for (const ProgramFacts& program : facts_.programs)
+            if (!program.defaultIcon.empty() && program.defaultIcon != L"%1")
+                Add(Health::Warn,
+                    L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
+                    L"if it does, " + chooseProgram);
+        const auto infoTip = std::ranges::find(facts_.values, L"InfoTip", &ValueFacts::name);
+        if (facts_.infoTip && *facts_.infoTip != infoTip->wanted && FaultOf(*infoTip).empty())
+            Add(Health::Warn,
+                L"Explorer shows other properties for .zmi files than Vantrel64's, " +
+                    Quoted(*facts_.infoTip),
+                !machineValues_           ? useInstaller
+                : facts_.programs.empty() ? repairInstallation
+                                          : chooseProgram);
+        if (findings_.size() == before)
+            Add(Health::Ok, L"no other program's handler, icon or list of properties interferes");
+    }
+
+    void CheckSettings() {
+        const std::size_t before = findings_.size();
+        const bool areApproved = std::ranges::all_of(facts_.classes, &ClassFacts::isApproved);
+        for (const std::wstring& setting : facts_.settings)
+            for (const auto& [name, health, effect, fix] : settingEffects)
+                if (setting.ends_with(L'\\' + std::wstring(name)) && !(name == approvedOnly && areApproved))
+                    Add(health, effect + (L" (" + setting + L")"), fix);
+        for (const HandlerKind kind : allHandlers)
+            if (const auto& key = facts_.classes[IndexOf(kind)].blockingKey)
+                Add(Health::Fail, L"the " + NameOf(kind) + L" is blocked",
+                    std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
+        if (findings_.size() == before)
+            Add(Health::Ok, L"no setting or policy turns thumbnails off");
+    }
+
+    void CheckFile(const FileFacts& file) {
+        const std::wstring name = file.shown + L": ";
+        if (file.unread) {
+            Add(file.isFolder ? Health::Warn : Health::Fail, *file.unread,
+                file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
+            return;
+        }
+        if (CompareNames(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi") != 0)
+            Add(Health::Warn, name + L"the Shell goes by the extension, and this one is not .zmi",
+                L"rename the file");
+        const unsigned smallest = SmallestThumbnail(file.width, file.height);
+        if (file.IsElsewhere())
+            Add(Health::Warn,
+                name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
+                L"in Explorer, choose \"Always keep on this device\" for it");
+        else if (file.fault)
+            Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
+        else if (smallest > smallestThumbnail)
+            Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
+                name + SizeText(file.width, file.height) +
+                    L" pixels is too thin for thumbnails smaller than " + std::to_wstring(smallest) +
+                    L" pixels",
+                L"crop the picture, or put it on a squarer canvas");
+        else
+            Add(Health::Ok, name + L"header, trailer and frames are valid");
+    }
 
     const DoctorFacts& facts_;
-    std::ptrdiff_t userValues_ = 0; // of the 27 that may be in either hive
-    std::ptrdiff_t machineValues_ = 0;
-    bool isUserOnly_ = false; // a class's server is registered for this user only
-    bool isComAsked_ = true;
+    std::size_t userValues_ = 0; // of the 27 that may be in either hive
+    std::size_t machineValues_ = 0;
+    bool isUserOnly_ = false;             // a class's server is registered for this user only
     std::vector<std::wstring> comFaults_; // one for each class that it can't create
     std::wstring registerAgain_;          // fixes
     std::wstring unhide_;
     std::vector<Finding> findings_;
 };
-
-Diagnosis::Diagnosis(const DoctorFacts& facts) : facts_(facts) {
-    for (const ValueFacts& value : facts_.values) {
-        if (value.expected.isForMachine)
-            continue;
-        userValues_ += !value.user.IsMissing();
-        machineValues_ += !value.machine.IsMissing();
-        isUserOnly_ = isUserOnly_ || (value.expected.data.empty() && value.machine.IsMissing());
-    }
-    isUserOnly_ = isUserOnly_ && userValues_;
-    for (const HandlerKind kind : allHandlers) {
-        const auto& created = facts_.classes[static_cast<std::size_t>(kind)].created;
-        isComAsked_ = isComAsked_ && created;
-        if (created && FAILED(*created))
-            comFaults_.push_back(L"Windows can't load the " + NameOf(kind) + L": " +
-                                 DescribeHresult(*created));
-    }
-    std::wstring library = facts_.ownLibrary.value_or(LR"(...\Vantrel64.dll)");
-    for (const ServerFacts& server : facts_.servers)
-        if (server.path == facts_.givenLibrary && FaultOf(server, everyKind).empty())
-            library = server.path;
-    library = Quoted(library);
-    registerAgain_ = machineValues_ ? repairInstallation : L"run regsvr32 " + library;
-    unhide_ = L"run regsvr32 /u " + library + L" as this user; the machine-wide registration stays";
-}
-
-std::vector<Finding> Diagnosis::Findings() {
-    CheckMachine();
-    CheckRegistration();
-    CheckLibraries();
-    CheckCom();
-    CheckHandlers();
-    CheckSettings();
-    for (const FileFacts& file : facts_.files)
-        CheckFile(file);
-    return std::move(findings_);
-}
-
-const ValueFacts* Diagnosis::Find(HandlerKind kind, std::wstring_view data) const {
-    const auto found = std::ranges::find_if(facts_.values, [&](const ValueFacts& value) {
-        return value.expected.data == data &&
-               (!data.empty() || value.expected.key.find(ClassOf(kind).classId) != std::wstring::npos);
-    });
-    return found == facts_.values.end() ? nullptr : &*found;
-}
-
-std::wstring Diagnosis::FaultOf(const ValueFacts& value) const {
-    const RegistryText& found = value.Effective();
-    const std::wstring& wanted = value.expected.data;
-    const bool isMachines = value.expected.isForMachine || (value.user.IsMissing() && machineValues_);
-    const std::wstring name = (isMachines ? LR"(HKLM\)" : LR"(HKCU\)") + value.expected.key + L" [" +
-                              (value.expected.name ? value.expected.name : L"default value") + L"]";
-    if (found.IsMissing())
-        return name + L" is missing";
-    if (found.status == ERROR_UNSUPPORTED_TYPE)
-        return name + L" is of the wrong type, not a string";
-    if (found.status != ERROR_SUCCESS)
-        return name + L" can't be read: " + DescribeHresult(HRESULT_FROM_WIN32(found.status));
-    if (!wanted.empty() && found.text != wanted)
-        return name + L" is " + Quoted(found.text) + L", not " + Quoted(wanted);
-    return {};
-}
-
-void Diagnosis::CheckMachine() {
-    if (facts_.isArm64)
-        Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
-            L"build Vantrel64 on this machine");
-    // Without User Account Control, COM shows this program what it shows Explorer.
-    if (facts_.isExplorerElevated && isUserOnly_ && (!facts_.isUacOff || !comFaults_.empty()))
-        Add(Health::Fail,
-            std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
-                L" runs as administrator, where COM ignores what is registered for one user only",
-            useInstaller);
-}
-
-void Diagnosis::CheckRegistration() {
-    if (userValues_ == 0 && machineValues_ == 0) {
-        // The property handler's value survives unregistration, so it does not count here.
-        Add(Health::Fail,
-            L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
-            L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
-        return;
-    }
-    const std::size_t before = findings_.size();
-    std::vector<std::wstring> wrong;
-    for (const ValueFacts& value : facts_.values) {
-        std::wstring fault = FaultOf(value);
-        if (fault.empty() || value.IsHiding())
-            continue; // those have their own check
-        if (value.expected.isForMachine)
-            Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
-                registerAgain_ + (machineValues_
-                                      ? L""
-                                      : L" as administrator, since this is a machine-wide registry value"));
-        else
-            wrong.push_back(std::move(fault));
-    }
-    if (!wrong.empty())
-        Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
-    CheckHiding();
-    const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
-        const std::vector<HandlerKind> kinds = ClassesOf(server);
-        return kinds.empty() || (HasFolder(server) && FaultOf(server, kinds).empty());
-    });
-    if (findings_.size() == before && isSound)
-        Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
-                            L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
-                            L" for the machine (HKLM)");
-}
-
-// A registration for this user, such as one left by version 1.0.0, hides the machine's.
-void Diagnosis::CheckHiding() {
-    std::ptrdiff_t count = 0;
-    std::wstring difference;
-    for (const ValueFacts& value : facts_.values) {
-        if (!value.IsHiding())
-            continue;
-        ++count;
-        if (difference.empty())
-            difference = FaultOf(value);
-        if (difference.empty() && value.expected.data.empty() &&
-            CompareNames(value.user.text, value.machine.text) != 0)
-            difference = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
-    }
-    if (count > 0)
-        Add(difference.empty() ? Health::Warn : Health::Fail,
-            L"this user's registration (HKCU) hides " + std::to_wstring(count) +
-                L" of the machine-wide registry values (HKLM)" +
-                (difference.empty() ? L"" : L"; " + difference),
-            unhide_);
-}
-
-std::vector<HandlerKind> Diagnosis::ClassesOf(const ServerFacts& server) const {
-    std::vector<HandlerKind> kinds;
-    std::ranges::copy_if(allHandlers, std::back_inserter(kinds), [&](HandlerKind kind) {
-        const ValueFacts* value = Find(kind, {});
-        return value && CompareNames(value->Effective().text, server.path) == 0;
-    });
-    return kinds;
-}
-
-// Empty if it can create these classes.
-std::wstring Diagnosis::FaultOf(const ServerFacts& server, const std::vector<HandlerKind>& kinds) const {
-    if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
-        return L" is not found";
-    if (server.loaded == HRESULT_FROM_WIN32(ERROR_BAD_EXE_FORMAT))
-        return L" is not a 64-bit library";
-    if (FAILED(server.loaded))
-        return L" can't be loaded: " + DescribeHresult(server.loaded);
-    for (const HandlerKind kind : kinds) {
-        const HRESULT created = server.created[static_cast<std::size_t>(kind)];
-        if (created == CLASS_E_CLASSNOTAVAILABLE || created == HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND))
-            return L" is another library, not Vantrel64";
-        if (FAILED(created))
-            return L" can't create the " + NameOf(kind) + L": " + DescribeHresult(created);
-    }
-    return {};
-}
-
-void Diagnosis::CheckLibraries() {
-    std::vector<std::wstring> registered;
-    auto expected = facts_.givenLibrary ? facts_.givenLibrary : facts_.ownLibrary;
-    for (const ServerFacts& server : facts_.servers) {
-        const std::vector<HandlerKind> kinds = ClassesOf(server);
-        const bool isRegistered = !kinds.empty();
-        const bool isHiding =
-            std::ranges::any_of(kinds, [this](HandlerKind kind) { return Find(kind, {})->IsHiding(); });
-        const std::vector<HandlerKind>& asked = isRegistered ? kinds : everyKind;
-        const std::wstring fault = FaultOf(server, asked);
-        const std::wstring handlers = asked == everyKind  ? L"all five handlers"
-                                      : asked.size() == 1 ? L"the " + NameOf(asked[0])
-                                                          : std::to_wstring(asked.size()) + L" handlers";
-        if (isRegistered && !HasFolder(server)) {
-            Add(Health::Fail,
-                server.path + L" is registered without its folder for " + handlers +
-                    L", so what Windows finds depends on the program",
-                isHiding ? unhide_ : registerAgain_);
-        } else if (fault.empty()) {
-            Add(Health::Ok, server.path + L" creates " + handlers);
-            if (isRegistered)
-                registered.push_back(server.path);
-        } else if (isRegistered) {
-            const bool isOwn = facts_.ownLibrary && CompareNames(server.path, *facts_.ownLibrary) == 0;
-            std::wstring what = server.path + L", registered for ";
-            what.append(handlers).append(L",").append(fault);
-            Add(Health::Fail, std::move(what),
-                isHiding                   ? unhide_
-                : isOwn && !machineValues_ ? replaceLibrary
-                                           : registerAgain_);
-        } else {
-            Add(Health::Fail, server.path + fault, L"check the path after --dll");
-            expected.reset();
-        }
-    }
-    if (registered.size() > 1)
-        Add(Health::Fail,
-            L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
-            userValues_ && machineValues_ ? unhide_ : registerAgain_);
-    else if (registered.size() == 1 && expected && CompareNames(*expected, registered[0]) != 0)
-        Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
-            L"the registered library is " + registered[0] + L", not " + *expected,
-            machineValues_ ? L"install the one you want" : L"run regsvr32 " + Quoted(*expected));
-}
-
-void Diagnosis::CheckCom() {
-    const bool isTold = std::ranges::find(findings_, Health::Fail, &Finding::health) != findings_.end();
-    if (comFaults_.empty()) {
-        if (isComAsked_)
-            Add(Health::Ok, L"Windows can load all five handlers");
-    } else if (facts_.isDoctorElevated && !facts_.isExplorerElevated && isUserOnly_) {
-        Add(Health::Warn,
-            L"this program runs as administrator, where COM ignores what is registered for one user only, so "
-            L"what Explorer gets was not checked",
-            L"run the doctor in an ordinary command prompt");
-    } else if (!isTold) {
-        Add(Health::Fail, Counted(comFaults_, L"handlers can't be loaded"), registerAgain_);
-    }
-}
-
-void Diagnosis::CheckHandlers() {
-    bool isClear = true;
-    for (const HandlerKind kind : allHandlers) {
-        const HandlerClass& known = ClassOf(kind);
-        const auto& answer = facts_.classes[static_cast<std::size_t>(kind)].answer;
-        const ValueFacts* binding = Find(kind, known.classId); // null for the column handler
-        if (!binding || !FaultOf(*binding).empty() || (answer && CompareNames(*answer, known.classId) == 0))
-            continue; // a wrong binding has already been reported
-        std::wstring other = answer && !answer->empty() ? L", " + *answer : L"";
-        std::wstring fix = registerAgain_;
-        for (const ProgramFacts& program : facts_.programs) {
-            const std::wstring& claim = program.handlers[static_cast<std::size_t>(kind)];
-            if (claim.empty() || CompareNames(claim, known.classId) == 0 ||
-                (answer && CompareNames(claim, *answer) != 0))
-                continue;
-            other = L", " + claim + L" of the program " + program.progId;
-            fix = chooseProgram;
-        }
-        if (!answer && other.empty())
-            continue;
-        isClear = false;
-        Add(Health::Fail,
-            (other.empty() ? L"the system finds no " : L"the system uses another ") +
-                (NameOf(kind) + L" for .zmi" + other),
-            fix);
-    }
-    for (const ProgramFacts& program : facts_.programs) {
-        if (program.defaultIcon.empty() || program.defaultIcon == L"%1")
-            continue;
-        isClear = false;
-        Add(Health::Warn,
-            L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
-            L"if it does, " + chooseProgram);
-    }
-    const auto infoTip = std::ranges::find_if(facts_.values, [](const ValueFacts& value) {
-        return value.expected.name && value.expected.name == std::wstring_view(L"InfoTip");
-    });
-    if (facts_.infoTip && *facts_.infoTip != infoTip->expected.data && FaultOf(*infoTip).empty()) {
-        isClear = false;
-        Add(Health::Warn,
-            L"Explorer shows other properties for .zmi files than Vantrel64's, " + Quoted(*facts_.infoTip),
-            !machineValues_           ? useInstaller
-            : facts_.programs.empty() ? repairInstallation
-                                      : chooseProgram);
-    }
-    if (isClear)
-        Add(Health::Ok, L"no other program's handler, icon or list of properties interferes");
-}
-
-void Diagnosis::CheckSettings() {
-    const std::size_t before = findings_.size();
-    const bool areApproved = std::ranges::all_of(facts_.classes, &ClassFacts::isApproved);
-    for (const std::wstring& setting : facts_.settings)
-        for (const auto& [name, health, effect, fix] : settingEffects)
-            if (setting.ends_with(L'\\' + std::wstring(name)) && !(name == approvedOnly && areApproved))
-                Add(health, effect + (L" (" + setting + L")"), fix);
-    for (const HandlerKind kind : allHandlers)
-        if (const auto& key = facts_.classes[static_cast<std::size_t>(kind)].blockingKey)
-            Add(Health::Fail, L"the " + NameOf(kind) + L" is blocked",
-                std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
-    if (findings_.size() == before)
-        Add(Health::Ok, L"no setting or policy turns thumbnails off");
-}
-
-void Diagnosis::CheckFile(const FileFacts& file) {
-    const std::wstring name = file.shown + L": ";
-    if (file.unread) {
-        Add(file.isFolder ? Health::Warn : Health::Fail, *file.unread,
-            file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
-        return;
-    }
-    if (CompareNames(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi") != 0)
-        Add(Health::Warn, name + L"the Shell goes by the extension, and this one is not .zmi",
-            L"rename the file");
-    const unsigned smallest = SmallestThumbnail(file.width, file.height);
-    if (file.IsElsewhere())
-        Add(Health::Warn,
-            name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
-            L"in Explorer, choose \"Always keep on this device\" for it");
-    else if (file.fault)
-        Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
-    else if (smallest > smallestThumbnail)
-        Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
-            name + SizeText(file.width, file.height) + L" pixels is too thin for thumbnails smaller than " +
-                std::to_wstring(smallest) + L" pixels",
-            L"crop the picture, or put it on a squarer canvas");
-    else
-        Add(Health::Ok, name + L"header, trailer and frames are valid");
-}
 
 } // namespace
 

@@ -15,15 +15,12 @@
 
 namespace vantrel::tools {
 
+using Microsoft::WRL::ComPtr;
+
 namespace {
 
 const std::pair<HKEY, const wchar_t*> hives[] = {{HKEY_CURRENT_USER, LR"(HKCU\)"},
                                                  {HKEY_LOCAL_MACHINE, LR"(HKLM\)"}};
-
-template <class Function>
-Function FindFunction(HMODULE module, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
 
 // Under Wine some of the functions below end the process, or don't answer as Windows does.
 bool IsWine() {
@@ -31,8 +28,8 @@ bool IsWine() {
 }
 
 bool IsArm64() {
-    const auto ask = FindFunction<BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*)>(GetModuleHandleW(L"kernel32.dll"),
-                                                                           "IsWow64Process2");
+    const auto ask =
+        FindFunction<decltype(&IsWow64Process2)>(GetModuleHandleW(L"kernel32.dll"), "IsWow64Process2");
     USHORT process = 0;
     USHORT machine = 0;
     return ask && ask(GetCurrentProcess(), &process, &machine) && machine == IMAGE_FILE_MACHINE_ARM64;
@@ -75,12 +72,6 @@ std::optional<std::wstring> LibraryBesideThisProgram() {
     return library.wstring();
 }
 
-CLSID ParseClassId(const wchar_t* text) {
-    CLSID classId{};
-    Check(CLSIDFromString(text, &classId), text);
-    return classId;
-}
-
 template <class Request>
 HRESULT ResultOf(Request&& request) {
     try {
@@ -100,24 +91,15 @@ ServerFacts LoadServer(const std::wstring& path) {
     }
     facts.loaded = ResultOf([&] {
         const ServerModule module(path);
-        for (std::size_t i = 0; i < allHandlers.size(); ++i)
-            facts.created[i] = ResultOf([&] {
-                const HandlerClass& known = ClassOf(allHandlers[i]);
-                IUnknown* object = nullptr;
-                module.Create(ParseClassId(known.classId), *known.interfaceId,
-                              reinterpret_cast<void**>(&object));
-                const UniqueInterface<IUnknown> owner(object);
+        std::ranges::transform(allHandlers, facts.created.begin(), [&](HandlerKind kind) {
+            return ResultOf([&] {
+                const HandlerClass& known = ClassOf(kind);
+                ComPtr<IUnknown> object;
+                module.Create(ParseClassId(known.classId), *known.interfaceId, &object);
             });
+        });
     });
     return facts;
-}
-
-HRESULT CreateByCom(const HandlerClass& known) {
-    IUnknown* object = nullptr;
-    const HRESULT result = CoCreateInstance(ParseClassId(known.classId), nullptr, CLSCTX_INPROC_SERVER,
-                                            *known.interfaceId, reinterpret_cast<void**>(&object));
-    const UniqueInterface<IUnknown> owner(object);
-    return result;
 }
 
 std::optional<std::wstring> AskPropertySystem() {
@@ -145,27 +127,29 @@ std::optional<std::wstring> AskShell(ASSOCSTR what, const wchar_t* extra = nullp
     return text.data();
 }
 
-ClassFacts AskForClass(HandlerKind kind, bool isWine) {
+ClassFacts AskForClass(HandlerKind kind) {
     const HandlerClass& known = ClassOf(kind);
     ClassFacts facts;
-    facts.created = CreateByCom(known);
-    if (isWine && KeyExists(HKEY_CURRENT_USER, classesKey + (LR"(CLSID\)" + std::wstring(known.classId))))
-        facts.created.reset(); // its COM reads only HKEY_LOCAL_MACHINE
-    if (!isWine && kind == HandlerKind::Properties)
+    ComPtr<IUnknown> object;
+    facts.created = CoCreateInstance(ParseClassId(known.classId), nullptr, CLSCTX_INPROC_SERVER,
+                                     *known.interfaceId, &object);
+    if (IsWine()) {
+        if (KeyExists(HKEY_CURRENT_USER, classesKey + (LR"(CLSID\)" + std::wstring(known.classId))))
+            facts.created.reset(); // its COM reads only HKEY_LOCAL_MACHINE
+    } else if (kind == HandlerKind::Properties) {
         facts.answer = AskPropertySystem();
-    else if (!isWine && known.shellEx)
+    } else if (known.shellEx) {
         facts.answer = AskShell(ASSOCSTR_SHELLEXTENSION, known.shellEx);
-    // Documented for interface identifiers only, so no answer for "IconHandler" means nothing.
-    if (!isWine && !facts.answer && known.shellEx && known.shellEx[0] == L'{')
-        facts.answer = L"";
+        // Documented for interface identifiers only, so no answer for "IconHandler" means nothing.
+        if (!facts.answer && known.shellEx[0] == L'{')
+            facts.answer = L"";
+    }
     const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
     for (const auto& [root, name] : hives) {
         // Only the names of the values count, not their types.
-        const auto isListed = [&, hive = root](const wchar_t* list) {
-            return !ReadValue(hive, extensions + list, known.classId).IsMissing();
-        };
-        facts.isApproved = facts.isApproved || isListed(L"Approved");
-        if (isListed(L"Blocked"))
+        if (!ReadValue(root, extensions + L"Approved", known.classId).IsMissing())
+            facts.isApproved = true;
+        if (!ReadValue(root, extensions + L"Blocked", known.classId).IsMissing())
             facts.blockingKey = name + extensions + L"Blocked";
     }
     return facts;
@@ -223,10 +207,11 @@ FileFacts ExamineFile(const InputFile& file) {
 
 } // namespace
 
-std::vector<RegistrationValue> ExpectedRegistration() {
-    std::vector<RegistrationValue> values;
+std::vector<ValueFacts> ExpectedValues() {
+    std::vector<ValueFacts> values;
     ForEachEntry(L"", [&](const RegistrationEntry& entry) {
-        values.push_back({entry.subKey, entry.valueName, entry.data, entry.root == HKEY_LOCAL_MACHINE});
+        values.push_back({entry.subKey, entry.valueName ? entry.valueName : L"", entry.data,
+                          entry.root == HKEY_LOCAL_MACHINE});
         return S_OK;
     });
     return values;
@@ -251,19 +236,17 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     std::set<std::wstring, NameOrder> paths;
     if (givenLibrary)
         paths.insert(*facts.givenLibrary);
-    for (RegistrationValue& expected : ExpectedRegistration()) {
-        ValueFacts& value = facts.values.emplace_back(ValueFacts{std::move(expected), {}, {}});
-        const auto& [key, name, data, isForMachine] = value.expected;
-        if (!isForMachine)
-            value.user = ReadValue(HKEY_CURRENT_USER, key, name);
-        value.machine = ReadValue(HKEY_LOCAL_MACHINE, key, name);
-        if (data.empty() && value.Effective().status == ERROR_SUCCESS)
+    facts.values = ExpectedValues();
+    for (ValueFacts& value : facts.values) {
+        if (!value.isForMachine)
+            value.user = ReadValue(HKEY_CURRENT_USER, value.key, value.name);
+        value.machine = ReadValue(HKEY_LOCAL_MACHINE, value.key, value.name);
+        if (value.wanted.empty() && value.Effective().status == ERROR_SUCCESS)
             paths.insert(value.Effective().text);
     }
     for (const std::wstring& path : paths)
         facts.servers.push_back(LoadServer(path));
-    std::transform(allHandlers.begin(), allHandlers.end(), facts.classes.begin(),
-                   [](HandlerKind kind) { return AskForClass(kind, IsWine()); });
+    std::ranges::transform(allHandlers, facts.classes.begin(), AskForClass);
     facts.programs = FindPrograms();
     facts.infoTip = AskShell(ASSOCSTR_INFOTIP);
     facts.settings = FindSettings();

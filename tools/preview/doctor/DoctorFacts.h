@@ -12,27 +12,23 @@
 
 namespace vantrel::tools {
 
-struct RegistrationValue {
-    std::wstring key;
-    const wchar_t* name;       // null: the key's default value
-    std::wstring data;         // empty: the path of the library
-    bool isForMachine = false; // counts only under HKEY_LOCAL_MACHINE
-};
-
-// The 28 values of a registration: 27 of classes, for the machine or for one user, and the property
-// handler's.
-std::vector<RegistrationValue> ExpectedRegistration();
-
 // One value of the registration as found in the two hives.
 struct ValueFacts {
-    RegistrationValue expected;
-    RegistryText user;
-    RegistryText machine;
+    std::wstring key;
+    std::wstring name;         // empty: the key's default value
+    std::wstring wanted;       // empty: the path of the library
+    bool isForMachine = false; // counts only under HKEY_LOCAL_MACHINE
+    RegistryText user{};
+    RegistryText machine{};
 
     // As HKEY_CLASSES_ROOT shows it: the user's value hides the machine's.
     const RegistryText& Effective() const { return user.IsMissing() ? machine : user; }
     bool IsHiding() const { return !user.IsMissing() && !machine.IsMissing(); }
 };
+
+// The 28 values of a registration, each still missing: 27 of classes, for the machine or for one user, and
+// the property handler's.
+std::vector<ValueFacts> ExpectedValues();
 
 // A library, loaded by its path.
 struct ServerFacts {

@@ -10,10 +10,11 @@
 #include <shlwapi.h>
 #include <thumbcache.h>
 
-#include <algorithm>
 #include <array>
 #include <cwchar>
+#include <iterator>
 #include <thread>
+#include <utility>
 
 namespace vantrel::tools {
 
@@ -24,19 +25,17 @@ namespace {
 constexpr GUID imageFormat = {0x6444048F, 0x4C8B, 0x11D1, {0x8B, 0x70, 0x08, 0x00, 0x36, 0xB1, 0x1A, 0x03}};
 constexpr GUID summaryFormat = {0xF29F85E0, 0x4FF9, 0x1068, {0xAB, 0x91, 0x08, 0x00, 0x2B, 0x27, 0xB3, 0xD9}};
 
-struct NamedProperty {
-    PROPERTYKEY key;
-    const wchar_t* name;
-};
-constexpr std::array<NamedProperty, 3> namedProperties = {{
+constexpr std::pair<PROPERTYKEY, const wchar_t*> namedProperties[] = {
     {{summaryFormat, 2}, L"title"},
     {{imageFormat, 13}, L"dimensions"},
     {{imageFormat, 7}, L"bit depth"},
-}};
+};
+
+using Results = std::vector<HandlerResult>;
 
 // Runs one request and turns a Failure into its result.
 template <class Ask>
-void Attempt(std::vector<HandlerResult>& results, HandlerKind handler, std::wstring request, Ask ask) {
+void Attempt(Results& results, HandlerKind handler, std::wstring request, Ask ask) {
     HandlerResult& result = results.emplace_back(HandlerResult{handler, std::move(request)});
     try {
         ask(result);
@@ -47,14 +46,9 @@ void Attempt(std::vector<HandlerResult>& results, HandlerKind handler, std::wstr
     }
 }
 
-template <class Interface>
-ComPtr<Interface> Create(HandlerRegistry& registry, HandlerKind kind, const InputFile& file) {
-    return registry.Create<Interface>(kind, file.path.extension().wstring());
-}
-
 ComPtr<IInitializeWithStream> CreateOverStream(HandlerRegistry& registry, HandlerKind kind,
                                                const InputFile& file) {
-    auto handler = Create<IInitializeWithStream>(registry, kind, file);
+    auto handler = registry.Create<IInitializeWithStream>(kind, file.path);
     ComPtr<IStream> stream;
     Check(SHCreateStreamOnFileEx(file.path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
                                  stream.GetAddressOf()),
@@ -65,7 +59,7 @@ ComPtr<IInitializeWithStream> CreateOverStream(HandlerRegistry& registry, Handle
 
 template <class Interface>
 ComPtr<Interface> CreateOverPath(HandlerRegistry& registry, HandlerKind kind, const InputFile& file) {
-    auto handler = Create<Interface>(registry, kind, file);
+    auto handler = registry.Create<Interface>(kind, file.path);
     ComPtr<IPersistFile> persist;
     Check(handler.As(&persist), L"IPersistFile");
     Check(persist->Load(file.path.c_str(), STGM_READ), L"Load");
@@ -85,18 +79,15 @@ std::wstring PropertyName(const PROPERTYKEY& key) {
 
 // Stores the value in the result, and clears it. Throws Failure for a type that no ZMI handler returns.
 void TakeValue(PROPVARIANT& value, HandlerResult& result) {
-    const VARTYPE type = value.vt;
-    if (type == VT_BSTR)
+    const UniqueHandle<PROPVARIANT*, PropVariantClear> owner(&value);
+    if (value.vt == VT_BSTR)
         result.text.assign(value.bstrVal ? value.bstrVal : L"", SysStringLen(value.bstrVal));
-    else if (type == VT_LPWSTR)
+    else if (value.vt == VT_LPWSTR)
         result.text = value.pwszVal ? value.pwszVal : L"";
-    else if (type == VT_I4 || type == VT_UI4)
-        result.number = value.ulVal;
-    PropVariantClear(&value);
-    if (result.number)
-        result.text = std::to_wstring(*result.number);
-    else if (type != VT_BSTR && type != VT_LPWSTR)
-        throw Failure(L"a value of unexpected type " + std::to_wstring(type), DISP_E_TYPEMISMATCH);
+    else if (value.vt == VT_I4 || value.vt == VT_UI4)
+        result.text = std::to_wstring(result.number.emplace(value.ulVal));
+    else
+        throw Failure(L"a value of unexpected type " + std::to_wstring(value.vt), DISP_E_TYPEMISMATCH);
     PixelSize size;
     if (result.request == L"dimensions" &&
         std::swscanf(result.text.c_str(), L"%u x %u", &size.width, &size.height) == 2)
@@ -121,18 +112,8 @@ HRESULT ExtractOnSecondThread(IExtractImage& extractor, HBITMAP& bitmap) {
     return result;
 }
 
-// False if the path does not fit into the old fixed-size structures of column handlers.
-bool Store(const std::wstring& path, wchar_t (&target)[MAX_PATH]) {
-    if (path.size() >= MAX_PATH)
-        return false;
-    std::copy(path.begin(), path.end(), target);
-    return true;
-}
-
-} // namespace
-
-void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned edge,
-                     std::vector<HandlerResult>& results) {
+// Explorer's thumbnail: a stream in, a bitmap of at most the given edge in pixels out.
+void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned edge, Results& results) {
     Attempt(results, HandlerKind::Thumbnail, std::to_wstring(edge), [&](HandlerResult& result) {
         ComPtr<IThumbnailProvider> provider;
         Check(CreateOverStream(registry, HandlerKind::Thumbnail, file).As(&provider), L"IThumbnailProvider");
@@ -144,7 +125,8 @@ void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned 
     });
 }
 
-void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+// The property system: a stream in, every property of the store out.
+void AskForProperties(HandlerRegistry& registry, const InputFile& file, Results& results) {
     ComPtr<IPropertyStore> store;
     DWORD count = 0;
     Attempt(results, HandlerKind::Properties, L"all", [&](HandlerResult&) {
@@ -159,16 +141,15 @@ void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vec
         const HRESULT named = store->GetAt(i, &key);
         Attempt(results, HandlerKind::Properties, PropertyName(key), [&](HandlerResult& result) {
             Check(named, L"GetAt");
-            PROPVARIANT value;
-            PropVariantInit(&value);
+            PROPVARIANT value{};
             Check(store->GetValue(key, &value), L"GetValue");
             TakeValue(value, result);
         });
     }
 }
 
-void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
-                          std::vector<HandlerResult>& results) {
+// Older hosts: a path in, a bitmap from a second thread and the file's date out.
+void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file, Results& results) {
     // Not square, so that the bars around the picture are visible.
     constexpr SIZE box = {160, 120};
     ComPtr<IExtractImage2> extractor;
@@ -205,12 +186,12 @@ void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
     });
 }
 
-void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+// Explorer's icons: a path in, both icons out of one request.
+void AskForIcons(HandlerRegistry& registry, const InputFile& file, Results& results) {
     HICON largeIcon = nullptr;
     HICON smallIcon = nullptr;
-    // One request makes both icons; if it fails, the large one may still exist.
-    std::vector<HandlerResult> both;
-    Attempt(both, HandlerKind::Icon, {}, [&](HandlerResult&) {
+    Failure fault(L"Extract gave no icon");
+    try {
         const auto extractor = CreateOverPath<IExtractIconW>(registry, HandlerKind::Icon, file);
         std::array<wchar_t, MAX_PATH> iconFile{};
         int index = 0;
@@ -223,12 +204,13 @@ void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<H
                           L" instead of drawing the picture");
         Check(extractor->Extract(L"", 0, &largeIcon, &smallIcon, MAKELONG(largeIconEdge, smallIconEdge)),
               L"Extract");
-    });
+    } catch (const Failure& failure) {
+        fault = failure; // the large icon may still exist
+    }
     const auto take = [&](unsigned edge, UniqueIcon icon) {
         Attempt(results, HandlerKind::Icon, std::to_wstring(edge), [&](HandlerResult& result) {
             if (!icon)
-                throw Failure(both.front().ok ? L"Extract gave no icon" : both.front().text,
-                              both.front().ok ? E_FAIL : both.front().code);
+                throw fault;
             TakeResult(TakePicture(std::move(icon)), L"icon-" + std::to_wstring(edge), result);
             result.text += L", with alpha";
         });
@@ -237,30 +219,50 @@ void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<H
     take(smallIconEdge, UniqueIcon(smallIcon));
 }
 
-void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results) {
+// A detail view's column: the file's path and attributes in, the value out.
+void AskForColumn(HandlerRegistry& registry, const InputFile& file, Results& results) {
     Attempt(results, HandlerKind::Column, L"dimensions", [&](HandlerResult& result) {
-        const auto provider = Create<IColumnProvider>(registry, HandlerKind::Column, file);
+        const auto provider = registry.Create<IColumnProvider>(HandlerKind::Column, file.path);
         SHCOLUMNINIT folder{};
         SHCOLUMNDATA item{};
         std::wstring extension = file.path.extension().wstring();
         item.pwszExt = extension.data();
         item.dwFileAttributes = GetFileAttributesW(file.path.c_str());
-        if (!Store(file.path.parent_path().wstring(), folder.wszFolder) ||
-            !Store(file.path.wstring(), item.wszFile)) {
+        const std::wstring path = file.path.wstring();
+        if (path.size() >= std::size(item.wszFile)) {
             result.text = L"not asked, since a column request can't hold a path longer than 259 characters";
             return;
         }
+        path.copy(item.wszFile, path.size());
+        file.path.parent_path().wstring().copy(folder.wszFolder, path.size());
         Check(provider->Initialize(&folder), L"Initialize");
 
         SHCOLUMNINFO column{};
         Check(provider->GetColumnInfo(0, &column), L"GetColumnInfo");
         result.request = PropertyName(column.scid);
         // PROPVARIANT has the same layout as VARIANT for the strings that columns return.
-        PROPVARIANT value;
-        PropVariantInit(&value);
+        PROPVARIANT value{};
         Check(provider->GetItemData(&column.scid, &item, reinterpret_cast<VARIANT*>(&value)), L"GetItemData");
         TakeValue(value, result);
     });
+}
+
+} // namespace
+
+std::vector<HandlerResult> AskHosts(HandlerRegistry& registry, const InputFile& file,
+                                    const ThumbnailSizes& sizes) {
+    Results results;
+    for (const unsigned edge : sizes.edges)
+        AskForThumbnail(registry, file, edge, results);
+    if (sizes.forSheetAlone) {
+        AskForThumbnail(registry, file, *sizes.forSheetAlone, results);
+        results.back().pngSuffix.clear();
+    }
+    AskForProperties(registry, file, results);
+    AskForExtractedImage(registry, file, results);
+    AskForIcons(registry, file, results);
+    AskForColumn(registry, file, results);
+    return results;
 }
 
 } // namespace vantrel::tools

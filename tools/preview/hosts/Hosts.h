@@ -31,21 +31,17 @@ struct HandlerResult {
     std::wstring png{};       // where the picture was written; empty if it was not
 };
 
-// Each appends one result per request, also for failed requests.
-
-// Explorer's thumbnail: a stream in, a bitmap of at most the given edge in pixels out.
-void AskForThumbnail(HandlerRegistry& registry, const InputFile& file, unsigned edge,
-                     std::vector<HandlerResult>& results);
-// The property system: a stream in, every property of the store out.
-void AskForProperties(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results);
-// Older hosts: a path in, a bitmap from a second thread and the file's date out.
-void AskForExtractedImage(HandlerRegistry& registry, const InputFile& file,
-                          std::vector<HandlerResult>& results);
-// Explorer's icons: a path in, both icons out.
 inline constexpr unsigned largeIconEdge = 32;
 inline constexpr unsigned smallIconEdge = 16;
-void AskForIcons(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results);
-// A detail view's column: the file's path and attributes in, the value out.
-void AskForColumn(HandlerRegistry& registry, const InputFile& file, std::vector<HandlerResult>& results);
+
+// The thumbnails to ask for, by their longer sides in pixels.
+struct ThumbnailSizes {
+    std::vector<unsigned> edges;           // each becomes a PNG file
+    std::optional<unsigned> forSheetAlone; // unless it is among them
+};
+
+// Asks all five handlers. One result per request, also for failed requests.
+std::vector<HandlerResult> AskHosts(HandlerRegistry& registry, const InputFile& file,
+                                    const ThumbnailSizes& sizes);
 
 } // namespace vantrel::tools

@@ -61,16 +61,12 @@ Canvas::Canvas(unsigned width, unsigned height, COLORREF background) : width_(wi
     Fill({0, 0, static_cast<LONG>(width), static_cast<LONG>(height)}, background);
 
     const wchar_t* face = ChooseFace(context_.get());
-    struct Look {
-        int pixelHeight;
-        int weight;
+    const auto font = [face](int pixelHeight, int weight) {
+        return UniqueFont(CreateFontW(-pixelHeight, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                      OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
+                                      DEFAULT_PITCH | FF_SWISS, face));
     };
-    constexpr std::array<Look, 4> looks = {
-        {{24, FW_SEMIBOLD}, {15, FW_SEMIBOLD}, {13, FW_NORMAL}, {11, FW_NORMAL}}};
-    for (std::size_t i = 0; i < looks.size(); ++i)
-        fonts_[i].reset(CreateFontW(-looks[i].pixelHeight, 0, 0, 0, looks[i].weight, FALSE, FALSE, FALSE,
-                                    DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
-                                    DEFAULT_PITCH | FF_SWISS, face));
+    fonts_ = {font(24, FW_SEMIBOLD), font(15, FW_SEMIBOLD), font(13, FW_NORMAL), font(11, FW_NORMAL)};
 }
 
 void Canvas::Fill(const RECT& box, COLORREF color) {

@@ -22,7 +22,8 @@ public:
     // Centred in the box, blended if it has alpha, and clipped.
     void Draw(const Picture& picture, const RECT& box);
     // Takes DrawTextW's format flags; text that does not fit ends in an ellipsis.
-    void Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF color, UINT format);
+    void Text(const RECT& box, const std::wstring& text, TextStyle style, COLORREF color,
+              UINT format = DT_SINGLELINE | DT_VCENTER);
 
     unsigned Width() const { return width_; }
     unsigned Height() const { return height_; }

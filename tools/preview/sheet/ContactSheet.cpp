@@ -83,12 +83,11 @@ ContactSheet::ContactSheet(std::size_t fileCount)
     : edge_(fileCount > mostLargeCards ? compactEdge : largeEdge), columns_(ColumnsFor(fileCount, edge_)),
       canvas_(MakePage(fileCount, edge_, columns_)) {
     const LONG right = static_cast<LONG>(canvas_.Width()) - margin;
-    canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColor,
-                 DT_SINGLELINE | DT_VCENTER);
+    canvas_.Text({margin, 22, right, 52}, L"ZMI in the Shell", TextStyle::Heading, inkColor);
     canvas_.Text({margin, 54, right, 74},
                  std::to_wstring(fileCount) + (fileCount == 1 ? L" file" : L" files") + L", thumbnails at " +
                      std::to_wstring(edge_) + L" px",
-                 TextStyle::Body, greyColor, DT_SINGLELINE | DT_VCENTER);
+                 TextStyle::Body, greyColor);
 }
 
 void ContactSheet::Add(const FileReport& report) {
@@ -112,7 +111,7 @@ void ContactSheet::Add(const FileReport& report) {
     RECT line{well.left, well.bottom + belowThumbnail, well.right,
               well.bottom + belowThumbnail + titleHeight};
     const auto write = [&](const std::wstring& text, TextStyle style, COLORREF color) {
-        canvas_.Text(line, text, style, color, DT_SINGLELINE | DT_VCENTER);
+        canvas_.Text(line, text, style, color);
         line = {line.left, line.bottom, line.right, line.bottom + lineHeight};
     };
     const std::wstring title = Value(report, HandlerKind::Properties, L"title");
@@ -150,7 +149,7 @@ void ContactSheet::DrawIcon(const FileReport& report, LONG edge, LONG& x, LONG m
         canvas_.Fill(tile, failedColor);
     }
     canvas_.Text({tile.right + 7, middle - 10, tile.right + 7 + labelWidth, middle + 10},
-                 std::to_wstring(edge) + L" px", TextStyle::Small, greyColor, DT_SINGLELINE | DT_VCENTER);
+                 std::to_wstring(edge) + L" px", TextStyle::Small, greyColor);
     x = tile.right + 7 + labelWidth + 8;
 }
 
