@@ -4,6 +4,7 @@
 #include "tools/terminal/NumberText.h"
 
 #include <algorithm>
+#include <cwchar>
 
 namespace vantrel::tools {
 
@@ -27,9 +28,13 @@ JsonObject ToJson(const HandlerResult& result) {
     } else {
         object.Add("result", result.isoTime.empty() ? result.text : result.isoTime);
     }
-    if (result.size) {
-        object.Add("width", result.size->width);
-        object.Add("height", result.size->height);
+    // Of the picture, or as the value says.
+    unsigned width = result.picture.width;
+    unsigned height = result.picture.height;
+    if (width > 0 || (result.request == L"dimensions" &&
+                      std::swscanf(result.text.c_str(), L"%u x %u", &width, &height) == 2)) {
+        object.Add("width", width);
+        object.Add("height", height);
     }
     if (!result.png.empty())
         object.Add("png", result.png);

@@ -30,24 +30,18 @@ const std::array<HandlerClass, 5> g_handlerClasses = {{
     {L"properties", propertyStoreId, nullptr, &__uuidof(IInitializeWithStream)},
 }};
 
-std::wstring FindClass(HandlerKind kind, const std::wstring& extension) {
+// The class that the registry names for files with an extension.
+std::optional<std::wstring> FindClass(HandlerKind kind, const std::wstring& extension) {
     const HandlerClass& known = ClassOf(kind);
-    std::optional<std::wstring> classId;
-    if (kind == HandlerKind::Properties) {
-        classId = ReadText(HKEY_LOCAL_MACHINE, propertyHandlersKey + extension);
-    } else if (known.shellEx) {
-        classId = ReadClassText(extension + LR"(\ShellEx\)" + known.shellEx);
-    } else {
-        // Hosts ask every column handler of the folder; only the library's own matters here.
-        const std::wstring key = columnHandlersKey + std::wstring(known.classId);
-        if (KeyExists(HKEY_CURRENT_USER, key) || KeyExists(HKEY_LOCAL_MACHINE, key))
-            classId = known.classId;
-    }
-    if (classId)
-        return *classId;
-    throw Failure(std::wstring(L"no ") + known.name + L" handler is registered for " +
-                      (extension.empty() ? L"files without extension" : extension),
-                  REGDB_E_CLASSNOTREG);
+    if (kind == HandlerKind::Properties)
+        return ReadText(HKEY_LOCAL_MACHINE, propertyHandlersKey + extension);
+    if (known.shellEx)
+        return ReadClassText(extension + LR"(\ShellEx\)" + known.shellEx);
+    // Hosts ask every column handler of the folder; only the library's own matters here.
+    const std::wstring key = columnHandlersKey + std::wstring(known.classId);
+    if (KeyExists(HKEY_CURRENT_USER, key) || KeyExists(HKEY_LOCAL_MACHINE, key))
+        return known.classId;
+    return std::nullopt;
 }
 
 } // namespace
@@ -71,13 +65,18 @@ CLSID ParseClassId(const std::wstring& text) {
 
 void HandlerRegistry::CreateObject(HandlerKind kind, const std::filesystem::path& file, void** object) {
     const HandlerClass& known = ClassOf(kind);
-    const std::wstring text = dll_ ? known.classId : FindClass(kind, file.extension().wstring());
-    const CLSID classId = ParseClassId(text);
+    const std::wstring extension = file.extension().wstring();
+    const std::optional<std::wstring> found = dll_ ? known.classId : FindClass(kind, extension);
+    if (!found)
+        throw Failure(std::wstring(L"no ") + known.name + L" handler is registered for " +
+                          (extension.empty() ? L"files without extension" : extension),
+                      REGDB_E_CLASSNOTREG);
+    const CLSID classId = ParseClassId(*found);
     std::optional<std::filesystem::path> server = dll_;
     if (!server)
-        server = ReadClassText(LR"(CLSID\)" + text + LR"(\InProcServer32)");
+        server = ReadClassText(LR"(CLSID\)" + *found + LR"(\InProcServer32)");
     if (!server)
-        throw Failure(L"the class " + text + L" has no server in the registry", REGDB_E_CLASSNOTREG);
+        throw Failure(L"the class " + *found + L" has no server in the registry", REGDB_E_CLASSNOTREG);
     modules_.try_emplace(*server, *server).first->second.Create(classId, *known.interfaceId, object);
 }
 

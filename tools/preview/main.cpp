@@ -44,11 +44,9 @@ ThumbnailSizes ChooseSizes(const PreviewOptions& options, const std::optional<Co
 }
 
 FileReport Ask(HandlerRegistry& registry, const InputFile& file, const ThumbnailSizes& sizes) {
+    if (!file.fault.empty())
+        return {.file = file, .fault = file.fault};
     FileReport report{.file = file};
-    if (!file.fault.empty()) {
-        report.fault = file.fault;
-        return report;
-    }
     if (GetFileAttributesW(file.path.c_str()) != INVALID_FILE_ATTRIBUTES)
         report.results = AskHosts(registry, file, sizes);
     if (report.results.empty() || !report.Ok()) {

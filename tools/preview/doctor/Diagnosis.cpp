@@ -121,28 +121,29 @@ public:
     }
 
 private:
-    void Add(Health health, std::wstring text, std::wstring fix = {}) {
+    void Add(Health health, std::wstring text, std::wstring fix) {
         findings_.push_back({health, std::move(text), std::move(fix)});
     }
+    void Ok(std::wstring text) { Add(Health::Ok, std::move(text), {}); }
+    void Warn(std::wstring text, std::wstring fix) { Add(Health::Warn, std::move(text), std::move(fix)); }
+    void Fail(std::wstring text, std::wstring fix) { Add(Health::Fail, std::move(text), std::move(fix)); }
 
     void CheckMachine() {
         if (facts_.isArm64)
-            Add(Health::Fail, L"this is an ARM64 machine, whose Explorer can't load an x64 library",
-                L"build Vantrel64 on this machine");
+            Fail(L"this is an ARM64 machine, whose Explorer can't load an x64 library",
+                 L"build Vantrel64 on this machine");
         // Without User Account Control, COM shows this program what it shows Explorer.
         if (facts_.isExplorerElevated && isUserOnly_ && (!facts_.isUacOff || !comFaults_.empty()))
-            Add(Health::Fail,
-                std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
-                    L" runs as administrator, where COM ignores what is registered for one user only",
-                useInstaller);
+            Fail(std::wstring(facts_.isUacOff ? L"User Account Control is off, so Explorer" : L"Explorer") +
+                     L" runs as administrator, where COM ignores what is registered for one user only",
+                 useInstaller);
     }
 
     void CheckRegistration() {
         if (userValues_ == 0 && machineValues_ == 0) {
             // The property handler's value survives unregistration, so it does not count here.
-            Add(Health::Fail,
-                L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
-                L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
+            Fail(L"the library is registered neither for this user (HKCU) nor for the machine (HKLM)",
+                 L"install Vantrel64, or " + registerAgain_ + L" as the user who wants to see thumbnails");
             return;
         }
         const std::size_t before = findings_.size();
@@ -152,22 +153,21 @@ private:
             if (fault.empty() || value.IsHiding())
                 continue; // those have their own check
             if (value.isForMachine)
-                Add(Health::Fail, fault + L": Explorer shows no title, dimensions and bit depth",
-                    registerAgain_ + (machineValues_ ? L"" : asAdministrator));
+                Fail(fault + L": Explorer shows no title, dimensions and bit depth",
+                     registerAgain_ + (machineValues_ ? L"" : asAdministrator));
             else
                 wrong.push_back(std::move(fault));
         }
         if (!wrong.empty())
-            Add(Health::Fail, Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
+            Fail(Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
         CheckHiding();
         const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
             const std::vector<HandlerKind> kinds = ClassesOf(server);
             return kinds.empty() || (HasFolder(server) && LibraryFault(server, kinds).empty());
         });
         if (findings_.size() == before && isSound)
-            Add(Health::Ok, L"all registry values are in place: " + std::to_wstring(userValues_) +
-                                L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) +
-                                L" for the machine (HKLM)");
+            Ok(L"all registry values are in place: " + std::to_wstring(userValues_) +
+               L" for this user (HKCU), " + std::to_wstring(machineValues_ + 1) + L" for the machine (HKLM)");
     }
 
     // What is wrong with a value and where it is or should be; empty if nothing is wrong.
@@ -224,28 +224,26 @@ private:
                                           : asked.size() == 1 ? L"the " + NameOf(asked[0])
                                                               : std::to_wstring(asked.size()) + L" handlers";
             if (isRegistered && !HasFolder(server)) {
-                Add(Health::Fail,
-                    server.path + L" is registered without its folder for " + handlers +
-                        L", so what Windows finds depends on the program",
-                    fix);
+                Fail(server.path + L" is registered without its folder for " + handlers +
+                         L", so what Windows finds depends on the program",
+                     fix);
             } else if (fault.empty()) {
-                Add(Health::Ok, server.path + L" creates " + handlers);
+                Ok(server.path + L" creates " + handlers);
                 if (isRegistered)
                     registered.push_back(server.path);
             } else if (isRegistered) {
                 const bool isOwn = facts_.ownLibrary && CompareNames(server.path, *facts_.ownLibrary) == 0;
                 std::wstring what = server.path + L", registered for ";
                 what.append(handlers).append(L",").append(fault);
-                Add(Health::Fail, what, isOwn && !isHiding && !machineValues_ ? replaceLibrary : fix);
+                Fail(what, isOwn && !isHiding && !machineValues_ ? replaceLibrary : fix);
             } else {
-                Add(Health::Fail, server.path + fault, L"check the path after --dll");
+                Fail(server.path + fault, L"check the path after --dll");
                 expected.reset();
             }
         }
         if (registered.size() > 1)
-            Add(Health::Fail,
-                L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
-                userValues_ && machineValues_ ? unhide_ : registerAgain_);
+            Fail(L"the five handlers come from two libraries, " + registered[0] + L" and " + registered[1],
+                 userValues_ && machineValues_ ? unhide_ : registerAgain_);
         else if (registered.size() == 1 && expected && CompareNames(*expected, registered[0]) != 0)
             Add(facts_.givenLibrary ? Health::Fail : Health::Warn,
                 L"the registered library is " + registered[0] + L", not " + *expected,
@@ -272,14 +270,13 @@ private:
         if (comFaults_.empty()) {
             if (std::ranges::all_of(facts_.classes,
                                     [](const ClassFacts& one) { return one.created.has_value(); }))
-                Add(Health::Ok, L"Windows can load all five handlers");
+                Ok(L"Windows can load all five handlers");
         } else if (facts_.isDoctorElevated && !facts_.isExplorerElevated && isUserOnly_) {
-            Add(Health::Warn,
-                L"this program runs as administrator, where COM ignores what is registered for one user "
-                L"only, so what Explorer gets was not checked",
-                L"run the doctor in an ordinary command prompt");
+            Warn(L"this program runs as administrator, where COM ignores what is registered for one user "
+                 L"only, so what Explorer gets was not checked",
+                 L"run the doctor in an ordinary command prompt");
         } else if (std::ranges::find(findings_, Health::Fail, &Finding::health) == findings_.end()) {
-            Add(Health::Fail, Counted(comFaults_, L"handlers can't be loaded"), registerAgain_);
+            Fail(Counted(comFaults_, L"handlers can't be loaded"), registerAgain_);
         }
     }
 
@@ -304,26 +301,23 @@ private:
                 fix = chooseProgram;
             }
             if (answer || !other.empty())
-                Add(Health::Fail,
-                    (other.empty() ? L"the system finds no " : L"the system uses another ") +
-                        (NameOf(kind) + L" for .zmi" + other),
-                    fix);
+                Fail((other.empty() ? L"the system finds no " : L"the system uses another ") +
+                         (NameOf(kind) + L" for .zmi" + other),
+                     fix);
         }
         for (const ProgramFacts& program : facts_.programs)
             if (!program.defaultIcon.empty() && program.defaultIcon != L"%1")
-                Add(Health::Warn,
-                    L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
-                    L"if it does, " + chooseProgram);
+                Warn(L"the program " + program.progId + L" has its own icon, which Explorer may show instead",
+                     L"if it does, " + chooseProgram);
         const auto infoTip = std::ranges::find(facts_.values, L"InfoTip", &ValueFacts::name);
         if (facts_.infoTip && *facts_.infoTip != infoTip->wanted && FaultOf(*infoTip).empty())
-            Add(Health::Warn,
-                L"Explorer shows other properties for .zmi files than Vantrel64's, " +
-                    Quoted(*facts_.infoTip),
-                !machineValues_           ? useInstaller
-                : facts_.programs.empty() ? repairInstallation
-                                          : chooseProgram);
+            Warn(L"Explorer shows other properties for .zmi files than Vantrel64's, " +
+                     Quoted(*facts_.infoTip),
+                 !machineValues_           ? useInstaller
+                 : facts_.programs.empty() ? repairInstallation
+                                           : chooseProgram);
         if (findings_.size() == before)
-            Add(Health::Ok, L"no other program's handler, icon or list of properties interferes");
+            Ok(L"no other program's handler, icon or list of properties interferes");
     }
 
     void CheckSettings() {
@@ -335,10 +329,10 @@ private:
                     Add(health, effect + (L" (" + setting + L")"), fix);
         for (const HandlerKind kind : allHandlers)
             if (const auto& key = facts_.classes[IndexOf(kind)].blockingKey)
-                Add(Health::Fail, L"the " + NameOf(kind) + L" is blocked",
-                    std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
+                Fail(L"the " + NameOf(kind) + L" is blocked",
+                     std::wstring(L"delete the value ") + ClassOf(kind).classId + L" in " + *key);
         if (findings_.size() == before)
-            Add(Health::Ok, L"no setting or policy turns thumbnails off");
+            Ok(L"no setting or policy turns thumbnails off");
     }
 
     void CheckFile(const FileFacts& file) {
@@ -349,15 +343,13 @@ private:
             return;
         }
         if (CompareNames(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi") != 0)
-            Add(Health::Warn, name + L"the Shell goes by the extension, and this one is not .zmi",
-                L"rename the file");
+            Warn(name + L"the Shell goes by the extension, and this one is not .zmi", L"rename the file");
         const unsigned smallest = SmallestThumbnail(file.width, file.height);
         if (file.IsElsewhere())
-            Add(Health::Warn,
-                name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
-                L"in Explorer, choose \"Always keep on this device\" for it");
+            Warn(name + L"its content is not on this machine, so Explorer may show no thumbnail (not opened)",
+                 L"in Explorer, choose \"Always keep on this device\" for it");
         else if (file.fault)
-            Add(Health::Fail, name + *file.fault, L"recreate the file or get a new copy");
+            Fail(name + *file.fault, L"recreate the file or get a new copy");
         else if (smallest > smallestThumbnail)
             Add(smallest > largestThumbnail ? Health::Fail : Health::Warn,
                 name + SizeText(file.width, file.height) +
@@ -365,7 +357,7 @@ private:
                     L" pixels",
                 L"crop the picture, or put it on a squarer canvas");
         else
-            Add(Health::Ok, name + L"header, trailer and frames are valid");
+            Ok(name + L"header, trailer and frames are valid");
     }
 
     const DoctorFacts& facts_;

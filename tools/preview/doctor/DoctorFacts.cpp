@@ -84,12 +84,10 @@ HRESULT ResultOf(Request&& request) {
 
 ServerFacts LoadServer(const std::wstring& path) {
     ServerFacts facts{path};
-    if (std::filesystem::path(path).is_absolute() &&
-        GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
-        facts.loaded = HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
-        return facts;
-    }
     facts.loaded = ResultOf([&] {
+        if (std::filesystem::path(path).is_absolute() &&
+            GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+            throw Failure(L"", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
         const ServerModule module(path);
         std::ranges::transform(allHandlers, facts.created.begin(), [&](HandlerKind kind) {
             return ResultOf([&] {
@@ -103,10 +101,7 @@ ServerFacts LoadServer(const std::wstring& path) {
 }
 
 std::optional<std::wstring> AskPropertySystem() {
-    std::array<wchar_t, MAX_PATH> folder{};
-    GetSystemDirectoryW(folder.data(), static_cast<UINT>(folder.size()));
-    const std::filesystem::path path = std::filesystem::path(folder.data()) / L"propsys.dll";
-    const UniqueModule propsys(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    const UniqueModule propsys(LoadLibraryExW(L"propsys.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
     const auto ask = propsys ? FindFunction<decltype(&PSLookupPropertyHandlerCLSID)>(
                                    propsys.get(), "PSLookupPropertyHandlerCLSID")
                              : nullptr;
@@ -114,7 +109,7 @@ std::optional<std::wstring> AskPropertySystem() {
         return std::nullopt;
     CLSID classId{};
     std::array<wchar_t, 39> text{};
-    if (SUCCEEDED(ask((std::filesystem::path(folder.data()) / L"picture.zmi").c_str(), &classId)))
+    if (SUCCEEDED(ask(LR"(C:\picture.zmi)", &classId)))
         StringFromGUID2(classId, text.data(), static_cast<int>(text.size()));
     return text.data();
 }
@@ -229,13 +224,11 @@ DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary
     facts.isArm64 = IsArm64();
     if (!IsWine())
         AskForRights(facts);
-    if (givenLibrary)
-        facts.givenLibrary = givenLibrary->wstring();
     facts.ownLibrary = LibraryBesideThisProgram();
 
     std::set<std::wstring, NameOrder> paths;
     if (givenLibrary)
-        paths.insert(*facts.givenLibrary);
+        paths.insert(facts.givenLibrary.emplace(givenLibrary->wstring()));
     facts.values = ExpectedValues();
     for (ValueFacts& value : facts.values) {
         if (!value.isForMachine)

@@ -88,15 +88,10 @@ void TakeValue(PROPVARIANT& value, HandlerResult& result) {
         result.text = std::to_wstring(result.number.emplace(value.ulVal));
     else
         throw Failure(L"a value of unexpected type " + std::to_wstring(value.vt), DISP_E_TYPEMISMATCH);
-    PixelSize size;
-    if (result.request == L"dimensions" &&
-        std::swscanf(result.text.c_str(), L"%u x %u", &size.width, &size.height) == 2)
-        result.size = size;
 }
 
 void TakeResult(Picture picture, std::wstring pngSuffix, HandlerResult& result) {
     result.text = SizeText(picture.width, picture.height);
-    result.size = {picture.width, picture.height};
     result.picture = std::move(picture);
     result.pngSuffix = std::move(pngSuffix);
 }

@@ -11,11 +11,6 @@
 
 namespace vantrel::tools {
 
-struct PixelSize {
-    unsigned width = 0;
-    unsigned height = 0;
-};
-
 // The result of one request. If it is a picture, it has pixels and a suffix for its PNG file's name.
 struct HandlerResult {
     HandlerKind handler{};
@@ -23,7 +18,6 @@ struct HandlerResult {
     bool ok = false;
     std::wstring text{}; // the value, or what went wrong
     HRESULT code = S_OK;
-    std::optional<PixelSize> size{}; // of the picture, or as the value says
     Picture picture{};
     std::optional<unsigned> number{};
     std::wstring isoTime{};
