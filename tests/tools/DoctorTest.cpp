@@ -171,7 +171,7 @@ const struct {
     {[](auto& f) {
          f.files = {{.shown = L"a.zmi", .attributes = 0x400000, .fault = L"?"},
                     {.shown = L"b.zmi", .attributes = FILE_ATTRIBUTE_OFFLINE},
-                    {.shown = L"c.zmi", .isFolder = true, .unread = L"c.zmi: empty"},
+                    {.shown = L"c.zmi", .isFolder = true, .unread = L"empty"},
                     {.shown = L"d.zmi", .fault = L"cut"},
                     {.shown = L"e.zmi", .width = 5, .height = 241},
                     {.shown = L"f.zmi", .width = 257, .height = 1},

@@ -5,18 +5,15 @@
 namespace vantrel::tools {
 
 RegistryText ReadValue(HKEY root, const std::wstring& key, const std::wstring& name) {
-    std::wstring text(MAX_PATH, L'\0');
-    for (;;) {
-        auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-        const LSTATUS status =
-            RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
-        if (status == ERROR_MORE_DATA) {
-            text.resize(text.size() * 2);
-            continue;
-        }
-        text.resize(status == ERROR_SUCCESS ? text.find(L'\0') : 0);
-        return {status == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : status, text};
+    std::wstring text;
+    LSTATUS status = ERROR_MORE_DATA;
+    for (std::size_t size = MAX_PATH; status == ERROR_MORE_DATA; size *= 2) {
+        text.resize(size);
+        auto bytes = static_cast<DWORD>(size * sizeof(wchar_t));
+        status = RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
     }
+    text.resize(status == ERROR_SUCCESS ? text.find(L'\0') : 0);
+    return {status == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : status, text};
 }
 
 std::optional<std::wstring> ReadText(HKEY root, const std::wstring& key, const std::wstring& name) {

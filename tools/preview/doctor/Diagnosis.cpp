@@ -55,10 +55,6 @@ std::wstring NameOf(HandlerKind kind) {
     return ClassOf(kind).name + std::wstring(L" handler");
 }
 
-bool HasFolder(const ServerFacts& server) {
-    return std::filesystem::path(server.path).is_absolute();
-}
-
 // What is wrong with a library, as the end of a sentence; empty if it can create these classes.
 std::wstring LibraryFault(const ServerFacts& server, const std::vector<HandlerKind>& kinds) {
     if (server.loaded == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
@@ -163,7 +159,7 @@ private:
         CheckHiding();
         const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
             const std::vector<HandlerKind> kinds = ClassesOf(server);
-            return kinds.empty() || (HasFolder(server) && LibraryFault(server, kinds).empty());
+            return kinds.empty() || (server.HasFolder() && LibraryFault(server, kinds).empty());
         });
         if (findings_.size() == before && isSound)
             Ok(L"all registry values are in place: " + std::to_wstring(userValues_) +
@@ -223,7 +219,7 @@ private:
             const std::wstring handlers = asked == everyKind  ? L"all five handlers"
                                           : asked.size() == 1 ? L"the " + NameOf(asked[0])
                                                               : std::to_wstring(asked.size()) + L" handlers";
-            if (isRegistered && !HasFolder(server)) {
+            if (isRegistered && !server.HasFolder()) {
                 Fail(server.path + L" is registered without its folder for " + handlers +
                          L", so what Windows finds depends on the program",
                      fix);
@@ -338,7 +334,7 @@ private:
     void CheckFile(const FileFacts& file) {
         const std::wstring name = file.shown + L": ";
         if (file.unread) {
-            Add(file.isFolder ? Health::Warn : Health::Fail, *file.unread,
+            Add(file.isFolder ? Health::Warn : Health::Fail, name + *file.unread,
                 file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
             return;
         }

@@ -85,17 +85,15 @@ HRESULT ResultOf(Request&& request) {
 ServerFacts LoadServer(const std::wstring& path) {
     ServerFacts facts{path};
     facts.loaded = ResultOf([&] {
-        if (std::filesystem::path(path).is_absolute() &&
-            GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        if (facts.HasFolder() && GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
             throw Failure(L"", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
         const ServerModule module(path);
-        std::ranges::transform(allHandlers, facts.created.begin(), [&](HandlerKind kind) {
-            return ResultOf([&] {
+        for (const HandlerKind kind : allHandlers)
+            facts.created[IndexOf(kind)] = ResultOf([&] {
                 const HandlerClass& known = ClassOf(kind);
                 ComPtr<IUnknown> object;
                 module.Create(ParseClassId(known.classId), *known.interfaceId, &object);
             });
-        });
     });
     return facts;
 }
@@ -160,9 +158,10 @@ std::vector<ProgramFacts> FindPrograms() {
     std::vector<ProgramFacts> programs;
     for (const std::wstring& name : names) {
         ProgramFacts& program = programs.emplace_back(ProgramFacts{name});
-        for (std::size_t i = 0; i < allHandlers.size(); ++i)
-            if (const wchar_t* shellEx = ClassOf(allHandlers[i]).shellEx)
-                program.handlers[i] = ReadClassText(name + LR"(\ShellEx\)" + shellEx).value_or(L"");
+        for (const HandlerKind kind : allHandlers)
+            if (const wchar_t* shellEx = ClassOf(kind).shellEx)
+                program.handlers[IndexOf(kind)] =
+                    ReadClassText(name + LR"(\ShellEx\)" + shellEx).value_or(L"");
         program.defaultIcon = ReadClassText(name + LR"(\DefaultIcon)").value_or(L"");
     }
     return programs;
@@ -187,13 +186,12 @@ std::vector<std::wstring> FindSettings() {
 
 FileFacts ExamineFile(const InputFile& file) {
     if (!file.fault.empty())
-        return {.shown = file.shown, .isFolder = true, .unread = file.shown + L": " + file.fault};
+        return {.shown = file.shown, .isFolder = true, .unread = file.fault};
     FileFacts facts{.shown = file.shown, .attributes = GetFileAttributesW(file.path.c_str())};
     if (facts.attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
         const bool isAbsent = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-        facts.unread =
-            file.shown + L": " + (isAbsent ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error)));
+        facts.unread = isAbsent ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error));
     } else if (!facts.IsElsewhere()) {
         facts.fault = FindFault(file.path, facts.width, facts.height);
     }
@@ -210,12 +208,6 @@ std::vector<ValueFacts> ExpectedValues() {
         return S_OK;
     });
     return values;
-}
-
-bool FileFacts::IsElsewhere() const {
-    constexpr DWORD recallOnOpen = 0x40000; // not in every SDK
-    constexpr DWORD recallOnDataAccess = 0x400000;
-    return !unread && (attributes & (FILE_ATTRIBUTE_OFFLINE | recallOnOpen | recallOnDataAccess)) != 0;
 }
 
 DoctorFacts GatherFacts(const std::optional<std::filesystem::path>& givenLibrary,

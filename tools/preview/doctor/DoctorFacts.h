@@ -35,6 +35,8 @@ struct ServerFacts {
     std::wstring path;
     HRESULT loaded = S_OK; // "file not found" means the library itself, not a dependency
     std::array<HRESULT, allHandlers.size()> created{}; // each class, created by the library's own factory
+
+    bool HasFolder() const { return std::filesystem::path(path).is_absolute(); }
 };
 
 struct ClassFacts {
@@ -62,7 +64,11 @@ struct FileFacts {
     unsigned height = 0;
 
     // A placeholder whose content is in the cloud or on other storage; it isn't opened.
-    bool IsElsewhere() const;
+    bool IsElsewhere() const {
+        constexpr DWORD recallOnOpen = 0x40000; // not in every SDK
+        constexpr DWORD recallOnDataAccess = 0x400000;
+        return !unread && (attributes & (FILE_ATTRIBUTE_OFFLINE | recallOnOpen | recallOnDataAccess)) != 0;
+    }
 };
 
 struct DoctorFacts {
