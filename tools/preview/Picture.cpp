@@ -46,9 +46,7 @@ Picture TakePicture(UniqueIcon icon) {
     picture.isOpaque = false;
 
     constexpr std::uint32_t alpha = 0xFF000000;
-    const bool hasAlpha = std::any_of(picture.pixels.begin(), picture.pixels.end(),
-                                      [](std::uint32_t pixel) { return (pixel & alpha) != 0; });
-    if (!hasAlpha && mask) {
+    if (mask && std::ranges::none_of(picture.pixels, [](auto pixel) { return (pixel & alpha) != 0; })) {
         const Picture hidden = TakePicture(std::move(mask));
         for (std::size_t i = 0; i < std::min(picture.pixels.size(), hidden.pixels.size()); ++i)
             if ((hidden.pixels[i] & ~alpha) == 0)

@@ -6,7 +6,6 @@
 #include "tools/terminal/NumberText.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -144,19 +143,33 @@ private:
         }
         const std::size_t before = findings_.size();
         std::vector<std::wstring> wrong;
+        std::size_t hidingCount = 0;
+        std::wstring difference;
         for (const ValueFacts& value : facts_.values) {
             std::wstring fault = FaultOf(value);
-            if (fault.empty() || value.IsHiding())
-                continue; // those have their own check
-            if (value.isForMachine)
+            if (value.IsHiding()) {
+                ++hidingCount;
+                if (fault.empty() && value.wanted.empty() &&
+                    CompareNames(value.user.text, value.machine.text) != 0)
+                    fault = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
+                if (difference.empty())
+                    difference = fault;
+            } else if (!fault.empty() && value.isForMachine) {
                 Fail(fault + L": Explorer shows no title, dimensions and bit depth",
                      registerAgain_ + (machineValues_ ? L"" : asAdministrator));
-            else
-                wrong.push_back(std::move(fault));
+            } else if (!fault.empty()) {
+                wrong.push_back(fault);
+            }
         }
         if (!wrong.empty())
             Fail(Counted(wrong, L"registry values are missing or wrong"), registerAgain_);
-        CheckHiding();
+        // A registration for this user, such as one left by version 1.0.0, hides the machine's.
+        if (hidingCount > 0)
+            Add(difference.empty() ? Health::Warn : Health::Fail,
+                L"this user's registration (HKCU) hides " + std::to_wstring(hidingCount) +
+                    L" of the machine-wide registry values (HKLM)" +
+                    (difference.empty() ? L"" : L"; " + difference),
+                unhide_);
         const bool isSound = std::ranges::all_of(facts_.servers, [this](const ServerFacts& server) {
             const std::vector<HandlerKind> kinds = ClassesOf(server);
             return kinds.empty() || (server.HasFolder() && LibraryFault(server, kinds).empty());
@@ -181,28 +194,6 @@ private:
         if (!value.wanted.empty() && found.text != value.wanted)
             return name + L" is " + Quoted(found.text) + L", not " + Quoted(value.wanted);
         return {};
-    }
-
-    // A registration for this user, such as one left by version 1.0.0, hides the machine's.
-    void CheckHiding() {
-        std::size_t count = 0;
-        std::wstring difference;
-        for (const ValueFacts& value : facts_.values) {
-            if (!value.IsHiding())
-                continue;
-            ++count;
-            if (difference.empty())
-                difference = FaultOf(value);
-            if (difference.empty() && value.wanted.empty() &&
-                CompareNames(value.user.text, value.machine.text) != 0)
-                difference = L"HKCU names " + value.user.text + L", HKLM " + value.machine.text;
-        }
-        if (count > 0)
-            Add(difference.empty() ? Health::Warn : Health::Fail,
-                L"this user's registration (HKCU) hides " + std::to_wstring(count) +
-                    L" of the machine-wide registry values (HKLM)" +
-                    (difference.empty() ? L"" : L"; " + difference),
-                unhide_);
     }
 
     void CheckLibraries() {
@@ -249,9 +240,9 @@ private:
     // The classes that this server is registered for.
     std::vector<HandlerKind> ClassesOf(const ServerFacts& server) const {
         std::vector<HandlerKind> kinds;
-        std::ranges::copy_if(allHandlers, std::back_inserter(kinds), [&](HandlerKind kind) {
-            return CompareNames(ServerOf(kind).Effective().text, server.path) == 0;
-        });
+        for (const HandlerKind kind : allHandlers)
+            if (CompareNames(ServerOf(kind).Effective().text, server.path) == 0)
+                kinds.push_back(kind);
         return kinds;
     }
 

@@ -22,6 +22,8 @@ namespace {
 const std::pair<HKEY, const wchar_t*> hives[] = {{HKEY_CURRENT_USER, LR"(HKCU\)"},
                                                  {HKEY_LOCAL_MACHINE, LR"(HKLM\)"}};
 
+const std::wstring windowsKey = LR"(Software\Microsoft\Windows\CurrentVersion\)";
+
 // Under Wine some of the functions below end the process, or don't answer as Windows does.
 bool IsWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
@@ -51,9 +53,7 @@ bool IsElevated(HANDLE process) {
 
 void AskForRights(DoctorFacts& facts) {
     facts.isDoctorElevated = IsElevated(GetCurrentProcess());
-    facts.isUacOff =
-        ReadNumber(HKEY_LOCAL_MACHINE, LR"(Software\Microsoft\Windows\CurrentVersion\Policies\System)",
-                   L"EnableLUA", 1) == 0;
+    facts.isUacOff = ReadNumber(HKEY_LOCAL_MACHINE, windowsKey + LR"(Policies\System)", L"EnableLUA", 1) == 0;
     // Without UAC all processes of a user have the same rights.
     facts.isExplorerElevated = facts.isUacOff && facts.isDoctorElevated;
     DWORD processId = 0;
@@ -137,7 +137,7 @@ ClassFacts AskForClass(HandlerKind kind) {
         if (!facts.answer && known.shellEx[0] == L'{')
             facts.answer = L"";
     }
-    const std::wstring extensions = LR"(Software\Microsoft\Windows\CurrentVersion\Shell Extensions\)";
+    const std::wstring extensions = windowsKey + LR"(Shell Extensions\)";
     for (const auto& [root, name] : hives) {
         // Only the names of the values count, not their types.
         if (!ReadValue(root, extensions + L"Approved", known.classId).IsMissing())
@@ -149,7 +149,7 @@ ClassFacts AskForClass(HandlerKind kind) {
 }
 
 std::vector<ProgramFacts> FindPrograms() {
-    const std::wstring choices = LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts\.zmi\)";
+    const std::wstring choices = windowsKey + LR"(Explorer\FileExts\.zmi\)";
     std::set<std::wstring> names;
     for (const wchar_t* choice : {L"UserChoice", LR"(UserChoiceLatest\ProgId)"})
         names.insert(ReadText(HKEY_CURRENT_USER, choices + choice, L"ProgId").value_or(L""));
@@ -168,10 +168,9 @@ std::vector<ProgramFacts> FindPrograms() {
 }
 
 std::vector<std::wstring> FindSettings() {
-    const std::wstring windows = LR"(Software\Microsoft\Windows\CurrentVersion\)";
-    const std::wstring policies = windows + LR"(Policies\Explorer)";
+    const std::wstring policies = windowsKey + LR"(Policies\Explorer)";
     const std::pair<std::wstring, const wchar_t*> known[] = {
-        {windows + LR"(Explorer\Advanced)", L"IconsOnly"},
+        {windowsKey + LR"(Explorer\Advanced)", L"IconsOnly"},
         {policies, L"DisableThumbnails"},
         {policies, L"DisableThumbnailsOnNetworkFolders"},
         {policies, L"EnforceShellExtensionSecurity"},
