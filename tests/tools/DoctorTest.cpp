@@ -151,7 +151,9 @@ const struct {
      {L"fail *another thumbnail handler for .zmi, {0} of the program Y. Fix: choose another program",
       L"fail *another icon handler for .zmi, {2} of the program Y"}},
     {[](auto& f) {
-         f.programs = {{L"Y", {}, L"y.ico"}, {L"Z", {}, L"%1"}};
+         f.classes[extract].answer.reset(), f.classes[icon].answer.reset();
+         f.programs = {{L"Y", {}, L"y.ico"},
+                       {L"Z", {L"", ClassOf(HandlerKind::ExtractImage).classId}, L"%1"}};
      },
      {L"warn the program Y has its own icon*Fix: if it does, choose another"}},
     {[](auto& f) { f.infoTip = L"prop:System.Size"; },

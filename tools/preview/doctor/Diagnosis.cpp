@@ -222,7 +222,7 @@ private:
                 const bool isOwn = facts_.ownLibrary && CompareNames(server.path, *facts_.ownLibrary) == 0;
                 std::wstring what = server.path + L", registered for ";
                 what.append(handlers).append(L",").append(fault);
-                Fail(what, isOwn && !isHiding && !machineValues_ ? replaceLibrary : fix);
+                Fail(what, isOwn && !machineValues_ ? replaceLibrary : fix);
             } else {
                 Fail(server.path + fault, L"check the path after --dll");
                 expected.reset();
