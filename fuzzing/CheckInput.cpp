@@ -34,7 +34,7 @@ std::size_t Step(std::size_t width, std::size_t height) {
 
 std::uint64_t AllPixelBytes(const FileFacts& facts) {
     std::uint64_t sum = 0;
-    for (std::size_t i = 0; !facts.blank && i < facts.FrameCount(); ++i)
+    for (std::size_t i = 0; i < facts.FrameCount(); ++i)
         sum += facts.FrameBytes(i);
     return sum;
 }
@@ -62,7 +62,7 @@ void CheckHeader(const FileFacts& facts, const DecodedImage& image) {
 
 void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, Keep keep) {
     const std::uint32_t first = facts.Header(image_header::paletteOffset);
-    const bool hasPalettes = !facts.blank && facts.mode == 1;
+    const bool hasPalettes = facts.mode == 1;
     std::vector<std::uint32_t> tables;
     if (hasPalettes)
         tables.push_back(first);
@@ -72,11 +72,11 @@ void CheckRecordsAndPalettes(const FileFacts& facts, const DecodedImage& image, 
             std::memcpy(expected.data(), facts.file.data() + facts.RecordAt(i), expected.size());
         } else if (!facts.blank) {
             SetField(expected, 0, frame_record::dataOffset, facts.Header(image_header::pixelOffset));
-            SetField(expected, 0, frame_record::transparentKey, facts.Header(image_header::transparentKey));
-            SetField(expected, 0, frame_record::flags, facts.Header(image_header::flags));
+            SetField(expected, 0, frame_record::transparentKey, facts.TransparentKey(i));
         }
-        SetField(expected, 0, frame_record::width, facts.blank ? 1024 : facts.Width(i));
-        SetField(expected, 0, frame_record::height, facts.blank ? 600 : facts.Height(i));
+        SetField(expected, 0, frame_record::flags, facts.Flags(i));
+        SetField(expected, 0, frame_record::width, facts.Width(i));
+        SetField(expected, 0, frame_record::height, facts.Height(i));
         std::uint32_t number = hasPalettes ? 1 : 0;
         if (hasPalettes && i > 0 && facts.Record(i, frame_record::paletteOffset) != first) {
             number = static_cast<std::uint32_t>(i - 1);
@@ -224,28 +224,13 @@ void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
         const std::size_t width = frame->record.width, height = frame->record.height;
         if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
             continue;
-        const FileFacts facts(file);
-        const unsigned mode = frame->record.flags / 8 % 4;
-        const std::size_t at = frame->record.frameDataOffset;
-        const std::size_t rowBytes = mode == 0 ? (width + 7) / 8 : width * mode;
-        const std::size_t palette =
-            i == 0 ? facts.Header(image_header::paletteOffset) : std::size_t{frame->record.paletteNumber};
+        const FramePixelFacts facts(file, i);
         std::size_t y = 0;
         const auto takeRow = [&](const std::uint32_t* words) {
             // One-bit pixels in a file of another mode are defined, but of no use.
-            for (std::size_t x = 0; x < width && (mode != 0 || facts.mode == 0); ++x) {
-                const std::size_t pixel = at + y * rowBytes;
-                const std::uint32_t raw = facts.blank ? 0
-                                          : mode == 0 ? file[pixel + x / 8] >> (7 - x % 8) & 1
-                                                      : GetField(file, pixel + x * mode, {0, mode});
-                const std::uint32_t color = mode == 0   ? raw == 0 ? 0xFFFFFF : 0
-                                            : mode == 1 ? Rgb(GetField(file, palette + 2 * raw, {0, 2}))
-                                                        : Rgb(raw);
-                const bool transparent =
-                    mode != 0 && frame->record.flags & 0x20 && raw == frame->record.transparentKey;
-                Require(words[x] == (transparent ? color : 0xFF000000 | color),
+            for (std::size_t x = 0; x < width && (facts.mode != 0 || facts.file.mode == 0); ++x)
+                Require(words[x] == facts.Shown(x, y),
                         "a frame's pixel has its own colour, and is transparent if it is the key's");
-            }
             ++y;
         };
         Require(reader.Convert(*frame, takeRow) && y == height, "a frame without a fault has all its rows");

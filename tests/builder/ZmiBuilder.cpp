@@ -75,22 +75,6 @@ std::uint8_t ZmiBuilder::Flags() const {
     return static_cast<std::uint8_t>(mode << 3 | (HasFrameTable() ? 0x01 : 0) | (transparentKey ? 0x20 : 0));
 }
 
-std::uint8_t ZmiBuilder::PixelByte(std::size_t frame, std::size_t i) const {
-    const auto& pixels = frames[frame].pixels;
-    return pixels ? pixels->at(i) : PatternByte(static_cast<std::uint32_t>(frame) + 100, i);
-}
-
-std::size_t ZmiBuilder::PixelsAt(std::size_t frame) const {
-    std::size_t at = HasFrameTable() ? RecordAt(frames.size()) : FrameTableAt();
-    for (std::size_t i = 0; i <= frame; ++i) {
-        if (frames[i].palette)
-            at += sizeof(Colors);
-        if (i < frame && !(sharePixels && i > 0))
-            at += PixelBytes(mode, frames[i].width, frames[i].height);
-    }
-    return at;
-}
-
 Bytes ZmiBuilder::Build() const {
     const auto number = [](std::size_t value) { return static_cast<std::uint32_t>(value); };
     Bytes file;
@@ -108,30 +92,29 @@ Bytes ZmiBuilder::Build() const {
         SetField(file, PayloadAt(), image_header::width, frames[0].width);
         SetField(file, PayloadAt(), image_header::height, frames[0].height);
     }
-
-    const bool blank = frames.empty() && !HasFrameTable();
-    SetField(file, PayloadAt(), image_header::pixelOffset,
-             blank             ? 0
-             : HasFrameTable() ? number(FrameTableAt())
-                               : number(PixelsAt(0)));
+    SetField(file, PayloadAt(), image_header::pixelOffset, HasFrameTable() ? number(FrameTableAt()) : 0);
     if (HasFrameTable()) {
         Append(file, frame_table::size + frames.size() * frame_record::size, 3);
         SetField(file, FrameTableAt(), frame_table::frameCount, number(frames.size()));
     }
+    std::size_t pixelsAt = 0;
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const ZmiFrame& frame = frames[i];
+        const std::size_t paletteAt = frame.palette ? file.size() : PaletteAt();
         if (frame.palette)
             Append(file, *frame.palette);
-        const std::size_t at = file.size();
-        if (!sharePixels || i == 0)
+        if (!sharePixels || i == 0) {
+            pixelsAt = file.size();
             for (std::size_t k = 0; k < PixelBytes(mode, frame.width, frame.height); ++k)
-                file.push_back(PixelByte(i, k));
-        if (!HasFrameTable())
+                file.push_back(frame.pixels ? frame.pixels->at(k) : PatternByte(number(i) + 100, k));
+        }
+        if (!HasFrameTable()) {
+            SetField(file, PayloadAt(), image_header::pixelOffset, number(pixelsAt));
             continue;
+        }
         const std::size_t record = RecordAt(i);
-        SetField(file, record, frame_record::dataOffset, number(sharePixels ? PixelsAt(0) : at));
-        SetField(file, record, frame_record::paletteOffset,
-                 number(frame.palette ? at - sizeof(Colors) : PaletteAt()));
+        SetField(file, record, frame_record::dataOffset, number(pixelsAt));
+        SetField(file, record, frame_record::paletteOffset, number(paletteAt));
         SetField(file, record, frame_record::transparentKey, frame.transparentKey);
         SetField(file, record, frame_record::flags, frame.flags.value_or(Flags()));
         SetField(file, record, frame_record::width, frame.width);
@@ -143,23 +126,6 @@ Bytes ZmiBuilder::Build() const {
     FramePayload(file, number(PayloadAt()));
     file.insert(file.end(), behindTrailer.begin(), behindTrailer.end());
     return file;
-}
-
-std::uint32_t ZmiBuilder::ExpectedPixel(unsigned x, unsigned y, std::size_t frame) const {
-    if (frames.empty())
-        return 0xFFFFFF;
-    const std::size_t width = frames[frame].width;
-    const std::size_t index = y * width + x;
-    switch (mode) {
-    case 0: {
-        const std::uint8_t eight = PixelByte(frame, y * ((width + 7) / 8) + x / 8);
-        return (eight & 0x80 >> x % 8) != 0 ? 0x000000 : 0xFFFFFF;
-    }
-    case 1:
-        return Rgb(palette[PixelByte(frame, index)]);
-    default:
-        return Rgb(PixelByte(frame, index * 2) + PixelByte(frame, index * 2 + 1) * 256u);
-    }
 }
 
 } // namespace vantrel::tests

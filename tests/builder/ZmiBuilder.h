@@ -1,4 +1,4 @@
-// Builds ZMI files for tests, with the expected colour of each pixel; shares nothing with the decoder.
+// Builds ZMI files for tests; shares nothing with the decoder.
 #pragma once
 
 #include <array>
@@ -79,10 +79,6 @@ struct ZmiBuilder {
 
     Bytes Build() const;
 
-    // 0x00RRGGBB of a frame's pixel, (0, 0) at the top left. Modes 0 to 2, frames with the file's mode and
-    // table.
-    std::uint32_t ExpectedPixel(unsigned x, unsigned y, std::size_t frame = 0) const;
-
     // Offsets in the built file.
     std::size_t PayloadAt() const { return file_header::size + gap; }
     std::size_t PaletteAt() const { return PayloadAt() + image_header::size; }
@@ -90,12 +86,10 @@ struct ZmiBuilder {
     std::size_t RecordAt(std::size_t frame) const {
         return FrameTableAt() + frame_table::size + frame * frame_record::size;
     }
-    std::size_t PixelsAt(std::size_t frame) const; // after the frame's own table, if it has one
     bool HasFrameTable() const { return frameTable || frames.size() > 1; }
 
 private:
     std::uint8_t Flags() const;
-    std::uint8_t PixelByte(std::size_t frame, std::size_t i) const;
 };
 
 } // namespace vantrel::tests

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "support/Handles.h"
-#include "tests/builder/ZmiBuilder.h"
+#include "tests/builder/FileFacts.h"
 
 #include <windows.h>
 
@@ -51,10 +51,9 @@ inline Picture ReadPicture(HBITMAP bitmap) {
 
 // What a fitted bitmap of the file's first frame must look like at its natural size.
 inline Picture NaturalPicture(const ZmiBuilder& file) {
-    Picture picture{file.frames[0].width, file.frames[0].height};
-    for (unsigned y = 0; y < picture.height; ++y)
-        for (unsigned x = 0; x < picture.width; ++x)
-            picture.words.push_back(opaque | file.ExpectedPixel(x, y));
+    Picture picture{file.frames[0].width, file.frames[0].height, FramePixelFacts(file.Build(), 0).Shown()};
+    for (std::uint32_t& word : picture.words)
+        word |= opaque;
     return picture;
 }
 

@@ -9,33 +9,9 @@ using namespace std::literals;
 
 constexpr const wchar_t* modeNames[] = {L"1", L"8", L"565"}; // 0 to 2 in a file
 
-// The pixel values of a frame, row by row; in black and white its bytes.
-std::vector<std::uint32_t> Values(const Bytes& file, std::size_t index) {
-    const FileFacts facts(file);
-    const std::size_t bytes = facts.mode == 2 ? 2 : 1;
-    std::vector<std::uint32_t> values;
-    for (std::size_t i = 0; i < facts.FrameBytes(index); i += bytes)
-        values.push_back(GetField(file, facts.PixelsAt(index) + i, {0, bytes}));
-    return values;
-}
-
-// The same as 16-bit colours, with one more bit for transparent pixels.
-std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t index) {
-    const FileFacts facts(file);
-    const bool isFirst = index == 0;
-    const std::uint32_t flags =
-        facts.hasTable ? facts.Record(index, frame_record::flags) : facts.Header(image_header::flags);
-    const std::uint32_t key = facts.hasTable ? facts.Record(index, frame_record::transparentKey)
-                                             : facts.Header(image_header::transparentKey);
-    std::vector<std::uint32_t> shown = Values(file, index);
-    for (std::uint32_t& value : shown) {
-        const std::uint32_t transparent =
-            facts.mode != 0 && flags / 32 % 2 == 1 && value == key ? 0x10000 : 0;
-        const std::size_t palette = isFirst ? facts.Header(image_header::paletteOffset)
-                                            : facts.Record(index, frame_record::paletteOffset);
-        value = transparent | (facts.mode == 1 ? GetField(file, palette + 2 * value, {0, 2}) : value);
-    }
-    return shown;
+// A frame's pixels as words 0xFFRRGGBB, or 0x00RRGGBB where they are transparent.
+std::vector<std::uint32_t> Shown(const Bytes& file, std::size_t frame) {
+    return FramePixelFacts(file, frame).Shown();
 }
 
 // A sequence of numbers in one byte order.
@@ -178,14 +154,12 @@ TEST_F(PackTest, JoinsZmiFilesWithoutChangingAPixel) {
         // Each frame has its own colours and makes the first pixel's transparent, which in the second file is
         // also the opaque second pixel's.
         one.frames[1].palette = mode == 1 ? std::optional(PatternColors(5)) : std::nullopt;
-        const auto value = [&](const ZmiBuilder& made, std::size_t frame, std::size_t pixel) {
-            return mode == 0 ? 0 : GetField(made.Build(), made.PixelsAt(frame) + pixel * mode, {0, mode});
-        };
         for (std::size_t i = 0; i < 2; ++i)
-            one.frames[i].transparentKey = value(one, i, 0);
+            one.frames[i].transparentKey = FramePixelFacts(one.Build(), i).Value(0, 0);
         two.palette = PatternColors(6);
-        two.transparentKey = value(two, 0, 0);
-        two.palette[value(two, 0, 1) % 256] = two.palette[*two.transparentKey % 256];
+        two.transparentKey = FramePixelFacts(two.Build(), 0).Value(0, 0);
+        two.palette[FramePixelFacts(two.Build(), 0).Value(1, 0) % 256] =
+            two.palette[*two.transparentKey % 256];
         Write(L"one.zmi", one.Build());
         Write(L"two.zmi", two.Build());
         WriteBitmap(L"red.bmp", 8, 1, {0xFF0000});
@@ -210,7 +184,7 @@ TEST_F(PackTest, JoinsZmiFilesWithoutChangingAPixel) {
                                          reduced = Shown(Read(L"joined.zmi"), 3);
         ASSERT_EQ(many.size(), reduced.size());
         for (std::size_t i = 0; i < many.size(); ++i)
-            EXPECT_EQ(many[i] >> 16, reduced[i] >> 16) << i;
+            EXPECT_EQ(many[i] >> 24, reduced[i] >> 24) << i;
 
         Pack({L"--title", L"New", L"one.zmi", L"titled.zmi"}).Ended(0);
         one.title = "New";
@@ -265,8 +239,12 @@ TEST_F(PackTest, LaysGifFramesOverEachOther) {
             Pack(arguments).Ended(0);
             for (std::size_t i = 0; i < std::size(seen) + inputs.size() - 2; ++i) {
                 std::string shown;
-                for (const std::uint32_t value : Shown(Read(L"a.zmi"), i))
-                    shown += value == 0xF800 ? 'r' : value == 0x07E0 ? 'g' : value == 0x001F ? 'b' : '.';
+                for (const std::uint32_t word : Shown(Read(L"a.zmi"), i))
+                    shown += word == 0xFFFF0000   ? 'r'
+                             : word == 0xFF00FF00 ? 'g'
+                             : word == 0xFF0000FF ? 'b'
+                             : word == 0x00FFFFFF ? '.'
+                                                  : '?';
                 EXPECT_EQ(seen[i], shown) << i;
             }
         }
@@ -293,11 +271,11 @@ TEST_F(PackTest, TurnsPhotosUpright) {
         Pack(arguments).Ended(0);
         const Bytes file = Read(L"a.zmi");
         for (std::size_t i = 0; i < cases.size(); ++i) {
-            const std::vector<std::uint32_t> values = Values(file, i);
-            const std::size_t width = FileFacts(file).Width(i), count = values.size();
+            const FramePixelFacts frame(file, i);
             std::string shown;
-            for (const std::size_t at : {std::size_t{0}, width - 1, count - width, count - 1})
-                shown += static_cast<char>('a' + (values[at] >> 5 & 63) / 20);
+            for (const std::size_t y : {0u, frame.height - 1})
+                for (const std::size_t x : {0u, frame.width - 1})
+                    shown += static_cast<char>('a' + (frame.Shown(x, y) & 255) / 80);
             EXPECT_EQ(rotate ? cases[i].second : "abcd", shown) << i;
         }
         arguments.insert(arguments.begin(), L"--no-rotate");
@@ -313,16 +291,16 @@ TEST_F(PackTest, MarksAndFillsTheTransparentColor) {
     const Bytes indexed = Read(L"b.zmi");
     EXPECT_EQ(0x28u, FileFacts(indexed).Header(image_header::flags));
     // A colour close to the key stays close to it, and opaque.
-    EXPECT_EQ((std::vector<std::uint32_t>{0x1F81F, 0, 0xFFFF, 0xF83F}), Shown(direct, 0));
-    EXPECT_EQ((std::vector<std::uint32_t>{0x1F81F, 0, 0xFFFF, 0xF81F}), Shown(indexed, 0));
+    EXPECT_EQ((std::vector{0x00FF00FFu, 0xFF000000u, 0xFFFFFFFFu, 0xFFFF04FFu}), Shown(direct, 0));
+    EXPECT_EQ((std::vector{0x00FF00FFu, 0xFF000000u, 0xFFFFFFFFu, 0xFFFF00FFu}), Shown(indexed, 0));
 
     // A wide picture's icon is transparent at the top.
     Preview({L"a.zmi"}).Ended(0);
     Pack({L"--transparent", L"00ff00", L"a-icon-32.png", L"green.zmi"}).Ended(0);
     Pack({L"a-icon-32.png", L"a-icon-32.png", L"a-icon-16.png", L"white.zmi"})
         .Ended(0, "a-icon-32.png and 1 more: transparent parts are filled with white; --transparent keeps");
-    for (const auto& [name, corner] : {std::pair(L"green.zmi", 0x07E0u), std::pair(L"white.zmi", 0xFFFFu)})
-        EXPECT_EQ(corner, Values(Read(name), 0)[0]);
+    EXPECT_EQ(0x0000FF00u, Shown(Read(L"green.zmi"), 0)[0]);
+    EXPECT_EQ(0xFFFFFFFFu, Shown(Read(L"white.zmi"), 0)[0]);
 }
 
 TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
@@ -334,18 +312,13 @@ TEST_F(PackTest, ChoosesColorsNearThoseOfThePicture) {
     }
     WriteBitmap(L"p.bmp", 64, 64, colors);
     Pack({L"--mode", L"8", L"--no-dither", L"p.bmp", L"a.zmi"}).Ended(0);
-    const Bytes file = Read(L"a.zmi");
-    const std::vector<std::uint32_t> shownColors = Shown(file, 0);
+    const std::vector<std::uint32_t> shown = Shown(Read(L"a.zmi"), 0);
     double missed = 0;
-    for (std::size_t i = 0; i < colors.size(); ++i) {
-        const std::uint32_t shown = shownColors[i];
-        for (const auto& [source, value] : {std::pair(colors[i] >> 16, shown >> 11 << 3),
-                                            {colors[i] >> 8, shown >> 5 << 2},
-                                            {colors[i], shown << 3}}) {
-            const double distance = double(source & 255) - double(value & 255);
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        for (const int channel : {0, 8, 16}) {
+            const double distance = double(colors[i] >> channel & 255) - double(shown[i] >> channel & 255);
             missed += distance * distance;
         }
-    }
     EXPECT_LT(missed / 4096, 80) << "squared, on average; median cut comes to 94";
 }
 
@@ -385,7 +358,7 @@ TEST_F(PackTest, TakesTheLargestIconAndSaysWhichFramesAreLacking) {
     WriteText(L"a.ico", ico({{2, 24}, {3, 4}, {3, 32}, {1, 32}}));
     WriteText(L"many.ico", ico({1001, {1, 32}}));
     Pack({L"a.ico", L"a.zmi"}).Ended(0);
-    EXPECT_EQ(std::vector<std::uint32_t>(9, 0xFFFF), Values(Read(L"a.zmi"), 0));
+    EXPECT_EQ(std::vector(9, 0xFFFFFFFF), Shown(Read(L"a.zmi"), 0));
     Pack({L"many.ico", L"b.zmi"})
         .Ended(1, "many.ico: an .ico file of 1,001 pictures; at most 1,000 are read");
 
