@@ -32,8 +32,6 @@ TEST(StreamHandlers, TakeTheirStreamOnce) {
         EXPECT_EQ(0u, second.Calls());
         EXPECT_EQ(1u, second.References());
         EXPECT_EQ(2u, first.References());
-        initialize.Reset();
-        EXPECT_EQ(1u, first.References());
     }
 }
 
@@ -43,26 +41,23 @@ TEST(PathHandlers, TakeAnyNumberOfPathsAndNothingElse) {
         EXPECT_EQ(Answer{request.failure}, request.ask()) << request.name;
     const auto image = ImageHandlerOf(L"C:\\no such file.zmi");
     const auto icons = IconHandlerOf(L"C:\\no such file.zmi");
-    for (IUnknown* const handler :
-         {static_cast<IUnknown*>(image.Get()), static_cast<IUnknown*>(icons.Get())}) {
-        const auto persist = Ask<IPersistFile>(handler, IID_IPersistFile);
+    const ComPtr<IPersistFile> handlers[] = {Ask<IPersistFile>(image.Get(), IID_IPersistFile),
+                                             Ask<IPersistFile>(icons.Get(), IID_IPersistFile)};
+    for (const auto& handler : handlers) {
         CLSID found{};
         wchar_t* name = nullptr;
-        EXPECT_EQ(E_NOTIMPL, persist->GetClassID(&found));
-        EXPECT_EQ(E_NOTIMPL, persist->IsDirty());
-        EXPECT_EQ(E_NOTIMPL, persist->Save(L"x", TRUE));
-        EXPECT_EQ(E_NOTIMPL, persist->SaveCompleted(L"x"));
-        EXPECT_EQ(E_NOTIMPL, persist->GetCurFile(&name));
-        EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
-        EXPECT_EQ(S_OK, persist->Load(nullptr, 0));
+        EXPECT_EQ(E_NOTIMPL, handler->GetClassID(&found));
+        EXPECT_EQ(E_NOTIMPL, handler->IsDirty());
+        EXPECT_EQ(E_NOTIMPL, handler->Save(L"x", TRUE));
+        EXPECT_EQ(E_NOTIMPL, handler->SaveCompleted(L"x"));
+        EXPECT_EQ(E_NOTIMPL, handler->GetCurFile(&name));
+        EXPECT_EQ(S_OK, handler->Load(scratch.Path(), 0));
+        EXPECT_EQ(S_OK, handler->Load(nullptr, 0));
     }
     EXPECT_EQ(Answer{E_FAIL}, AskImage(*image.Get(), {8, 8})) << "an empty path replaced the other";
     EXPECT_EQ(Answer{E_FAIL}, AskIcons(*icons.Get(), 8, 8));
-    for (IUnknown* const handler :
-         {static_cast<IUnknown*>(image.Get()), static_cast<IUnknown*>(icons.Get())}) {
-        const auto persist = Ask<IPersistFile>(handler, IID_IPersistFile);
-        EXPECT_EQ(S_OK, persist->Load(scratch.Path(), 0));
-    }
+    for (const auto& handler : handlers)
+        EXPECT_EQ(S_OK, handler->Load(scratch.Path(), 0));
     // Others may have the file open, even for writing.
     const HANDLE writer =
         CreateFileW(scratch.Path(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);

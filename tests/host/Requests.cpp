@@ -2,7 +2,9 @@
 
 #include "tests/host/TestStream.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace vantrel::tests {
 
@@ -51,8 +53,8 @@ Answer FromVariant(HRESULT result, VARIANT& value) {
 }
 
 template <class Interface>
-ComPtr<Interface> StreamObject(REFCLSID classId, REFIID iid, IStream& stream) {
-    const auto object = Create<IInitializeWithStream>(classId, IID_IInitializeWithStream);
+ComPtr<Interface> StreamObject(REFCLSID classId, REFIID iid, IStream& stream, HMODULE module = TheDll()) {
+    const auto object = Create<IInitializeWithStream>(classId, IID_IInitializeWithStream, module);
     EXPECT_EQ(S_OK, object->Initialize(&stream, STGM_READ));
     return Ask<Interface>(object.Get(), iid);
 }
@@ -134,8 +136,9 @@ Answer AskColumn(IColumnProvider& provider, const wchar_t* path, const wchar_t* 
     return FromVariant(result, value);
 }
 
-ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream) {
-    return StreamObject<IThumbnailProvider>(thumbnailProviderClass, __uuidof(IThumbnailProvider), stream);
+ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream, HMODULE module) {
+    return StreamObject<IThumbnailProvider>(thumbnailProviderClass, __uuidof(IThumbnailProvider), stream,
+                                            module);
 }
 
 ComPtr<IPropertyStore> PropertyStoreOf(IStream& stream) {
@@ -172,6 +175,12 @@ std::vector<Request> PathRequests(const wchar_t* path, UINT edge) {
             {"letterboxed image", E_FAIL, imageIn(side, side + 3)},
             {"icons", E_FAIL, [=] { return AskIcons(*icons.Get(), edge, edge / 2); }},
             {"column", S_FALSE, [=] { return AskColumn(*columns.Get(), name.c_str()); }}};
+}
+
+std::vector<Request> AllRequests(IStream& stream, const wchar_t* path, UINT edge) {
+    std::vector<Request> requests = StreamRequests(stream, edge);
+    std::ranges::move(PathRequests(path, edge), std::back_inserter(requests));
+    return requests;
 }
 
 } // namespace vantrel::tests

@@ -52,7 +52,7 @@ Answer AskColumn(IColumnProvider& provider, const wchar_t* path, const wchar_t* 
 Picture ReadIcon(HICON icon);
 
 // Objects initialised with their file.
-ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream);
+ComPtr<IThumbnailProvider> ThumbnailProviderOf(IStream& stream, HMODULE module = TheDll());
 ComPtr<IPropertyStore> PropertyStoreOf(IStream& stream);
 ComPtr<IExtractImage2> ImageHandlerOf(const wchar_t* path);
 ComPtr<IExtractIconW> IconHandlerOf(const wchar_t* path);
@@ -67,5 +67,6 @@ struct Request {
 // Every request of every handler, pictures in boxes of edge x edge.
 std::vector<Request> StreamRequests(IStream& stream, UINT edge = 16);
 std::vector<Request> PathRequests(const wchar_t* path, UINT edge = 16);
+std::vector<Request> AllRequests(IStream& stream, const wchar_t* path, UINT edge = 16);
 
 } // namespace vantrel::tests

@@ -26,10 +26,11 @@ enum class StreamFault {
     SaysFalse,    // does everything, with S_FALSE
 };
 
-// Not heap-allocated; after a test, References() must be 1, the test's own.
+// Not heap-allocated. Fails the running test if someone still holds it at its end.
 class TestStream final : public IStream {
 public:
     explicit TestStream(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
+    ~TestStream() { EXPECT_EQ(1u, references_) << "references to the stream"; }
 
     // The call with this number (Stat, Seek and Read counted together from 1) is faulty.
     void BreakAt(unsigned call, StreamFault fault) {

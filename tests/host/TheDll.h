@@ -37,13 +37,12 @@ inline HMODULE TheDll() {
 }
 
 template <class Function>
-Function Export(const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(TheDll(), name)));
+Function Export(const char* name, HMODULE module = TheDll()) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-inline HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) {
-    using Function = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-    return Export<Function>("DllGetClassObject")(classId, iid, object);
+inline HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object, HMODULE module = TheDll()) {
+    return Export<LPFNGETCLASSOBJECT>("DllGetClassObject", module)(classId, iid, object);
 }
 
 inline HRESULT CallExport(const char* name) {
@@ -52,9 +51,9 @@ inline HRESULT CallExport(const char* name) {
 
 // Null, and a failure of the running test, if any step fails.
 template <class Interface>
-ComPtr<Interface> Create(REFCLSID classId, REFIID iid) {
+ComPtr<Interface> Create(REFCLSID classId, REFIID iid, HMODULE module = TheDll()) {
     ComPtr<IClassFactory> factory;
-    EXPECT_EQ(S_OK, GetClassObject(classId, IID_IClassFactory, &factory));
+    EXPECT_EQ(S_OK, GetClassObject(classId, IID_IClassFactory, &factory, module));
     ComPtr<Interface> object;
     EXPECT_EQ(S_OK, factory ? factory->CreateInstance(nullptr, iid, &object) : E_POINTER);
     return object;

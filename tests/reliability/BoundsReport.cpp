@@ -7,96 +7,74 @@
 #include <psapi.h>
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cwchar>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 namespace vantrel::tests {
 namespace {
 
 constexpr std::int64_t mebibyte = 1024 * 1024;
-constexpr UINT most = 0xFFFFFFFF;
 constexpr HostileFile smallFile = {.name = "64 x 64", .width = 64, .height = 64};
 
 constexpr int notMeasurable = 77; // CTest counts this as skipped
 
-enum class Kind { Properties, Column, Thumbnail, Image, Icons };
-constexpr const char* kindNames[] = {"3 properties", "column", "thumbnail", "image", "icons"};
+using Names = std::vector<std::string_view>; // of requests
+const Names pictures = {"thumbnail", "square image", "letterboxed image", "icons"};
 
-struct Row {
+struct Case {
     HostileFile file;
-    Kind kind;
-    UINT width, height; // of the box; for icons the large one's edge and the small one's
-    bool succeeds;
-
-    bool Paints() const { return kind >= Kind::Thumbnail; }
+    bool showsInSquare = true;
+    bool showsInBox = true; // one that is no square, or an icon: even if nothing of the picture is seen in it
+    UINT edge = 256;
+    Names requests = {"column", "title", "dimensions", "bit depth", "thumbnail", "icons"};
 };
 
-std::vector<Row> Rows() {
-    struct {
-        HostileFile file;
-        bool thumbnail = true;
-        bool icons = true;
-    } const cases[] = {
-        {{"65,535 records, one shared 1 MiB", 2, 1024, 512, 65535, true}},
-        {{"65535 x 65535 claimed, not there", 2, 65535, 65535, 1, false, false}, false, false},
-        {{"65535 x 65535 in 1 bit, all there", 0, 65535, 65535}, false, false},
-        {{"1 x 65535", 2, 1, 65535}, false},
-        {{"65535 x 1", 2, 65535, 1}, false},
-        {{"0 x 0", 2, 0, 0}, false},
-        {{"0 x 5", 2, 0, 5}, false},
-        {{"payload ends 1 byte below 2 GiB", 2, 64, 64, 1, false, true, 0x7FFFFFFF}},
-        {{"payload ends at 2 GiB", 2, 64, 64, 1, false, false, 0x80000000}, false, false},
-        {{"240 frames of 320 x 240", 2, 320, 240, 240}},
-        {{"4096 x 4096 in 1 bit", 0, 4096, 4096}},
-        {{"128 x 128", 2, 128, 128}},
-        {{"1024 x 1024", 2, 1024, 1024}},
-        {{"4096 x 4096", 2, 4096, 4096}},
-    };
-    std::vector<Row> rows;
-    for (const auto& each : cases) {
-        rows.push_back({each.file, Kind::Column, 0, 0, each.file.loads});
-        rows.push_back({each.file, Kind::Properties, 0, 0, each.file.loads});
-        rows.push_back({each.file, Kind::Thumbnail, 256, 256, each.thumbnail});
-        rows.push_back({each.file, Kind::Icons, 32, 16, each.icons});
-    }
-    for (const UINT edge : {0u, 1u, 4096u, most})
-        for (const Kind kind : {Kind::Thumbnail, Kind::Image})
-            rows.push_back({smallFile, kind, edge, edge, edge != 0 && edge != most});
-    rows.push_back({smallFile, Kind::Image, most, 1, false});
-    for (const UINT edge : {0u, 1u, 0xFFFFu})
-        rows.push_back({smallFile, Kind::Icons, edge, edge, edge == 1});
-    return rows;
+const Case cases[] = {
+    {{"65,535 records, one shared 1 MiB", 2, 1024, 512, 65535, true}},
+    {{"65535 x 65535 claimed, not there", 2, 65535, 65535, 1, false, false}, false, false},
+    {{"65535 x 65535 in 1 bit, all there", 0, 65535, 65535}, false, false},
+    {{"1 x 65535", 2, 1, 65535}, false},
+    {{"65535 x 1", 2, 65535, 1}, false},
+    {{"0 x 0", 2, 0, 0}, false},
+    {{"0 x 5", 2, 0, 5}, false},
+    {{"payload ends 1 byte below 2 GiB", 2, 64, 64, 1, false, true, 0x7FFFFFFF}},
+    {{"payload ends at 2 GiB", 2, 64, 64, 1, false, false, 0x80000000}, false, false},
+    {{"240 frames of 320 x 240", 2, 320, 240, 240}},
+    {{"4096 x 4096 in 1 bit", 0, 4096, 4096}},
+    {{"128 x 128", 2, 128, 128}},
+    {{"1024 x 1024", 2, 1024, 1024}},
+    {{"4096 x 4096", 2, 4096, 4096}},
+    {smallFile, false, false, 0, pictures},
+    {smallFile, true, true, 2, pictures},
+    {smallFile, true, true, 4096, {"thumbnail", "square image", "letterboxed image"}},
+    {smallFile, false, false, 0xFFFFFFFF, pictures},
+};
+
+Request Find(std::string_view name, const std::wstring& path, UINT edge) {
+    ComPtr<IStream> stream;
+    SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr, &stream);
+    const std::vector<Request> all = AllRequests(*stream.Get(), path.c_str(), edge);
+    return *std::ranges::find(all, name, &Request::name);
 }
 
-// The complete request as a host makes it: object, file, call, release.
-Answer Perform(Kind kind, UINT width, UINT height, const wchar_t* path) {
-    ComPtr<IStream> stream;
-    if (kind == Kind::Properties || kind == Kind::Thumbnail)
-        SHCreateStreamOnFileEx(path, STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr, &stream);
-    switch (kind) {
-    case Kind::Properties: {
-        const auto store = PropertyStoreOf(*stream.Get());
-        HRESULT worst = S_OK;
-        for (const PROPERTYKEY& key : {titleKey, dimensionsKey, bitDepthKey})
-            worst = std::max(worst, AskValue(*store.Get(), key).result);
-        return {worst};
-    }
-    case Kind::Column:
-        return AskColumn(*Create<IColumnProvider>(columnProviderClass, IID_IColumnProvider).Get(), path);
-    case Kind::Thumbnail:
-        return AskThumbnail(*ThumbnailProviderOf(*stream.Get()).Get(), width);
-    case Kind::Image:
-        return AskImage(*ImageHandlerOf(path).Get(), {static_cast<LONG>(width), static_cast<LONG>(height)});
-    default:
-        return AskIcons(*IconHandlerOf(path).Get(), width, height);
-    }
+bool IsForFacts(const Request& request) {
+    return request.failure == S_FALSE;
+}
+
+bool Succeeds(const Case& each, const Request& request) {
+    if (IsForFacts(request))
+        return each.file.loads;
+    const std::string_view name = request.name;
+    return name == "thumbnail" || name == "square image" ? each.showsInSquare : each.showsInBox;
 }
 
 // Facts: 4 MiB. Pictures: plus frame 0's surface, if there can be one, plus the result.
-std::int64_t Bound(const Row& row, std::int64_t resultBytes) {
-    const HostileFile& file = row.file;
-    if (!row.Paints() || !file.loads)
+std::int64_t Bound(const HostileFile& file, const Request& request, std::int64_t resultBytes) {
+    if (IsForFacts(request) || !file.loads)
         return 4 * mebibyte;
     const std::int64_t surface = std::int64_t{4} * file.width * file.height;
     return (surface < 2048 * mebibyte ? surface : 0) + resultBytes + 4 * mebibyte;
@@ -109,31 +87,32 @@ PROCESS_MEMORY_COUNTERS Memory() {
 }
 
 // Prints one line of the table. In its own process, since the peak can't be reset.
-int Measure(const Row& row, const wchar_t* path) {
+int Measure(const Case& each, std::string_view name, const std::wstring& path) {
     {
         // One-time costs of the system don't count.
         const ResourceWatch watch;
-        Perform(row.kind, 8, 8, (std::wstring(path) + L"-small").c_str());
+        Find(name, path + L"-small", 8).ask();
         if (watch.PeakBytes() == 0)
             return 2;
     }
 
     const ResourceWatch watch;
     const std::size_t before = Memory().WorkingSetSize;
-    const Answer answer = Perform(row.kind, row.width, row.height, path);
+    const Request request = Find(name, path, each.edge);
+    const Answer answer = request.ask();
     const auto held = static_cast<std::int64_t>(watch.PeakBytes());
     const auto seen = static_cast<std::int64_t>(Memory().PeakWorkingSetSize - before);
 
+    const int pixelBytes = name == "icons" ? 8 : 4; // with its mask's
     std::int64_t bytes = 0;
-    for (const Picture& picture : answer.pictures) // an icon has a mask besides its colours
-        bytes += (row.kind == Kind::Icons ? 8 : 4) * static_cast<std::int64_t>(picture.words.size());
-    const std::int64_t bound = Bound(row, bytes);
+    for (const Picture& picture : answer.pictures)
+        bytes += pixelBytes * static_cast<std::int64_t>(picture.words.size());
+    const std::int64_t bound = Bound(each.file, request, bytes);
     // Wine's StretchBlt makes its own copy of the result when it enlarges; this program makes another one
     // later.
     const bool exceeded = held >= bound || seen >= bound + bytes;
-    const bool wrong = (answer.result == S_OK) != row.succeeds;
-    std::printf("| %s | %s %u, %u | %08lX | %lld | %lld | %lld | %s |\n", row.file.name,
-                kindNames[static_cast<int>(row.kind)], row.width, row.height,
+    const bool wrong = (answer.result == S_OK) != Succeeds(each, request);
+    std::printf("| %s | %s %u | %08lX | %lld | %lld | %lld | %s |\n", each.file.name, request.name, each.edge,
                 static_cast<unsigned long>(answer.result), held / 1024, seen / 1024, bound / 1024,
                 wrong      ? "WRONG RESULT"
                 : exceeded ? "EXCEEDED"
@@ -151,18 +130,18 @@ int Report(const wchar_t* program) {
     const std::wstring path = folder + (L"bounds-" + std::to_wstring(GetCurrentProcessId()));
     std::puts("| file | request | result | held (KiB) | working set (KiB) | bound (KiB) | |\n"
               "|---|---|---|--:|--:|--:|---|");
-    const std::vector<Row> rows = Rows();
-    bool failed = Write(smallFile, path + L"-small") == 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (i == 0 || rows[i].file.name != rows[i - 1].file.name)
-            failed |= Write(rows[i].file, path) == 0;
-        std::fflush(stdout);
-        const auto code =
-            static_cast<unsigned>(_wspawnl(_P_WAIT, program, L"bounds_report", std::to_wstring(i).c_str(),
-                                           (L"\"" + path + L"\"").c_str(), nullptr));
-        if (code > 1)
-            std::printf("row %zu was not measured: exit code %u\n", i, code);
-        failed |= code != 0;
+    bool failed = !Write(smallFile, path + L"-small");
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        failed |= !Write(cases[i].file, path);
+        for (std::size_t k = 0; k < cases[i].requests.size(); ++k) {
+            std::fflush(stdout);
+            const auto code = static_cast<unsigned>(
+                _wspawnl(_P_WAIT, program, L"bounds_report", std::to_wstring(i).c_str(),
+                         std::to_wstring(k).c_str(), (L"\"" + path + L"\"").c_str(), nullptr));
+            if (code > 1)
+                std::printf("%s: request %zu was not measured: exit code %u\n", cases[i].file.name, k, code);
+            failed |= code != 0;
+        }
     }
     for (const std::wstring& file : {path, path + L"-small"})
         failed |= !DeleteFileW(file.c_str());
@@ -172,14 +151,15 @@ int Report(const wchar_t* program) {
 } // namespace
 } // namespace vantrel::tests
 
-// Without arguments the whole table; child processes get two. Returns 1 if a bound is exceeded, an answer is
-// wrong or something could not be measured; a child returns 2 for the latter.
+// Without arguments the whole table; child processes get three. Returns 1 if a bound is exceeded, an answer
+// is wrong or something could not be measured; a child returns 2 for the latter.
 int wmain(int count, wchar_t** arguments) {
     using namespace vantrel::tests;
-    if (count < 3) {
+    if (count < 4) {
         wchar_t program[MAX_PATH];
         GetModuleFileNameW(nullptr, program, MAX_PATH);
         return Report(program);
     }
-    return Measure(Rows().at(std::wcstoul(arguments[1], nullptr, 10)), arguments[2]);
+    const Case& each = cases[std::stoul(arguments[1])];
+    return Measure(each, each.requests[std::stoul(arguments[2])], arguments[3]);
 }
