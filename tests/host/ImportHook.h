@@ -53,19 +53,13 @@ struct FunctionName {
     char text[size];
 };
 
-// Restores the original on destruction.
-class ImportPatch {
-public:
-    virtual ~ImportPatch() = default;
-};
-
 template <FunctionName name, class Signature>
 class ImportHook;
 
 // ImportHook<"CreateFileW", HANDLE(...)>: one at a time of each kind. The replacement receives the original
 // function before the arguments. If the module doesn't import the function, nothing happens.
 template <FunctionName name, class Result, class... Arguments>
-class ImportHook<name, Result(Arguments...)> final : public ImportPatch {
+class ImportHook<name, Result(Arguments...)> {
 public:
     using Function = Result (*)(Arguments...);
     using Replacement = std::function<Result(Function original, Arguments...)>;
@@ -80,7 +74,7 @@ public:
     }
     ImportHook(const ImportHook&) = delete;
     ImportHook& operator=(const ImportHook&) = delete;
-    ~ImportHook() override {
+    ~ImportHook() {
         if (slot_)
             Write(reinterpret_cast<void*>(original_));
     }

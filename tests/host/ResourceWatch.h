@@ -114,7 +114,7 @@ public:
 private:
     template <FunctionName name, class Result, class... Arguments, class Replacement>
     void Hook(Replacement replacement) {
-        hooks_.push_back(std::make_unique<ImportHook<name, Result(Arguments...)>>(TheDll(), replacement));
+        hooks_.push_back(std::make_shared<ImportHook<name, Result(Arguments...)>>(TheDll(), replacement));
     }
     template <FunctionName name, class Result, class... Arguments>
     void Taking(Result refusal) {
@@ -194,7 +194,7 @@ private:
     std::map<HDC, HGDIOBJ> selected_{};
     std::size_t bytes_ = 0;
     std::size_t peakBytes_ = 0;
-    std::vector<std::unique_ptr<ImportPatch>> hooks_{};
+    std::vector<std::shared_ptr<void>> hooks_{}; // of many types
 };
 
 } // namespace vantrel::tests

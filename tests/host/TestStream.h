@@ -90,14 +90,12 @@ public:
         return Finish(fault);
     }
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* reached) override {
+        EXPECT_EQ(DWORD{STREAM_SEEK_SET}, origin);
         const StreamFault fault = NextFault();
-        const std::int64_t base = origin == STREAM_SEEK_SET   ? 0
-                                  : origin == STREAM_SEEK_CUR ? static_cast<std::int64_t>(position_)
-                                                              : static_cast<std::int64_t>(bytes_.size());
-        if (base + distance.QuadPart < 0)
+        if (distance.QuadPart < 0)
             return STG_E_INVALIDFUNCTION;
         if (fault != StreamFault::Fails)
-            position_ = static_cast<std::uint64_t>(base + distance.QuadPart);
+            position_ = static_cast<std::uint64_t>(distance.QuadPart);
         if (reached)
             reached->QuadPart = position_;
         return Finish(fault);
