@@ -128,16 +128,15 @@ public:
     std::function<LSTATUS()> set = [] { return ERROR_SUCCESS; };
 
 private:
-    ImportHook<"RegCreateKeyExW", LSTATUS(HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM,
-                                          SECURITY_ATTRIBUTES*, HKEY*, DWORD*)>
-        create_{TheDll(), [this](auto original, HKEY root, const wchar_t* path, DWORD reserved, wchar_t* kind,
-                                 DWORD options, auto... rest) {
-                    // What is volatile is gone at the next logoff.
-                    EXPECT_EQ(DWORD{REG_OPTION_NON_VOLATILE}, options);
-                    const LSTATUS refusal = create();
-                    return refusal ? refusal : original(root, path, reserved, kind, options, rest...);
-                }};
-    ImportHook<"RegSetValueExW", LSTATUS(HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD)> set_{
+    ImportHook<"RegCreateKeyExW", decltype(RegCreateKeyExW)> create_{
+        TheDll(), [this](auto original, HKEY root, const wchar_t* path, DWORD reserved, wchar_t* kind,
+                         DWORD options, auto... rest) {
+            // What is volatile is gone at the next logoff.
+            EXPECT_EQ(DWORD{REG_OPTION_NON_VOLATILE}, options);
+            const LSTATUS refusal = create();
+            return refusal ? refusal : original(root, path, reserved, kind, options, rest...);
+        }};
+    ImportHook<"RegSetValueExW", decltype(RegSetValueExW)> set_{
         TheDll(), [this](auto original, HKEY key, const wchar_t* name, DWORD reserved, DWORD type,
                          const BYTE* data, DWORD size) {
             if (const LSTATUS refusal = set())
@@ -147,7 +146,7 @@ private:
             ++written;
             return original(key, name, reserved, type, data, size);
         }};
-    ImportHook<"SHChangeNotify", void(LONG, UINT, const void*, const void*)> notify_{
+    ImportHook<"SHChangeNotify", decltype(SHChangeNotify)> notify_{
         TheDll(), [this](auto, LONG event, UINT flags, const void* first, const void* second) {
             EXPECT_EQ(std::tuple(LONG{SHCNE_ASSOCCHANGED}, UINT{SHCNF_IDLIST}, nullptr, nullptr),
                       std::tuple(event, flags, first, second));
@@ -190,7 +189,7 @@ TEST(Registration, NeedsTheModulesPath) {
     const ScratchRegistry registry;
     for (const auto& [length, error] :
          {std::pair<DWORD, DWORD>{0, ERROR_ACCESS_DENIED}, {0, 0}, {MAX_PATH, 0}}) {
-        const ImportHook<"GetModuleFileNameW", DWORD(HMODULE, wchar_t*, DWORD)> path(
+        const ImportHook<"GetModuleFileNameW", decltype(GetModuleFileNameW)> path(
             TheDll(), [result = length, code = error](auto, HMODULE module, wchar_t* buffer, DWORD size) {
                 EXPECT_EQ(TheDll(), module);
                 EXPECT_EQ(DWORD{MAX_PATH}, size);

@@ -56,8 +56,8 @@ struct FunctionName {
 template <FunctionName name, class Signature>
 class ImportHook;
 
-// ImportHook<"CreateFileW", HANDLE(...)>: one at a time of each kind. The replacement receives the original
-// function before the arguments. If the module doesn't import the function, nothing happens.
+// ImportHook<"CreateFileW", decltype(CreateFileW)>: one at a time of each kind. The replacement receives the
+// original function before the arguments. If the module doesn't import the function, nothing happens.
 template <FunctionName name, class Result, class... Arguments>
 class ImportHook<name, Result(Arguments...)> {
 public:

@@ -31,37 +31,36 @@ class ResourceWatch {
 public:
     // Makes this acquisition fail, counted from 1, or it and all that follow.
     explicit ResourceWatch(unsigned number = 0, Refuse mode = Refuse::One) : number_(number), mode_(mode) {
-        Allocating<"malloc", std::size_t>();
-        Allocating<"calloc", std::size_t, std::size_t>();
-        Hook<"realloc", void*, void*, std::size_t>([this](auto original, void* block, std::size_t size) {
+        Allocating<"malloc", void*(std::size_t)>();
+        Allocating<"calloc", void*(std::size_t, std::size_t)>();
+        Hook<"realloc", decltype(realloc)>([this](auto original, void* block, std::size_t size) {
             void* const moved = Refused("realloc") ? nullptr : original(block, size);
             if (moved)
                 Forget(block);
             return Keep(moved, size);
         });
-        Hook<"_aligned_malloc", void*, std::size_t, std::size_t>(
+        Hook<"_aligned_malloc", void*(std::size_t, std::size_t)>(
             [this](auto original, std::size_t size, std::size_t alignment) {
                 return Keep(Refused("_aligned_malloc") ? nullptr : original(size, alignment), size);
             });
-        Taking<"SysAllocString", BSTR, const OLECHAR*>(nullptr);
-        Hook<"CreateDIBSection", HBITMAP, HDC, const BITMAPINFO*, UINT, void**, HANDLE, DWORD>(
+        Taking<"SysAllocString", decltype(SysAllocString)>(nullptr);
+        Hook<"CreateDIBSection", decltype(CreateDIBSection)>(
             [this](auto original, HDC dc, const BITMAPINFO* info, auto... rest) {
                 const auto width = static_cast<std::size_t>(info->bmiHeader.biWidth);
                 const auto height = static_cast<std::size_t>(info->bmiHeader.biHeight);
                 return Keep(Refused("CreateDIBSection") ? nullptr : original(dc, info, rest...),
                             4 * width * height);
             });
-        Taking<"CreateCompatibleDC", HDC, HDC>(nullptr);
-        Taking<"CreateSolidBrush", HBRUSH, COLORREF>(nullptr);
-        Taking<"CreateIconIndirect", HICON, ICONINFO*>(nullptr);
-        Taking<"GetDC", HDC, HWND>(nullptr);
-        Taking<"CreateFileW", HANDLE, const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD,
-               HANDLE>(INVALID_HANDLE_VALUE);
-        Hook<"ReadFile", BOOL, HANDLE, void*, DWORD, DWORD*, OVERLAPPED*>(
+        Taking<"CreateCompatibleDC", decltype(CreateCompatibleDC)>(nullptr);
+        Taking<"CreateSolidBrush", decltype(CreateSolidBrush)>(nullptr);
+        Taking<"CreateIconIndirect", decltype(CreateIconIndirect)>(nullptr);
+        Taking<"GetDC", decltype(GetDC)>(nullptr);
+        Taking<"CreateFileW", decltype(CreateFileW)>(INVALID_HANDLE_VALUE);
+        Hook<"ReadFile", decltype(ReadFile)>(
             [this](auto original, auto... rest) { return Refused("ReadFile") ? FALSE : original(rest...); });
-        Taking<"LoadLibraryW", HMODULE, const wchar_t*>(nullptr);
+        Taking<"LoadLibraryW", decltype(LoadLibraryW)>(nullptr);
         // Found at run time; it allocates local memory.
-        Hook<"GetProcAddress", FARPROC, HMODULE, const char*>(
+        Hook<"GetProcAddress", decltype(GetProcAddress)>(
             [this](auto original, HMODULE module, const char* name) {
                 const FARPROC found = original(module, name);
                 if (std::strcmp(name, "ConvertStringSecurityDescriptorToSecurityDescriptorW") != 0)
@@ -70,37 +69,36 @@ public:
                 converting_ = this;
                 return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Convert));
             });
-        Opening<"RegCreateKeyW", HKEY, const wchar_t*, HKEY*>();
-        Opening<"RegOpenKeyExW", HKEY, const wchar_t*, DWORD, REGSAM, HKEY*>();
-        Opening<"RegCreateKeyExW", HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*,
-                HKEY*, DWORD*>();
-        Hook<"RegCloseKey", LSTATUS, HKEY>([this](auto original, HKEY key) {
+        Opening<"RegCreateKeyW", decltype(RegCreateKeyW)>();
+        Opening<"RegOpenKeyExW", decltype(RegOpenKeyExW)>();
+        Opening<"RegCreateKeyExW", decltype(RegCreateKeyExW)>();
+        Hook<"RegCloseKey", decltype(RegCloseKey)>([this](auto original, HKEY key) {
             EXPECT_TRUE(live_.contains(key)) << "closed twice";
             Forget(key);
             return original(key);
         });
-        Hook<"SelectObject", HGDIOBJ, HDC, HGDIOBJ>([this](auto original, HDC dc, HGDIOBJ object) {
+        Hook<"SelectObject", decltype(SelectObject)>([this](auto original, HDC dc, HGDIOBJ object) {
             selected_[dc] = object;
             return original(dc, object);
         });
-        Hook<"DeleteDC", BOOL, HDC>([this](auto original, HDC dc) {
+        Hook<"DeleteDC", decltype(DeleteDC)>([this](auto original, HDC dc) {
             selected_.erase(dc);
             Forget(dc);
             return original(dc);
         });
-        Hook<"DeleteObject", BOOL, HGDIOBJ>([this](auto original, HGDIOBJ object) {
+        Hook<"DeleteObject", decltype(DeleteObject)>([this](auto original, HGDIOBJ object) {
             for (const auto& [dc, held] : selected_)
                 EXPECT_NE(object, held) << "deleted while it is selected";
             Forget(object);
             return original(object);
         });
-        Giving<"FreeLibrary", BOOL, HMODULE>();
-        Giving<"LocalFree", HLOCAL, HLOCAL>();
-        Giving<"free", void, void*>();
-        Giving<"_aligned_free", void, void*>();
-        Giving<"SysFreeString", void, BSTR>();
-        Giving<"ReleaseDC", int, HWND, HDC>();
-        Giving<"CloseHandle", BOOL, HANDLE>();
+        Giving<"FreeLibrary", decltype(FreeLibrary)>();
+        Giving<"LocalFree", decltype(LocalFree)>();
+        Giving<"free", decltype(free)>();
+        Giving<"_aligned_free", decltype(_aligned_free)>();
+        Giving<"SysFreeString", decltype(SysFreeString)>();
+        Giving<"ReleaseDC", decltype(ReleaseDC)>();
+        Giving<"CloseHandle", decltype(CloseHandle)>();
     }
 
     // The first function that was made to fail; empty if none was.
@@ -112,30 +110,29 @@ public:
     std::size_t PeakBytes() const { return peakBytes_; }
 
 private:
-    template <FunctionName name, class Result, class... Arguments, class Replacement>
+    template <FunctionName name, class Signature, class Replacement>
     void Hook(Replacement replacement) {
-        hooks_.push_back(std::make_shared<ImportHook<name, Result(Arguments...)>>(TheDll(), replacement));
+        hooks_.push_back(std::make_shared<ImportHook<name, Signature>>(TheDll(), replacement));
     }
-    template <FunctionName name, class Result, class... Arguments>
-    void Taking(Result refusal) {
-        Hook<name, Result, Arguments...>([=, this](auto original, Arguments... arguments) {
-            if (Refused(name.text))
-                return refusal;
-            const Result taken = original(arguments...);
+    template <FunctionName name, class Signature, class Refusal>
+    void Taking(Refusal refusal) {
+        Hook<name, Signature>([=, this](auto original, auto... arguments) {
+            using Result = decltype(original(arguments...));
+            const Result taken = Refused(name.text) ? Result(refusal) : original(arguments...);
             return taken == refusal ? taken : Keep(taken);
         });
     }
     // The block's size is the product of the arguments.
-    template <FunctionName name, class... Sizes>
+    template <FunctionName name, class Signature>
     void Allocating() {
-        Hook<name, void*, Sizes...>([this](auto original, Sizes... sizes) {
+        Hook<name, Signature>([this](auto original, auto... sizes) {
             return Keep(Refused(name.text) ? nullptr : original(sizes...), (sizes * ...));
         });
     }
     // Counts the key that a function stores through its last argument of this type.
-    template <FunctionName name, class... Arguments>
+    template <FunctionName name, class Signature>
     void Opening() {
-        Hook<name, LSTATUS, Arguments...>([this](auto original, Arguments... arguments) {
+        Hook<name, Signature>([this](auto original, auto... arguments) {
             const LSTATUS status = original(arguments...);
             if (status == ERROR_SUCCESS)
                 Keep(*std::get<HKEY*>(std::tuple(arguments...)));
@@ -150,10 +147,10 @@ private:
         return TRUE;
     }
     // The releasing functions take the resource as their last argument.
-    template <FunctionName name, class Result, class... Arguments>
+    template <FunctionName name, class Signature>
     void Giving() {
-        Hook<name, Result, Arguments...>([this](auto original, Arguments... arguments) {
-            Forget(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...)));
+        Hook<name, Signature>([this](auto original, auto... arguments) {
+            Forget(std::get<sizeof...(arguments) - 1>(std::tuple(arguments...)));
             return original(arguments...);
         });
     }

@@ -48,7 +48,7 @@ TEST(FileObject, ReadsInPiecesWhatIsRefusedAsAWhole) {
         FileObject file;
         ASSERT_TRUE(file.open(scratch.Path(), 0, 0, shareAll));
         int call = 0;
-        const ImportHook<"ReadFile", BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)> hook(
+        const ImportHook<"ReadFile", decltype(ReadFile)> hook(
             GetModuleHandleW(nullptr),
             [&](auto original, HANDLE handle, void* buffer, DWORD count, DWORD* done,
                 OVERLAPPED* overlapped) -> BOOL {
@@ -85,9 +85,8 @@ TEST(FileObject, AsksTheFolderForASizeThatTheFileDenies) {
     EXPECT_EQ(FileObject::fileSizeByName(scratch.Path()), 10u);
     EXPECT_EQ(FileObject::fileSizeByName(L"C:\\no such file.txt"), 0u);
     for (const DWORD error : {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_SHARING_VIOLATION}}) {
-        const ImportHook<"CreateFileW",
-                         HANDLE(const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE)>
-            denied(GetModuleHandleW(nullptr), [=](auto, const wchar_t*, DWORD access, auto...) {
+        const ImportHook<"CreateFileW", decltype(CreateFileW)> denied(
+            GetModuleHandleW(nullptr), [=](auto, const wchar_t*, DWORD access, auto...) {
                 EXPECT_EQ(access, 0u);
                 SetLastError(error);
                 return INVALID_HANDLE_VALUE;
