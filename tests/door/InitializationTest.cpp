@@ -19,9 +19,9 @@ TEST(StreamHandlers, TakeTheirStreamOnce) {
         };
         EXPECT_EQ(shows ? E_FAIL : S_FALSE, ask().result) << "before it has a stream";
         EXPECT_EQ(E_POINTER, initialize->Initialize(nullptr, STGM_READ));
-        second.RefuseInterfaces(E_ACCESSDENIED);
+        second.refusal = E_ACCESSDENIED;
         EXPECT_EQ(E_ACCESSDENIED, initialize->Initialize(&second, STGM_READ));
-        second.RefuseInterfaces(S_OK);
+        second.refusal = S_OK;
         EXPECT_EQ(S_OK, initialize->Initialize(&first, STGM_READ)) << "nothing is held yet";
         for (IStream* const refused : {static_cast<IStream*>(&second), static_cast<IStream*>(nullptr)})
             EXPECT_EQ(E_UNEXPECTED, initialize->Initialize(refused, STGM_READ));

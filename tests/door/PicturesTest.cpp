@@ -107,7 +107,7 @@ TEST(Pictures, AreScaledWithHalftone) {
             const Picture natural = NaturalPicture(file);
             const BITMAPINFO info = TopDown(natural);
             const HDC screen = GetDC(nullptr), to = CreateCompatibleDC(nullptr);
-            const Bitmap target(CreateCompatibleBitmap(screen, width, height));
+            const UniqueBitmap target(CreateCompatibleBitmap(screen, width, height));
             const HGDIOBJ previous = SelectObject(to, target.get());
             SetStretchBltMode(to, mode);
             EXPECT_EQ(44, StretchDIBits(to, 0, 0, width, height, 0, 0, 60, 44, natural.words.data(), &info,
@@ -227,8 +227,8 @@ TEST(IconHandler, MakesEachIconInItsOwnSize) {
     HICON icons[2] = {};
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, &icons[0], nullptr, 32));
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, nullptr, &icons[1], MAKELONG(0, 16)));
-    EXPECT_EQ(large, ReadIcon(Icon(icons[0]).get()));
-    EXPECT_EQ(AsIcon(FlatPicture(16, 5), 16), ReadIcon(Icon(icons[1]).get()));
+    EXPECT_EQ(large, ReadIcon(UniqueIcon(icons[0]).get()));
+    EXPECT_EQ(AsIcon(FlatPicture(16, 5), 16), ReadIcon(UniqueIcon(icons[1]).get()));
     EXPECT_EQ(S_OK, handler->Extract(nullptr, 0, nullptr, nullptr, 0));
 }
 

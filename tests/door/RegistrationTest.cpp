@@ -27,9 +27,10 @@ Lines ExpectedLines(const Line& library = DllPath()) {
         if (!bindingKey.empty())
             lines.push_back(classes + bindingKey + L"||" + (binding.empty() ? id : binding));
     };
-    const auto addList = [&](const wchar_t* name, const wchar_t* data) {
-        lines.push_back(Line(LR"(User\Software\Classes\.zmi|)") + name + L"|prop:" + data);
+    const auto addList = [&](const Line& name, const Line& properties) {
+        lines.push_back(LR"(User\Software\Classes\.zmi|)" + name + L"|prop:" + properties);
     };
+    const Line facts = L"System.Title;System.Image.Dimensions;System.Image.BitDepth";
     addClass(L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}", L"Vantrel Thumbnail Provider",
              LR"(.zmi\ShellEx\{E357FCCD-A995-4576-B01F-234630154E96})");
     addClass(L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}", L"Vantrel Extract Image",
@@ -43,26 +44,20 @@ Lines ExpectedLines(const Line& library = DllPath()) {
     addList(L"TileInfo", L"Dimensions;Size");
     addClass(L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}", L"Vantrel Property Store");
     addList(L"ContentViewModeForBrowse",
-            L"~System.ItemNameDisplay;System.Size;System.Title;System.Image.Dimensions;System.Image.BitDepth;"
-            L"System.DateModified");
-    addList(L"InfoTip",
-            L"System.ItemTypeText;System.Title;System.Image.Dimensions;System.Image.BitDepth;System.Size;"
-            L"System.DateModified");
+            L"~System.ItemNameDisplay;System.Size;" + facts + L";System.DateModified");
+    addList(L"InfoTip", L"System.ItemTypeText;" + facts + L";System.Size;System.DateModified");
     addList(L"FullDetails",
-            L"System.PropGroup.Description;System.Title;System.Image.Dimensions;System.Image.BitDepth;"
-            L"System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;"
-            L"System.ItemFolderPathDisplay;System.Size;System.DateCreated;System.DateModified;"
-            L"System.FileAttributes;*System.OfflineAvailability;*System.OfflineStatus;*System.SharedWith;"
-            L"*System.FileOwner;*System.ComputerName");
-    addList(L"PreviewDetails",
-            L"System.Title;System.Image.Dimensions;System.Image.BitDepth;System.DateModified;System.Size;"
-            L"System.DateCreated;*System.OfflineAvailability;*System.OfflineStatus;*System.SharedWith");
-    addList(L"PreviewTitle",
-            L"System.ItemNameDisplay;System.ItemTypeText;System.Title;System.Image.Dimensions;"
-            L"System.Image.BitDepth");
+            L"System.PropGroup.Description;" + facts +
+                L";System.PropGroup.FileSystem;System.ItemNameDisplay;System.ItemTypeText;"
+                L"System.ItemFolderPathDisplay;System.Size;System.DateCreated;System.DateModified;"
+                L"System.FileAttributes;*System.OfflineAvailability;*System.OfflineStatus;"
+                L"*System.SharedWith;*System.FileOwner;*System.ComputerName");
+    addList(L"PreviewDetails", facts +
+                                   L";System.DateModified;System.Size;System.DateCreated;"
+                                   L"*System.OfflineAvailability;*System.OfflineStatus;*System.SharedWith");
+    addList(L"PreviewTitle", L"System.ItemNameDisplay;System.ItemTypeText;" + facts);
     addList(L"ExtendedTileInfo",
-            L"System.ItemTypeText;System.Title;System.Image.Dimensions;System.Image.BitDepth;System.Size;"
-            L"System.DateModified;System.OfflineAvailability");
+            L"System.ItemTypeText;" + facts + L";System.Size;System.DateModified;System.OfflineAvailability");
     lines.push_back(
         LR"(Machine\Software\Microsoft\Windows\CurrentVersion\PropertySystem\PropertyHandlers\.zmi||)"
         L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}");

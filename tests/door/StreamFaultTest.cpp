@@ -58,7 +58,7 @@ TEST(BrokenStream, IsMeasuredByTheLowHalfOfItsSize) {
          {std::uint64_t{0}, bytes.size() - 1, bytes.size() + 1, fourGiB - 1, fourGiB, fourGiB + bytes.size(),
           7 * fourGiB + bytes.size(), ~std::uint64_t{0}}) {
         TestStream stream(bytes);
-        stream.ClaimSize(claim);
+        stream.claimedSize = claim;
         for (const Request& request : StreamRequests(stream))
             EXPECT_EQ(claim % fourGiB == bytes.size() ? S_OK : request.failure, request.ask().result)
                 << request.name << " of " << claim << " claimed bytes";

@@ -14,9 +14,6 @@
 
 namespace vantrel::tests {
 
-using Bitmap = UniqueBitmap;
-using Icon = UniqueHandle<HICON, DestroyIcon>;
-
 inline constexpr std::uint32_t keyColor = 0xFFFF00; // the background around a picture
 inline constexpr std::uint32_t opaque = 0xFF000000;
 

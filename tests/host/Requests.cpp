@@ -20,7 +20,7 @@ Answer FromBitmap(HRESULT result, HBITMAP bitmap) {
     Answer answer{result};
     if (result == S_OK) {
         EXPECT_NE(Untouched<HBITMAP>(), bitmap);
-        answer.pictures.push_back(ReadPicture(Bitmap(bitmap).get()));
+        answer.pictures.push_back(ReadPicture(UniqueBitmap(bitmap).get()));
         EXPECT_NE(0u, answer.pictures[0].width);
     } else {
         EXPECT_EQ(Untouched<HBITMAP>(), bitmap);
@@ -71,8 +71,8 @@ ComPtr<Interface> PathObject(REFCLSID classId, REFIID iid, const wchar_t* path) 
 Picture ReadIcon(HICON icon) {
     ICONINFO info{};
     EXPECT_TRUE(GetIconInfo(icon, &info));
-    const Bitmap mask(info.hbmMask);
-    const Bitmap color(info.hbmColor);
+    const UniqueBitmap mask(info.hbmMask);
+    const UniqueBitmap color(info.hbmColor);
     EXPECT_TRUE(info.fIcon);
     const Picture masked = ReadPicture(mask.get());
     const Picture picture = ReadPicture(color.get());
@@ -115,7 +115,7 @@ Answer AskIcons(IExtractIconW& handler, UINT largeSize, UINT smallSize) {
                                     static_cast<UINT>(MAKELONG(largeSize, smallSize)));
     for (const HICON icon : icons) {
         if (icon != Untouched<HICON>())
-            answer.pictures.push_back(ReadIcon(Icon(icon).get()));
+            answer.pictures.push_back(ReadIcon(UniqueIcon(icon).get()));
     }
     EXPECT_TRUE(answer.result != S_OK || answer.pictures.size() == 2);
     return answer;

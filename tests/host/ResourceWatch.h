@@ -135,7 +135,7 @@ private:
         Hook<name, Signature>([this](auto original, auto... arguments) {
             const LSTATUS status = original(arguments...);
             if (status == ERROR_SUCCESS)
-                Keep(*std::get<HKEY*>(std::tuple(arguments...)));
+                this->Keep(*std::get<HKEY*>(std::tuple(arguments...)));
             return status;
         });
     }

@@ -39,14 +39,13 @@ public:
         faultAt_ = call;
         fault_ = fault;
     }
-    void ClaimSize(std::uint64_t size) { claimedSize_ = size; }
     // No call may read more bytes, nor any of those from begin to end.
     void LimitReads(ULONG most, std::uint64_t begin = 0, std::uint64_t end = 0) {
         mostBytes_ = most;
         forbidden_ = {begin, end};
     }
-    // Returns this from every QueryInterface.
-    void RefuseInterfaces(HRESULT refusal) { refusal_ = refusal; }
+    HRESULT refusal = S_OK; // from every QueryInterface
+    std::optional<std::uint64_t> claimedSize;
 
     // Whether the fault had any effect: a Seek, for example, can't read short.
     bool HasLied() const { return hasLied_; }
@@ -56,8 +55,8 @@ public:
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         *object = nullptr;
-        if (FAILED(refusal_))
-            return refusal_;
+        if (FAILED(refusal))
+            return refusal;
         if (!IsEqualIID(iid, IID_IUnknown) && !IsEqualIID(iid, IID_ISequentialStream) &&
             !IsEqualIID(iid, IID_IStream))
             return E_NOINTERFACE;
@@ -105,7 +104,7 @@ public:
         const StreamFault fault = NextFault();
         *stat = {};
         stat->type = STGTY_STREAM;
-        stat->cbSize.QuadPart = claimedSize_.value_or(bytes_.size());
+        stat->cbSize.QuadPart = claimedSize.value_or(bytes_.size());
         return Finish(fault);
     }
 
@@ -135,7 +134,6 @@ private:
 
     std::vector<std::uint8_t> bytes_;
     std::uint64_t position_ = 3; // a host may pass a stream that is not at its start
-    std::optional<std::uint64_t> claimedSize_;
     ULONG mostBytes_ = ~ULONG{0};
     std::pair<std::uint64_t, std::uint64_t> forbidden_{};
     std::uint64_t bytesAsked_ = 0;
@@ -143,7 +141,6 @@ private:
     unsigned faultAt_ = 0;
     StreamFault fault_ = StreamFault::None;
     bool hasLied_ = false;
-    HRESULT refusal_ = S_OK;
     std::atomic<ULONG> references_ = 1;
 };
 

@@ -55,13 +55,22 @@ std::vector<Bytes> Files() {
             Bytes(picture.begin(), picture.begin() + static_cast<std::ptrdiff_t>(picture.size() / 2))};
 }
 
-// One object of each class, created and asked for everything.
-std::vector<Answer> AskAll(IStream& stream, const wchar_t* path) {
-    std::vector<Answer> answers;
-    for (const Request& request : AllRequests(stream, path, 8))
-        answers.push_back(request.ask());
-    return answers;
-}
+// A file as a stream and on disk, with the first answers about it.
+struct Subject {
+    explicit Subject(const Bytes& bytes) : stream(bytes), file(bytes) {}
+
+    // One object of each class, created and asked for everything.
+    std::vector<Answer> Ask() {
+        std::vector<Answer> answers;
+        for (const Request& request : AllRequests(stream, file.Path(), 8))
+            answers.push_back(request.ask());
+        return answers;
+    }
+
+    TestStream stream;
+    ScratchFile file;
+    const std::vector<Answer> first = Ask();
+};
 
 TEST(Soak, ItsProbesSeeWhatIsThere) {
     const Usage before;
@@ -82,24 +91,18 @@ TEST(Soak, SeventyThousandRendersLeaveNothingBehind) {
     constexpr unsigned rounds = 70000 / rendersPerRound;
     constexpr unsigned warmUp = 200;
     const std::vector<Bytes> files = Files();
-    std::vector<TestStream> streams(files.begin(), files.end());
-    std::vector<std::unique_ptr<ScratchFile>> paths;
-    std::vector<std::vector<Answer>> first;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        paths.push_back(std::make_unique<ScratchFile>(files[i]));
-        first.push_back(AskAll(streams[i], paths[i]->Path()));
-    }
-    for (const Answer& answer : first[0])
+    std::vector<Subject> subjects(files.begin(), files.end());
+    for (const Answer& answer : subjects[0].first)
         ASSERT_EQ(S_OK, answer.result);
 
     Usage before;
     for (unsigned round = 0; round < rounds + warmUp; ++round) {
         if (round == warmUp)
             before = {};
-        ASSERT_EQ(first[0], AskAll(streams[0], paths[0]->Path())) << "round " << round;
+        ASSERT_EQ(subjects[0].first, subjects[0].Ask()) << "round " << round;
         if (round % 3 == 0) {
-            const std::size_t failing = 1 + round / 3 % (files.size() - 1);
-            ASSERT_EQ(first[failing], AskAll(streams[failing], paths[failing]->Path())) << "round " << round;
+            Subject& failing = subjects[1 + round / 3 % (subjects.size() - 1)];
+            ASSERT_EQ(failing.first, failing.Ask()) << "round " << round;
         }
     }
     const Usage after;

@@ -3,6 +3,8 @@
 namespace vantrel::tests {
 namespace {
 
+const Arguments force = {L"--force"};
+
 // What each tool does with a file that has the name of its output.
 class OverwriteTest : public ToolTest {
 protected:
@@ -28,7 +30,7 @@ TEST_F(OverwriteTest, ReplacesTypedNamesOfTheSameKind) {
         {L"zmi-unpack", {L"--gif", L"out.gif", L"a.zmi"}, L"out.gif", "GIF89a"},
         {L"zmi-preview", {L"--sheet", L"out.png", L"a.zmi"}, L"out.png", "\x89PNG\r\n\x1A\n"},
     };
-    for (auto [tool, arguments, output, sameKind] : cases) {
+    for (const auto& [tool, arguments, output, sameKind] : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         WriteText(output, sameKind);
         RunTool(tool, arguments).Ended(0);
@@ -38,13 +40,12 @@ TEST_F(OverwriteTest, ReplacesTypedNamesOfTheSameKind) {
         WriteText(output, "a letter");
         RunTool(tool, arguments).Ended(2, "use --force");
         EXPECT_EQ(8u, Read(output).size());
-        arguments.insert(arguments.begin(), L"--force");
-        RunTool(tool, arguments).Ended(0);
+        RunTool(tool, force + arguments).Ended(0);
         EXPECT_EQ(written, Read(output));
 
         std::filesystem::remove(folder_ / output);
         std::filesystem::create_directory(folder_ / output);
-        RunTool(tool, arguments).Ended(1, "this is a folder");
+        RunTool(tool, force + arguments).Ended(1, "this is a folder");
     }
 }
 
@@ -58,7 +59,7 @@ TEST_F(OverwriteTest, ReplacesNamesThatItMadeUpOnlyByTheSameBytes) {
         {L"zmi-unpack", {L"--out", L"u", L"a.zmi", L"b.zmi"}, LR"(u\a.png)", LR"(u\b.png)"},
         {L"zmi-preview", {L"--out", L"p", L"a.zmi", L"b.zmi"}, LR"(p\a-96.png)", LR"(p\b-96.png)"},
     };
-    for (auto [tool, arguments, inTheWay, another] : cases) {
+    for (const auto& [tool, arguments, inTheWay, another] : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         RunTool(tool, arguments).Ended(0);
         const Bytes written = Read(inTheWay);
@@ -77,14 +78,13 @@ TEST_F(OverwriteTest, ReplacesNamesThatItMadeUpOnlyByTheSameBytes) {
                   std::ranges::count_if(std::filesystem::directory_iterator(folder_ / arguments[1]),
                                         [](const auto& file) { return file.path().extension() == ".tmp"; }));
 
-        arguments.insert(arguments.begin(), L"--force");
-        RunTool(tool, arguments).Ended(0);
+        RunTool(tool, force + arguments).Ended(0);
         EXPECT_EQ(written, Read(inTheWay));
 
         std::filesystem::remove(folder_ / inTheWay);
         std::filesystem::create_directory(folder_ / inTheWay);
         std::filesystem::remove(folder_ / another);
-        RunTool(tool, arguments).Ended(1, "this is a folder");
+        RunTool(tool, force + arguments).Ended(1, "this is a folder");
         EXPECT_FALSE(Read(another).empty());
     }
 }

@@ -2,6 +2,8 @@
 #include "tests/builder/ZmiVerdict.h"
 #include "tests/tools/ToolTest.h"
 
+#include <map>
+
 namespace vantrel::tests {
 namespace {
 
@@ -119,11 +121,11 @@ TEST_F(PackTest, GivesWhatPacksToTheSameBytesAgain) {
     WriteBitmap(L"1.bmp", 5, 7, {0xFF0000, 0x08F8FF, 0xFFFFFF, 0x1020A0, 0x000000});
     for (const std::wstring mode : modeNames) {
         SCOPED_TRACE(testing::PrintToString(mode));
-        const auto pack = [&](Arguments arguments) {
-            if (mode != modeNames[0])
-                arguments.insert(arguments.end(), {L"--transparent", L"08f8ff"});
-            arguments.insert(arguments.end(), {L"--mode", mode, L"b.zmi"});
-            Pack(arguments).Ended(0);
+        Arguments options = {L"--mode", mode};
+        if (mode != modeNames[0])
+            options = options + Arguments{L"--transparent", L"08f8ff"};
+        const auto pack = [&](const Arguments& inputs) {
+            Pack(options + inputs + Arguments{L"b.zmi"}).Ended(0);
             return Read(L"b.zmi");
         };
         const Bytes single = pack({L"1.bmp"});
@@ -229,22 +231,18 @@ TEST_F(PackTest, LaysGifFramesOverEachOther) {
                              {4, 1, 0, "gg"}, // and this one is beside it
                              {2, 1, 3, "gg"}}));
     WriteText(L"small.gif", Gif(1, 1, {{1, 0, 0, "r"}})); // more than its canvas
+    const std::map<std::uint32_t, char> letters = {
+        {0xFFFF0000, 'r'}, {0xFF00FF00, 'g'}, {0xFF0000FF, 'b'}, {0x00FFFFFF, '.'}};
     const char* const seen[] = {"rrr.rrr.", "rgrbrrr.", "b...brr.", "r...rrrg",
                                 "r...rbrg", "r...rbrg", "r...rbgg", ".r"};
     for (const Arguments& inputs : {Arguments{L"a.gif", L"small.gif"}, {L"a.gif"}})
         for (const wchar_t* const mode : {L"565", L"8"}) {
-            Arguments arguments = {L"--transparent", L"ffffff", L"--mode", mode};
-            arguments.insert(arguments.end(), inputs.begin(), inputs.end());
-            arguments.push_back(L"a.zmi");
-            Pack(arguments).Ended(0);
+            const Arguments options = {L"--transparent", L"ffffff", L"--mode", mode};
+            Pack(options + inputs + Arguments{L"a.zmi"}).Ended(0);
             for (std::size_t i = 0; i < std::size(seen) + inputs.size() - 2; ++i) {
                 std::string shown;
                 for (const std::uint32_t word : Shown(Read(L"a.zmi"), i))
-                    shown += word == 0xFFFF0000   ? 'r'
-                             : word == 0xFF00FF00 ? 'g'
-                             : word == 0xFF0000FF ? 'b'
-                             : word == 0x00FFFFFF ? '.'
-                                                  : '?';
+                    shown += letters.at(word);
                 EXPECT_EQ(seen[i], shown) << i;
             }
         }
@@ -263,12 +261,11 @@ TEST_F(PackTest, TurnsPhotosUpright) {
     for (const auto& [at, bytes] : {std::pair(4u, "\xFF\xFF\xFF\xFF"s), {8, "\xFF\xFF\0\0"s}, {12, "\4"s}})
         cases.emplace_back(Jpeg(std::string(sound).replace(at, bytes.size(), bytes)), "abcd");
 
-    Arguments arguments;
+    Arguments inputs;
     for (const auto& [file, shown] : cases)
-        WriteText(arguments.emplace_back(std::to_wstring(arguments.size())), file);
-    arguments.push_back(L"a.zmi");
+        WriteText(inputs.emplace_back(std::to_wstring(inputs.size())), file);
     for (const bool rotate : {true, false}) {
-        Pack(arguments).Ended(0);
+        Pack((rotate ? Arguments{} : Arguments{L"--no-rotate"}) + inputs + Arguments{L"a.zmi"}).Ended(0);
         const Bytes file = Read(L"a.zmi");
         for (std::size_t i = 0; i < cases.size(); ++i) {
             const FramePixelFacts frame(file, i);
@@ -278,7 +275,6 @@ TEST_F(PackTest, TurnsPhotosUpright) {
                     shown += static_cast<char>('a' + (frame.Shown(x, y) & 255) / 80);
             EXPECT_EQ(rotate ? cases[i].second : "abcd", shown) << i;
         }
-        arguments.insert(arguments.begin(), L"--no-rotate");
     }
 }
 
@@ -394,10 +390,8 @@ TEST_F(PackTest, RefusesInputsThatAreTooLarge) {
         {{L"large.bmp", L"large.bmp"}, "3,600,000,000 bytes or more; it must stay below 2 GiB"},
         {{L"most.zmi", L"large.bmp"}, "there are 65,536 frames or more"},
     };
-    for (auto [arguments, words] : cases) {
-        arguments.push_back(L"a.zmi");
-        Pack(arguments).Ended(1, words);
-    }
+    for (const auto& [inputs, words] : cases)
+        Pack(inputs + Arguments{L"a.zmi"}).Ended(1, words);
     EXPECT_EQ(5, FileCount());
 }
 
@@ -437,10 +431,8 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
     const Bytes old = ZmiBuilder{}.Build();
     Write(L"old.zmi", old);
     std::filesystem::create_directory(folder_ / L"folder.zmi");
-    for (auto [arguments, exitCode, words, output] : cases) {
-        arguments.push_back(output);
-        const ToolRun run = Pack(arguments);
-        run.Ended(exitCode, words);
+    for (const auto& [arguments, exitCode, words, output] : cases) {
+        const ToolRun run = Pack(arguments + Arguments{output}).Ended(exitCode, words);
         EXPECT_EQ("", run.out);
         EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
         EXPECT_EQ(old, Read(L"old.zmi")) << words;
@@ -450,8 +442,7 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
 
 TEST_F(PackTest, LeavesNoHalfWrittenFileWhenInterrupted) {
     WriteBitmap(L"p.bmp", 700, 700, {0x123456, 0xFEDCBA, 0x808080});
-    Arguments arguments(200, L"p.bmp");
-    arguments.insert(arguments.end(), {L"--mode", L"1", L"p.zmi"});
+    const Arguments arguments = Arguments(200, L"p.bmp") + Arguments{L"--mode", L"1", L"p.zmi"};
     const ToolRun run = Run(Beside(L"zmi-pack.exe"), arguments, CREATE_NO_WINDOW, [&](DWORD process) {
         for (int i = 0; i < 1000 && FileCount() == 1; ++i)
             Sleep(10);

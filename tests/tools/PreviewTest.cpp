@@ -61,8 +61,7 @@ TEST_F(PreviewTest, NamesEachFaultOfAFile) {
     Arguments arguments = {L"--sizes", L"32", L"--out", L"out", L"good.zmi", L"none.zmi", L"none*"};
     for (std::size_t i = 0; i < std::size(faults); ++i)
         Write(arguments.emplace_back(std::to_wstring(i) + L".zmi"), faults[i].first);
-    const ToolRun run = Preview(arguments);
-    run.Ended(1, "none.zmi: file not found\n", "none*: file not found\n");
+    const ToolRun run = Preview(arguments).Ended(1, "none.zmi: file not found\n", "none*: file not found\n");
     EXPECT_TRUE(Contains(run.out, "32 x 21 -> out\\good-32.png"));
     EXPECT_EQ(std::ssize(faults) + 2, std::count(run.err.begin(), run.err.end(), '\n'));
     for (std::size_t i = 0; i < std::size(faults); ++i) {
@@ -97,10 +96,8 @@ TEST_F(PreviewTest, WritesJsonThatParsesInEveryCase) {
         {{L"folder"}, 1, "no .zmi files", {R"("results": []}], "ok": false})"}},
         {{}, 2, "no file given", {R"({"ok": false, "error": "no file given)"}},
     };
-    for (auto [arguments, exitCode, words, parts] : cases) {
-        arguments.push_back(L"--json");
-        const ToolRun run = Preview(arguments);
-        run.Ended(exitCode, words);
+    for (const auto& [arguments, exitCode, words, parts] : cases) {
+        const ToolRun run = Preview(arguments + Arguments{L"--json"}).Ended(exitCode, words);
         EXPECT_TRUE(IsJson(run.out)) << run.out;
         for (const char* part : parts)
             run.Told(part);
@@ -153,8 +150,7 @@ TEST_F(PreviewTest, TellsWrongUsageFromWhatFailed) {
     Write(L"text.png", {'t'});
     Write(L"--good.zmi", several.Build());
     for (const auto& [arguments, exitCode, words] : cases) {
-        const ToolRun run = Preview(arguments);
-        run.Ended(exitCode, words);
+        const ToolRun run = Preview(arguments).Ended(exitCode, words);
         EXPECT_EQ(*words ? 1 : 0, std::count(run.err.begin(), run.err.end(), '\n')) << run.err;
     }
 }
@@ -178,8 +174,7 @@ TEST_F(PreviewTest, DrawsASheetAndKeepsProgressOutOfPipes) {
     Write(L"a.zmi", single.Build());
     Write(L"b.zmi", several.Build());
     Write(L"c.zmi", ZmiBuilder{}.Build());
-    const ToolRun run = Preview({L"--sheet", L"page.png", L"."});
-    run.Ended(0);
+    const ToolRun run = Preview({L"--sheet", L"page.png", L"."}).Ended(0);
     EXPECT_TRUE(run.out.ends_with("sheet -> page.png\n")) << run.out;
     EXPECT_EQ("", run.err);
     EXPECT_EQ(4, FileCount()) << "separate pictures only with --out";

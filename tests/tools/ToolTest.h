@@ -18,6 +18,11 @@ namespace vantrel::tests {
 
 using Arguments = std::vector<std::wstring>;
 
+inline Arguments operator+(Arguments first, const Arguments& more) {
+    first.insert(first.end(), more.begin(), more.end());
+    return first;
+}
+
 inline bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
@@ -114,9 +119,9 @@ protected:
     ToolRun Unpack(const Arguments& arguments) const { return Run(Beside(L"zmi-unpack.exe"), arguments); }
 
     // With the library next to the programs, registered or not.
-    ToolRun Preview(Arguments arguments) const {
-        arguments.insert(arguments.begin(), {L"--dll", Beside(L"Vantrel64.dll")});
-        return Run(Beside(L"zmi-preview.exe"), arguments);
+    ToolRun Preview(const Arguments& arguments) const {
+        const Arguments library = {L"--dll", Beside(L"Vantrel64.dll")};
+        return Run(Beside(L"zmi-preview.exe"), library + arguments);
     }
 
     void Write(const std::wstring& name, const Bytes& bytes) const {
