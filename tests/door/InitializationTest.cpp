@@ -59,11 +59,10 @@ TEST(PathHandlers, TakeAnyNumberOfPathsAndNothingElse) {
     for (const auto& handler : handlers)
         EXPECT_EQ(S_OK, handler->Load(scratch.Path(), 0));
     // Others may have the file open, even for writing.
-    const HANDLE writer =
-        CreateFileW(scratch.Path(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    const UniqueKernelHandle writer(
+        CreateFileW(scratch.Path(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_EQ((Answer{S_OK, {FlatPicture(8, 4)}}), AskImage(*image.Get(), {8, 8}));
     EXPECT_EQ(S_OK, AskIcons(*icons.Get(), 8, 8).result);
-    CloseHandle(writer);
 }
 
 } // namespace

@@ -12,10 +12,6 @@
 namespace vantrel::tests {
 namespace {
 
-HRESULT CanUnload() {
-    return CallExport("DllCanUnloadNow");
-}
-
 struct ClassCase {
     CLSID classId;
     std::vector<IID> interfaces; // the first one has IUnknown's identity
@@ -58,7 +54,7 @@ TEST(Module, RefusesWhatItDoesNotServe) {
     EXPECT_EQ(E_NOINTERFACE, GetClassObject(thumbnailProviderClass, IID_IStream, &object));
     EXPECT_EQ(nullptr, object);
     EXPECT_EQ(E_POINTER, GetClassObject(thumbnailProviderClass, IID_IClassFactory, nullptr));
-    EXPECT_EQ(S_OK, CanUnload());
+    EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow"));
 }
 
 TEST(Module, CountsFactoriesAndLocksButNoObjects) {
@@ -68,7 +64,7 @@ TEST(Module, CountsFactoriesAndLocksButNoObjects) {
     ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IClassFactory, &second));
     EXPECT_NE(first.Get(), second.Get());
     second.Reset();
-    EXPECT_EQ(S_FALSE, CanUnload());
+    EXPECT_EQ(S_FALSE, CallExport("DllCanUnloadNow"));
 
     ComPtr<IUnknown> object;
     EXPECT_EQ(S_OK, first->CreateInstance(nullptr, IID_IUnknown, &object));
@@ -77,15 +73,15 @@ TEST(Module, CountsFactoriesAndLocksButNoObjects) {
     EXPECT_EQ(S_OK, first->LockServer(FALSE));
     ComPtr<IClassFactory> last = std::move(first);
     EXPECT_EQ(S_OK, last->LockServer(FALSE));
-    EXPECT_EQ(S_FALSE, CanUnload());
+    EXPECT_EQ(S_FALSE, CallExport("DllCanUnloadNow"));
     EXPECT_EQ(S_OK, last->LockServer(FALSE)); // one too many: below zero once the factory is gone
-    EXPECT_EQ(S_OK, CanUnload());
+    EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow"));
     last.Reset();
-    EXPECT_EQ(S_FALSE, CanUnload());
+    EXPECT_EQ(S_FALSE, CallExport("DllCanUnloadNow"));
     ASSERT_EQ(S_OK, GetClassObject(thumbnailProviderClass, IID_IClassFactory, &last));
     EXPECT_EQ(S_OK, last->LockServer(TRUE));
     last.Reset();
-    EXPECT_EQ(S_OK, CanUnload()) << "a living object must not count";
+    EXPECT_EQ(S_OK, CallExport("DllCanUnloadNow")) << "a living object must not count";
 }
 
 TEST(Module, ServesEachClassWithItsInterfacesAndNoOthers) {

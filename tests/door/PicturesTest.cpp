@@ -106,15 +106,14 @@ TEST(Pictures, AreScaledWithHalftone) {
         for (const int mode : {HALFTONE, COLORONCOLOR}) {
             const Picture natural = NaturalPicture(file);
             const BITMAPINFO info = TopDown(natural);
-            const HDC screen = GetDC(nullptr), to = CreateCompatibleDC(nullptr);
-            const UniqueBitmap target(CreateCompatibleBitmap(screen, width, height));
-            const HGDIOBJ previous = SelectObject(to, target.get());
-            SetStretchBltMode(to, mode);
-            EXPECT_EQ(44, StretchDIBits(to, 0, 0, width, height, 0, 0, 60, 44, natural.words.data(), &info,
-                                        DIB_RGB_COLORS, SRCCOPY));
-            SelectObject(to, previous);
-            DeleteDC(to);
-            ReleaseDC(nullptr, screen);
+            const UniqueScreenDc screen(GetDC(nullptr));
+            const UniqueDc to(CreateCompatibleDC(nullptr));
+            const UniqueBitmap target(CreateCompatibleBitmap(screen.get(), width, height));
+            const HGDIOBJ previous = SelectObject(to.get(), target.get());
+            SetStretchBltMode(to.get(), mode);
+            EXPECT_EQ(44, StretchDIBits(to.get(), 0, 0, width, height, 0, 0, 60, 44, natural.words.data(),
+                                        &info, DIB_RGB_COLORS, SRCCOPY));
+            SelectObject(to.get(), previous);
             Picture& picture = scaled[mode == HALFTONE ? 0 : 1] = ReadPicture(target.get());
             for (std::uint32_t& word : picture.words)
                 word |= opaque;
@@ -200,15 +199,14 @@ TEST(ExtractImage, KeepsTheRequestUntilTheNextLoad) {
 TEST(ExtractImage, StampsTheDateOfAnyFileThatOpens) {
     const ScratchFile scratch({1, 2, 3});
     const FILETIME written{0x12345678, 0x01D00000};
-    const HANDLE file = CreateFileW(scratch.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    ASSERT_TRUE(SetFileTime(file, nullptr, nullptr, &written));
+    const UniqueKernelHandle file(CreateFileW(scratch.Path(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                              nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
     const auto handler = ImageHandlerOf(scratch.Path());
     FILETIME stamp{1, 1};
     EXPECT_EQ(S_OK, handler->GetDateStamp(&stamp));
     EXPECT_EQ(0, CompareFileTime(&written, &stamp));
     EXPECT_EQ(S_OK, handler->GetDateStamp(nullptr));
-    CloseHandle(file);
     for (const wchar_t* path : {L"C:\\no such file.zmi", L"C:\\windows", L""}) {
         stamp = {1, 1};
         EXPECT_EQ(E_FAIL, ImageHandlerOf(path)->GetDateStamp(&stamp));

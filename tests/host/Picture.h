@@ -39,10 +39,9 @@ inline Picture ReadPicture(HBITMAP bitmap) {
     Picture picture{static_cast<unsigned>(facts.bmWidth), static_cast<unsigned>(facts.bmHeight)};
     picture.words.resize(std::size_t{picture.width} * picture.height);
     BITMAPINFO info = TopDown(picture);
-    const HDC screen = GetDC(nullptr);
-    EXPECT_EQ(facts.bmHeight,
-              GetDIBits(screen, bitmap, 0, picture.height, picture.words.data(), &info, DIB_RGB_COLORS));
-    ReleaseDC(nullptr, screen);
+    const UniqueScreenDc screen(GetDC(nullptr));
+    EXPECT_EQ(facts.bmHeight, GetDIBits(screen.get(), bitmap, 0, picture.height, picture.words.data(), &info,
+                                        DIB_RGB_COLORS));
     return picture;
 }
 

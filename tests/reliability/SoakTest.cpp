@@ -143,16 +143,14 @@ private:
 // is unloaded.
 void UseAndUnload(const wchar_t* path) {
     const HMODULE module = LoadLibraryW(path);
-    const auto use = [=](const ZmiBuilder& file, HRESULT expected) {
-        TestStream stream(file.Build());
-        EXPECT_EQ(expected, AskThumbnail(*ThumbnailProviderOf(stream, module).Get(), 8).result);
+    const auto use = [=] {
+        TestStream picture(ZmiBuilder{.frames = {{8, 8}}}.Build());
+        TestStream frameless(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
+        EXPECT_EQ(S_OK, AskThumbnail(*ThumbnailProviderOf(picture, module).Get(), 8).result);
+        EXPECT_EQ(E_FAIL, AskThumbnail(*ThumbnailProviderOf(frameless, module).Get(), 8).result);
     };
-    const auto useBoth = [&] {
-        use({.frames = {{8, 8}}}, S_OK);
-        use({.mode = 0, .frameTable = true}, E_FAIL);
-    };
-    useBoth();
-    std::thread(useBoth).join();
+    use();
+    std::thread(use).join();
     EXPECT_TRUE(FreeLibrary(module));
     EXPECT_EQ(nullptr, GetModuleHandleW(path)) << "the library does not unload";
 }
