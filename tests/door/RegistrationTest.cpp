@@ -167,8 +167,8 @@ TEST(Registration, StopsAtTheFirstRowThatFails) {
             SCOPED_TRACE(testing::Message() << "row " << row + 1 << (refuseSet ? " set" : " create"));
             const ScratchRegistry registry;
             RegistryWatch watch;
-            (refuseSet ? watch.set : watch.create) = [&] {
-                return watch.written == row ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+            (refuseSet ? watch.set : watch.create) = [row, call = std::size_t{0}]() mutable {
+                return call++ == row ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
             };
             EXPECT_EQ(static_cast<HRESULT>(0x80070005), CallExport("DllRegisterServer"));
             EXPECT_EQ(row, watch.written);

@@ -143,6 +143,7 @@ private:
 // is unloaded.
 void UseAndUnload(const wchar_t* path) {
     const HMODULE module = LoadLibraryW(path);
+    ASSERT_TRUE(module) << GetLastError();
     const auto use = [=] {
         TestStream picture(ZmiBuilder{.frames = {{8, 8}}}.Build());
         TestStream frameless(ZmiBuilder{.mode = 0, .frameTable = true}.Build());
