@@ -18,28 +18,24 @@ using Lines = std::vector<Line>;
 // What registration writes, in order.
 Lines ExpectedLines(const Line& library = DllPath()) {
     Lines lines;
-    const auto addClass = [&](const Line& id, const wchar_t* description, const Line& bindingKey = L"",
-                              const Line& binding = L"") {
-        const Line classes = LR"(User\Software\Classes\)", key = classes + LR"(CLSID\)" + id;
-        lines.push_back(key + L"||" + description);
-        lines.push_back(key + LR"(\InProcServer32||)" + library);
-        lines.push_back(key + LR"(\InProcServer32|ThreadingModel|Apartment)");
-        if (!bindingKey.empty())
-            lines.push_back(classes + bindingKey + L"||" + (binding.empty() ? id : binding));
+    const auto add = [&](const Line& value) { lines.push_back(LR"(User\Software\Classes\)" + value); };
+    const auto addClass = [&](const Line& id, const Line& description) {
+        add(LR"(CLSID\)" + id + L"||" + description);
+        add(LR"(CLSID\)" + id + LR"(\InProcServer32||)" + library);
+        add(LR"(CLSID\)" + id + LR"(\InProcServer32|ThreadingModel|Apartment)");
     };
     const auto addList = [&](const Line& name, const Line& properties) {
-        lines.push_back(LR"(User\Software\Classes\.zmi|)" + name + L"|prop:" + properties);
+        add(L".zmi|" + name + L"|prop:" + properties);
     };
     const Line facts = L"System.Title;System.Image.Dimensions;System.Image.BitDepth";
-    addClass(L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}", L"Vantrel Thumbnail Provider",
-             LR"(.zmi\ShellEx\{E357FCCD-A995-4576-B01F-234630154E96})");
-    addClass(L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}", L"Vantrel Extract Image",
-             LR"(.zmi\ShellEx\{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1})");
-    addClass(L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}", L"Vantrel Extract Icon",
-             LR"(.zmi\ShellEx\IconHandler)");
-    addClass(L"{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}", L"Vantrel Column Provider",
-             LR"(Folder\ShellEx\ColumnHandlers\{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4})",
-             L"Vantrel Column Provider");
+    addClass(L"{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}", L"Vantrel Thumbnail Provider");
+    add(LR"(.zmi\ShellEx\{E357FCCD-A995-4576-B01F-234630154E96}||{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F})");
+    addClass(L"{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6}", L"Vantrel Extract Image");
+    add(LR"(.zmi\ShellEx\{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}||{C46E1B3A-92F7-4d05-A1E8-7B3D5F92C0A6})");
+    addClass(L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}", L"Vantrel Extract Icon");
+    add(LR"(.zmi\ShellEx\IconHandler||{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27})");
+    addClass(L"{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}", L"Vantrel Column Provider");
+    add(LR"(Folder\ShellEx\ColumnHandlers\{A8D4E2F1-37C9-4b6a-8E05-91F2C6D7A3B4}||Vantrel Column Provider)");
     addList(L"QuickTip", L"Dimensions;Type;Size;Write");
     addList(L"TileInfo", L"Dimensions;Size");
     addClass(L"{3F1C9A42-6B0D-4e57-9A21-5C8E7D40B613}", L"Vantrel Property Store");

@@ -41,8 +41,7 @@ TEST(BrokenStream, NeedsToGiveNoMoreThanIsRead) {
     TestStream broken(gap.Build()), sluggish(blank.Build());
     broken.LimitReads(1000, file_header::size, gap.PayloadAt());
     sluggish.LimitReads(150);
-    TestStream* const streams[] = {&broken, &sluggish};
-    for (TestStream* const stream : streams)
+    for (TestStream* const stream : {&broken, &sluggish})
         for (const Request& request : StreamRequests(*stream))
             EXPECT_EQ(S_OK, request.ask().result) << request.name;
 

@@ -440,13 +440,12 @@ TEST_F(PackTest, SaysWhatFailedAndLeavesNothingBehind) {
 TEST_F(PackTest, LeavesNoHalfWrittenFileWhenInterrupted) {
     WriteBitmap(L"p.bmp", 700, 700, {0x123456, 0xFEDCBA, 0x808080});
     const Arguments arguments = Arguments(200, L"p.bmp") + Arguments{L"--mode", L"1", L"p.zmi"};
-    const ToolRun run = Run(Beside(L"zmi-pack.exe"), arguments, CREATE_NO_WINDOW, [&](DWORD process) {
+    Run(Beside(L"zmi-pack.exe"), arguments, CREATE_NO_WINDOW, [&](DWORD process) {
         for (int i = 0; i < 1000 && FileCount() == 1; ++i)
             Sleep(10);
         EXPECT_EQ(2, FileCount()) << "it never began to write";
         EXPECT_EQ(0u, Run(Beside(L"interrupt.exe"), {std::to_wstring(process)}).exitCode);
-    });
-    run.Ended(130);
+    }).Ended(130);
     EXPECT_EQ(1, FileCount());
 }
 
