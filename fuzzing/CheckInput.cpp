@@ -225,11 +225,12 @@ void CheckFrames(const Bytes& file, Verdict verdict, const Limits& limits) {
         if (frame->fault != FrameFault::None || width * height > limits.pixels || i > 100)
             continue;
         const FramePixelFacts facts(file, i);
+        // One-bit pixels in a file of another mode are defined, but of no use.
+        const std::size_t known = facts.mode != 0 || facts.file.mode == 0 ? width : 0;
         std::size_t y = 0;
         const auto takeRow = [&](const std::uint32_t* words) {
-            // One-bit pixels in a file of another mode are defined, but of no use.
-            for (std::size_t x = 0; x < width && (facts.mode != 0 || facts.file.mode == 0); ++x)
-                Require(words[x] == facts.Shown(x, y),
+            for (std::size_t x = 0; x < known; ++x)
+                Require(words[x] == (facts.file.blank ? 0xFFFFFFFF : facts.Shown(x, y)),
                         "a frame's pixel has its own colour, and is transparent if it is the key's");
             ++y;
         };

@@ -42,15 +42,13 @@ struct FileFacts {
     bool hasTable = !blank && Header(image_header::flags) % 2 == 1;
 };
 
-// The pixels of a frame that are all there, in the mode that its own record names.
+// The pixels of a frame that are all there, in the mode that its own record names. A blank picture has none.
 struct FramePixelFacts {
     FramePixelFacts(const Bytes& bytes, std::size_t i) : file(bytes), frame(i) {}
 
-    // As recorded: a bit, an index or a 16-bit colour; 0 in a blank picture.
+    // As recorded: a bit, an index or a 16-bit colour.
     std::uint32_t Value(std::size_t x, std::size_t y) const {
-        const std::size_t row = at + y * PixelBytes(mode, width, 1);
-        if (file.blank)
-            return 0;
+        const std::size_t row = at + y * rowBytes;
         return mode == 0 ? file.file.at(row + x / 8) >> (7 - x % 8) & 1
                          : GetField(file.file, row + x * mode, {0, mode});
     }
@@ -76,6 +74,7 @@ struct FramePixelFacts {
     std::uint32_t width = file.Width(frame);
     std::uint32_t height = file.Height(frame);
     unsigned mode = file.Flags(frame) / 8 % 4;
+    std::size_t rowBytes = PixelBytes(mode, width, 1);
     bool hasKey = file.Flags(frame) / 32 % 2 == 1;
     std::uint32_t key = file.TransparentKey(frame);
     std::size_t palette = file.PaletteAt(frame);
