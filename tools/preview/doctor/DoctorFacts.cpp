@@ -189,8 +189,7 @@ FileFacts ExamineFile(const InputFile& file) {
     FileFacts facts{.shown = file.shown, .attributes = GetFileAttributesW(file.path.c_str())};
     if (facts.attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
-        const bool isAbsent = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-        facts.unread = isAbsent ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error));
+        facts.unread = IsAbsence(error) ? L"not found" : DescribeHresult(HRESULT_FROM_WIN32(error));
     } else if (!facts.IsElsewhere()) {
         facts.fault = FindFault(file.path, facts.width, facts.height);
     }
