@@ -1,6 +1,7 @@
 #include "tests/host/ScratchRegistry.h"
 #include "tests/tools/ToolTest.h"
 #include "tools/preview/doctor/Diagnosis.h"
+#include "tools/terminal/Failure.h"
 
 namespace vantrel::tests {
 namespace {
@@ -229,7 +230,29 @@ TEST(DiagnosisTest, CountsTheValuesInPlace) {
     EXPECT_EQ(Health::Fail, first(facts).health);
 }
 
-using DoctorTest = ToolTest;
+void Set(HKEY root, const std::wstring& key, const std::wstring& name, const std::wstring& text) {
+    RegSetKeyValueW(root, key.c_str(), name.c_str(), text == L"1" ? REG_DWORD : REG_SZ, text.c_str(),
+                    static_cast<DWORD>(text.size() * 2 + 2));
+}
+
+struct DoctorTest : ToolTest {
+    static void Register(HKEY root) {
+        for (const ValueFacts& value : ExpectedValues())
+            Set(value.isForMachine ? HKEY_LOCAL_MACHINE : root, value.key, value.name,
+                value.wanted.empty() ? Beside(L"Vantrel64.dll") : value.wanted);
+    }
+};
+
+TEST_F(DoctorTest, FindsEachHandlerForOneUserAndForTheMachine) {
+    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+        const ScratchRegistry registry;
+        Register(root);
+        HandlerRegistry handlers({});
+        for (const HandlerKind kind : allHandlers)
+            EXPECT_TRUE(handlers.Create<IUnknown>(kind, L"a.zmi"));
+        EXPECT_THROW(handlers.Create<IUnknown>(HandlerKind::Icon, L"a.txt"), Failure);
+    }
+}
 
 TEST_F(DoctorTest, SeesRegistryAndFiles) {
     Write(L"mode3.zmi", ZmiBuilder{.mode = 3, .frames = {{4, 3}}}.Build());
@@ -238,25 +261,19 @@ TEST_F(DoctorTest, SeesRegistryAndFiles) {
     std::filesystem::create_directory(folder_ / L"empty");
 
     const ScratchRegistry registry;
-    const auto set = [](HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
-        const auto size = static_cast<DWORD>(text.size() * 2 + 2);
-        RegSetKeyValueW(root, key.c_str(), name, text == L"1" ? REG_DWORD : REG_SZ, text.c_str(), size);
-    };
     const std::wstring windows = LR"(Software\Microsoft\Windows\CurrentVersion\)",
                        classes = LR"(Software\Classes\)";
-    for (const ValueFacts& value : ExpectedValues())
-        set(value.isForMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER, value.key, value.name.c_str(),
-            value.wanted.empty() ? Beside(L"Vantrel64.dll") : value.wanted);
-    set(HKEY_CURRENT_USER, classes + LR"(CLSID\{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}\InProcServer32)",
-        nullptr, Beside(L"VANTREL64.DLL")); // another spelling, not another library
-    set(HKEY_CURRENT_USER, classes + L".zmi", L"QuickTip", L"1");
-    set(HKEY_LOCAL_MACHINE, classes + L".zmi", L"TileInfo", L"prop:Dimensions;Size");
-    set(HKEY_CURRENT_USER, classes + LR"(CLSID\{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32)",
-        nullptr, L"shell32.dll");
-    set(HKEY_CURRENT_USER, windows + LR"(Explorer\FileExts\.zmi\UserChoiceLatest\ProgId)", L"ProgId", L"Y");
-    set(HKEY_LOCAL_MACHINE, classes + LR"(Y\DefaultIcon)", nullptr, L"y.ico");
-    set(HKEY_LOCAL_MACHINE, windows + LR"(Policies\Explorer)", L"DisableThumbnails", L"1");
-    set(HKEY_CURRENT_USER, windows + LR"(Shell Extensions\Blocked)",
+    Register(HKEY_CURRENT_USER);
+    Set(HKEY_CURRENT_USER, classes + LR"(CLSID\{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}\InProcServer32)", L"",
+        Beside(L"VANTREL64.DLL")); // another spelling, not another library
+    Set(HKEY_CURRENT_USER, classes + L".zmi", L"QuickTip", L"1");
+    Set(HKEY_LOCAL_MACHINE, classes + L".zmi", L"TileInfo", L"prop:Dimensions;Size");
+    Set(HKEY_CURRENT_USER, classes + LR"(CLSID\{E1A95D7C-0B48-4c63-9F1D-2A6B8C04E79F}\InProcServer32)", L"",
+        L"shell32.dll");
+    Set(HKEY_CURRENT_USER, windows + LR"(Explorer\FileExts\.zmi\UserChoiceLatest\ProgId)", L"ProgId", L"Y");
+    Set(HKEY_LOCAL_MACHINE, classes + LR"(Y\DefaultIcon)", L"", L"y.ico");
+    Set(HKEY_LOCAL_MACHINE, windows + LR"(Policies\Explorer)", L"DisableThumbnails", L"1");
+    Set(HKEY_CURRENT_USER, windows + LR"(Shell Extensions\Blocked)",
         L"{5B27C0E9-D4A1-4f38-B6C2-0E9A81F45D27}", L"");
     const DoctorFacts facts = GatherFacts(
         {}, {folder_ / L"empty", folder_ / L"mode3.zmi", folder_ / L"frameless.zmi", folder_ / L"thin.zmi"});
