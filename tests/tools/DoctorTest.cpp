@@ -178,13 +178,13 @@ const struct {
                     {.shown = L"d.zmi", .fault = L"cut"},
                     {.shown = L"e.zmi", .width = 5, .height = 241},
                     {.shown = L"f.zmi", .width = 257, .height = 1},
-                    {.shown = L"zmi.dat", .width = 1, .height = 1}};
+                    {.shown = L"zmi", .width = 1, .height = 1}};
      },
      {L"warn a.zmi: its content is not on this machine", L"warn b.zmi: its content is not on this machine",
       L"warn c.zmi: empty. Fix: name", L"fail d.zmi: cut. Fix: recreate the file",
       L"warn e.zmi: 5 x 241 pixels is too thin for thumbnails smaller than 49 pixels. Fix: crop",
       L"fail f.zmi: 257 x 1 pixels is too thin for thumbnails smaller than 257 pixels",
-      L"warn zmi.dat: the Shell goes by the extension"}},
+      L"warn zmi: the Shell goes by the extension"}},
 };
 
 std::vector<std::wstring> Told(const DoctorFacts& facts) {

@@ -5,6 +5,8 @@
 #include "tools/terminal/FileName.h"
 #include "tools/terminal/NumberText.h"
 
+#include <shlwapi.h>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -329,7 +331,7 @@ private:
                 file.isFolder ? L"name a folder with .zmi files" : L"check the name and the folder");
             return;
         }
-        if (CompareNames(file.shown.substr(file.shown.find_last_of(L'.') + 1), L"zmi") != 0)
+        if (CompareNames(PathFindExtensionW(file.shown.c_str()), L".zmi") != 0)
             Warn(name + L"the Shell goes by the extension, and this one is not .zmi", L"rename the file");
         const unsigned smallest = SmallestThumbnail(file.width, file.height);
         if (file.IsElsewhere())

@@ -90,9 +90,10 @@ void Canvas::Draw(const Picture& picture, const RECT& box) {
     GdiFlush();
     const LONG left = box.left + (box.right - box.left - static_cast<LONG>(picture.width)) / 2;
     const LONG top = box.top + (box.bottom - box.top - static_cast<LONG>(picture.height)) / 2;
-    for (LONG y = std::max(top, 0L); y < std::min(top + static_cast<LONG>(picture.height), box.bottom); ++y)
-        for (LONG x = std::max(left, 0L); x < std::min(left + static_cast<LONG>(picture.width), box.right);
-             ++x) {
+    for (LONG y = std::max(top, box.top); y < std::min(top + static_cast<LONG>(picture.height), box.bottom);
+         ++y)
+        for (LONG x = std::max(left, box.left);
+             x < std::min(left + static_cast<LONG>(picture.width), box.right); ++x) {
             const std::uint32_t above = picture.pixels[static_cast<std::size_t>(y - top) * picture.width +
                                                        static_cast<std::size_t>(x - left)];
             std::uint32_t& pixel =
