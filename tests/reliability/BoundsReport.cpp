@@ -50,6 +50,7 @@ const Case cases[] = {
     {{"4096 x 4096", 2, 4096, 4096}},
     {smallFile, false, false, 0, pictures},
     {smallFile, true, true, 2, pictures},
+    // Without icons: what Wine and this program copy of them is more than the library may hold.
     {smallFile, true, true, 4096, {"thumbnail", "square image", "letterboxed image"}},
     {smallFile, false, false, 0xFFFFFFFF, pictures},
 };

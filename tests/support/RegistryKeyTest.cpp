@@ -44,9 +44,10 @@ TEST_F(RegistryKeyTest, DeletesValuesByPathsBelowTheLimit) {
     }
 }
 
-TEST_F(RegistryKeyTest, FailsWithoutARoot) {
+TEST_F(RegistryKeyTest, FailsWithoutARootOrAKnownLanguage) {
     WriteValue(L"InfoTip");
     SecurityApi api;
+    EXPECT_EQ(api.MakeSecurityDescriptor(L"no such language"), nullptr);
     EXPECT_FALSE(GrantEveryoneFullAccess(api, nullptr, L"key"));
     EXPECT_FALSE(RegistryKey::DeleteKeyTree(nullptr, base.c_str()));
 }
@@ -78,9 +79,7 @@ TEST(RegistryKey, DeletesFiveHundredLevels) {
             status = RegCreateKeyW(last, L"below", keys.emplace_back().Put());
         }
         keys.clear();
-        if (status != ERROR_SUCCESS)
-            return 0;
-        return RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str()) ? 1 : 0;
+        return status == ERROR_SUCCESS && RegistryKey::DeleteKeyTree(HKEY_CURRENT_USER, base.c_str());
     };
     const UniqueKernelHandle thread(CreateThread(nullptr, 256 * 1024, deleteDeepTree, nullptr,
                                                  STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
